@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cmath>
+#include <type_traits>
+
+#include "zemcalc/ZmExport.h"
+
+// Thresholds shared by both precisions are single-precision values. The double classes widen
+// the float value rather than using the exact decimal, so that both precisions take the same
+// decisions on the same data: 1.0e-5f is 9.999999747378752e-06 as a double, 1.0e-6f is
+// 9.999999974752427e-07 and the invalid marker -1.0e32f is -1.0000000331813535e+32.
+namespace zm {
+constexpr float kInvalid = -1.0e32f;       // undefined results, absent optional arguments
+constexpr float kTolerance5 = 1.0e-5f;     // distinct points
+constexpr float kTolerance6 = 1.0e-6f;     // null-length guards of the vector predicates
+constexpr float kTolerance14 = 1.0e-14f;   // degenerate direction, on squared lengths
+
+// Conversion factors of the angle classes: the float values of pi/180 and 180/pi, so that an
+// angle converted in either precision gives the same value.
+constexpr float kDegToRadF = 0.017453292519943295f;  // 0.01745329238474369 as a double
+constexpr float kRadToDegF = 57.29577951308232f;     // 57.2957763671875 as a double
+// Exact double factors used by the point and vector members that take angles in degrees.
+constexpr double kDegToRad = 0.017453292519943295;
+constexpr double kRadToDeg = 57.29577951308232;
+
+// The invalid marker in the precision T.
+template <class T>
+constexpr T Invalid() {
+  return static_cast<T>(kInvalid);
+}
+
+// Square root in the precision rule of the library: float values are widened, rooted in
+// double and rounded back; doubles are rooted directly.
+template <class T>
+inline T Sqrt(T value) {
+  return static_cast<T>(std::sqrt(static_cast<double>(value)));
+}
+
+// Rounds a double-precision length to single precision and back, the rule for lengths that
+// both precisions must report alike.
+template <class T>
+constexpr T RoundToFloat(T value) {
+  return static_cast<T>(static_cast<float>(value));
+}
+
+template <class T>
+using EnableIfScalar = std::enable_if_t<std::is_arithmetic<T>::value, int>;
+}  // namespace zm
+
+// Standard gravity in m/s^2, stored as a float.
+extern ZMCALC_API const float WbGms;
+

@@ -1,0 +1,219 @@
+#pragma once
+
+// Points and vectors in 3D: ZmPoint3d / ZmVector3d and their float twins ZmPoint3f /
+// ZmVector3f. Each is exactly three scalars x, y, z (no virtual table) deriving from the base
+// coordinate WbCoord3Dd / WbCoord3Df.
+//
+// Precision rule of the float twins: sums and products stay in float, square roots are taken
+// in double on the widened sum of squares and rounded back to float.
+//
+// Angles taken and returned by the members are in degrees, converted with the double factors
+// 180/pi = 57.29577951308232 and pi/180 = 0.017453292519943295.
+#include <cstdint>
+
+#include <wbcore/WbArray.h>
+#include <wbcore/WbCoord.h>
+
+#include "zemcalc/ZmCoordOps.h"
+#include "zemcalc/ZmExport.h"
+#include "zemcalc/ZmPoint2.h"
+
+template <class T>
+class ZmPlaneT;
+template <class T>
+class ZmExtents3T;
+
+// Construction shared by the 3D point and vector: from nothing (origin), one scalar copied to
+// the three components, three scalars of any arithmetic types (so (int, int, double) and
+// (long, long, double) too), a pointer to three doubles or floats (a null pointer gives the
+// invalid coordinate), any 3D coordinate of either precision, and any 2D coordinate (z = 0).
+#define ZM_COORD3_CONSTRUCTORS(Class)                                                              \
+  constexpr Class() = default;                                                                     \
+  template <class S, zm::EnableIfScalar<S> = 0>                                                   \
+  constexpr explicit Class(S s) : Ops(WbCoord3DT<T>(T(s), T(s), T(s))) {}                                          \
+  template <class A, class B, class C,                                                             \
+            std::enable_if_t<std::is_arithmetic<A>::value && std::is_arithmetic<B>::value &&     \
+                                 std::is_arithmetic<C>::value,                                   \
+                             int> = 0>                                                             \
+  constexpr Class(A xv, B yv, C zv) : Ops(WbCoord3DT<T>(T(xv), T(yv), T(zv))) {}                                  \
+  explicit Class(const double* v) : Ops(FromArray(v)) {}                                           \
+  explicit Class(const float* v) : Ops(FromArray(v)) {}                                            \
+  template <class U>                                                                               \
+  constexpr Class(const WbCoord3DT<U>& c) : Ops(WbCoord3DT<T>(T(c.x), T(c.y), T(c.z))) {}                        \
+  template <class U>                                                                               \
+  constexpr Class(const WbCoord2DT<U>& c) : Ops(WbCoord3DT<T>(T(c.x), T(c.y), T(0))) {}                          \
+  template <class S, zm::EnableIfScalar<S> = 0>                                                   \
+  Class& operator=(S s) {                                                                          \
+    this->x = this->y = this->z = T(s);                                                            \
+    return *this;                                                                                  \
+  }                                                                                                \
+  Class& operator=(const double* v) { return *this = Class(v); }                                   \
+  Class& operator=(const float* v) { return *this = Class(v); }
+
+namespace zm {
+template <class T, class U>
+constexpr WbCoord3DT<T> Coord3FromArray(const U* v) {
+  return v ? WbCoord3DT<T>(T(v[0]), T(v[1]), T(v[2])) : WbCoord3DT<T>::INVALID;
+}
+}  // namespace zm
+
+template <class T>
+class ZMCALC_API ZmVector3T : public ZmVectorOps<ZmVector3T<T>, WbCoord3DT<T>> {
+  using Ops = ZmVectorOps<ZmVector3T<T>, WbCoord3DT<T>>;
+  template <class U>
+  static constexpr WbCoord3DT<T> FromArray(const U* v) {
+    return zm::Coord3FromArray<T>(v);
+  }
+
+public:
+  ZM_COORD3_CONSTRUCTORS(ZmVector3T)
+
+  static const ZmVector3T UNIT_X, UNIT_Y, UNIT_Z;
+  static const ZmVector3T NEGATIVE_UNIT_X, NEGATIVE_UNIT_Y, NEGATIVE_UNIT_Z;
+
+  // this x o
+  ZmVector3T cross(const ZmVector3T& o) const {
+    return ZmVector3T(this->y * o.z - this->z * o.y, this->z * o.x - this->x * o.z, this->x * o.y - this->y * o.x);
+  }
+  void cross(const ZmVector3T& o, ZmVector3T& out) const { out = cross(o); }
+  void scaleZ(T f) { this->z *= f; }
+
+  // Index of the largest absolute component; -1 when all three are equal; ties between two
+  // components resolve towards the later axis.
+  int GetMainDirection() const;
+  // Index 0, 1 or 2 of the axis whose direction lies within tolDeg degrees (strictly) of this
+  // vector, or -1. With signedOnly the axis must point the same way; otherwise the negative
+  // axis counts too. An invalid or zero vector gives -1.
+  int GetAlignedAxis(unsigned char signedOnly, T tolDeg) const;
+  // Angle in degrees between this and target (0 to 180); axis receives the unit axis that turns
+  // this onto target (this x target, or any unit perpendicular of this when the two are
+  // parallel or opposite). An invalid or zero vector gives the invalid marker and the invalid axis.
+  T GetRotationTo(const ZmVector3T& target, ZmVector3T& axis) const;
+  // Rotates about an axis through the origin by angleDeg degrees (right-hand rule); 0 and
+  // unchanged when this vector is invalid or the axis cannot be normalised.
+  unsigned char Rotate(const ZmVector3T& axis, T angleDeg);
+
+  // Direction grid: the unit sphere cut into cells of `step` degrees in latitude and longitude.
+  // A step that gives no cell (step <= 0, NaN, or above 180) yields a count of 0, an invalid
+  // normal and an index of -1 instead of dividing by zero.
+  static int GetIndexedNormalsCount(T step);
+  static ZmVector3T GetIndexedNormal(T step, int index);
+  // The cell that holds this direction; -1 for an invalid or zero vector or an unusable step.
+  int GetNormalIndex(T step) const;
+  // The eight neighbours of a cell, wrapping in both directions; returns 0 (out untouched)
+  // when the step is unusable or the index is outside the grid, else 1.
+  static unsigned char GetNormalNeighbourIndexes(T step, int index, int out[8]);
+
+  // -1/0/1 comparators for sorting; the second operand may be of either precision.
+  template <class U>
+  static int CompareX(const ZmVector3T& a, const ZmVector3T<U>& b) {
+    return wbcore_detail::CompareScalars(a.x, b.x);
+  }
+  template <class U>
+  static int CompareY(const ZmVector3T& a, const ZmVector3T<U>& b) {
+    return wbcore_detail::CompareScalars(a.y, b.y);
+  }
+  template <class U>
+  static int CompareZ(const ZmVector3T& a, const ZmVector3T<U>& b) {
+    return wbcore_detail::CompareScalars(a.z, b.z);
+  }
+  // Lexicographic on x, then y, then z.
+  template <class U>
+  static int CompareVectors(const ZmVector3T& a, const ZmVector3T<U>& b) {
+    const int cx = CompareX(a, b);
+    if (cx != 0) return cx;
+    const int cy = CompareY(a, b);
+    return cy != 0 ? cy : CompareZ(a, b);
+  }
+};
+
+template <class T>
+class ZMCALC_API ZmPoint3T : public ZmCoordOps<ZmPoint3T<T>, WbCoord3DT<T>> {
+  using Ops = ZmCoordOps<ZmPoint3T<T>, WbCoord3DT<T>>;
+  template <class U>
+  static constexpr WbCoord3DT<T> FromArray(const U* v) {
+    return zm::Coord3FromArray<T>(v);
+  }
+
+public:
+  ZM_COORD3_CONSTRUCTORS(ZmPoint3T)
+
+  // The three components, where an array of three is expected.
+  operator T*() { return &this->x; }
+  operator const T*() const { return &this->x; }
+
+  T DistanceToPoint(const ZmPoint3T& p) const { return (*this - p).length(); }
+  // The distance to p; `nearest` (when given) receives the point of p nearest to this one,
+  // which for a single point is p itself.
+  T DistanceToPointEx(const ZmPoint3T& p, ZmPoint3T* nearest) const;
+  // Perpendicular distance to the infinite line through linePoint with direction dir
+  // (ZmMath DistToLine).
+  T DistanceToLine(const ZmPoint3T& linePoint, const ZmVector3T<T>& dir) const;
+  // Distance to the plane (ZmMath DistToPlane).
+  T DistanceToPlane(const ZmPlaneT<T>& plane) const;
+  // 1 when the distance is strictly greater than 1.0e-5 (the float value, widened).
+  unsigned char IsDistinctFrom(const ZmPoint3T& p) const;
+  // 1 when each coordinate lies in its closed interval.
+  unsigned char IsInside(T xmin, T xmax, T ymin, T ymax, T zmin, T zmax) const;
+  // (r, theta, z), theta in degrees in (-180, 180]; a point on the negative x axis with
+  // y = +0 gives -180.
+  ZmPoint3T GetCylindricalCoordinates() const;
+  // (rho, theta, phi): phi is the elevation above the xy plane in degrees.
+  ZmPoint3T GetSphericalCoordinates() const;
+  // Rotates about the axis through center by angleDeg degrees; 0 and unchanged when the axis
+  // cannot be normalised or a coordinate is invalid.
+  unsigned char Rotate(const ZmPoint3T& center, const ZmVector3T<T>& axis, T angleDeg);
+
+  static T GetX(const ZmPoint3T& p) { return p.x; }
+  static T GetY(const ZmPoint3T& p) { return p.y; }
+  static T GetZ(const ZmPoint3T& p) { return p.z; }
+  // Lexicographic on x, then y, then z.
+  static int ComparePoints(const ZmPoint3T& a, const ZmPoint3T& b);
+
+  // Collinearity within tol: 1 when p0 and p1 are closer than tol (the distance rounded to
+  // float), or when p2 lies within tol of the line through p0 and p1.
+  static unsigned char AreAligned(const ZmPoint3T& p0, const ZmPoint3T& p1, const ZmPoint3T& p2, T tol);
+  // Centre of the axis-aligned bounding box (not the mean); an empty array gives the invalid point.
+  static ZmPoint3T ComputeCenter(const WbArrayTempl<ZmPoint3T>& points);
+  static ZmPoint3T ComputeCenter(const ZmPoint3T& a, const ZmPoint3T& b);
+  // Sum of the segment lengths, each rounded to float before it is added; an empty array
+  // gives the invalid marker, a single point 0.
+  static T ComputePolylineLength(const WbArrayTempl<ZmPoint3T>& points);
+  // The point at arc length `length` from the first point, each segment length rounded to
+  // float as in ComputePolylineLength. A length below 0 or beyond the end gives the first or
+  // last point when clampToEnds is set and the invalid point otherwise; an empty array always
+  // gives the invalid point.
+  static ZmPoint3T GetPolylinePointAtLength(const WbArrayTempl<ZmPoint3T>& points, T length,
+                                            unsigned char clampToEnds);
+};
+
+#undef ZM_COORD3_CONSTRUCTORS
+
+// Absolute value of each component.
+template <class T>
+ZmVector3T<T> abs(const ZmVector3T<T>& v) {
+  return ZmVector3T<T>(v.x < 0 ? -v.x : v.x, v.y < 0 ? -v.y : v.y, v.z < 0 ? -v.z : v.z);
+}
+
+extern template class ZmVectorOps<ZmVector3T<double>, WbCoord3DT<double>>;
+extern template class ZmVectorOps<ZmVector3T<float>, WbCoord3DT<float>>;
+extern template class ZmVector3T<double>;
+extern template class ZmVector3T<float>;
+extern template class ZmPoint3T<double>;
+extern template class ZmPoint3T<float>;
+
+using ZmVector3d = ZmVector3T<double>;
+using ZmVector3f = ZmVector3T<float>;
+using ZmPoint3d = ZmPoint3T<double>;
+using ZmPoint3f = ZmPoint3T<float>;
+
+extern ZMCALC_API const ZmPoint3d ZmNonValP3d;
+extern ZMCALC_API const ZmPoint3f ZmNonValP3f;
+extern ZMCALC_API const ZmVector3d ZmNonValV3d;
+extern ZMCALC_API const ZmVector3f ZmNonValV3f;
+extern ZMCALC_API const ZmVector3d ZmV3dX;
+extern ZMCALC_API const ZmVector3d ZmV3dY;
+extern ZMCALC_API const ZmVector3d ZmV3dZ;
+extern ZMCALC_API const ZmVector3f ZmV3fX;
+extern ZMCALC_API const ZmVector3f ZmV3fY;
+extern ZMCALC_API const ZmVector3f ZmV3fZ;

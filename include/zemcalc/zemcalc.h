@@ -1,0 +1,20 @@
+#pragma once
+
+// Everything of zemcalc and of the base library it is written against.
+#include <wbcore/WbArray.h>
+#include <wbcore/WbBinFile.h>
+#include <wbcore/WbCoord.h>
+#include <wbcore/WbError.h>
+#include <wbcore/WbLocalize.h>
+#include <wbcore/WbLogger.h>
+#include <wbcore/WbMem.h>
+#include <wbcore/WbObject.h>
+#include <wbcore/WbString.h>
+
+#include "zemcalc/ZmAngle.h"
+#include "zemcalc/ZmComplex.h"
+#include "zemcalc/ZmConstants.h"
+#include "zemcalc/ZmMath.h"
+#include "zemcalc/ZmPlane.h"
+#include "zemcalc/ZmPoint2.h"
+#include "zemcalc/ZmPoint3.h"

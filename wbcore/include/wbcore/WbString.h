@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdarg>
+#include <cstdint>
+#include <string>
+
+#include "wbcore/WbExport.h"
+
+template <class T>
+class WbObjectArrayTempl;
+
+// A wide-character string with value semantics.
+//
+// Formatting follows the wide-format convention on every platform: in a format string
+// "%s" takes a wide string (const wchar_t*, a WbString converts implicitly) and "%c" a wide
+// character; "%hs" and "%hc" take narrow ones.
+class WBCORE_API WbString {
+public:
+  WbString() = default;
+  WbString(const wchar_t* text);  // null gives the empty string
+  WbString(const wchar_t* text, std::uint64_t count);
+  WbString(const std::wstring& text);
+
+  std::uint64_t GetLength() const { return m_text.size(); }
+  unsigned char IsEmpty() const { return m_text.empty() ? 1 : 0; }
+  void Empty() { m_text.clear(); }
+  const wchar_t* GetString() const { return m_text.c_str(); }
+  operator const wchar_t*() const { return m_text.c_str(); }
+  const std::wstring& Std() const { return m_text; }
+  wchar_t GetAt(std::uint64_t i) const { return m_text[i]; }
+
+  WbString& operator=(const wchar_t* text);
+  WbString& operator+=(const WbString& other);
+  WbString& operator+=(const wchar_t* text);
+  WbString& operator+=(wchar_t c);
+  friend WBCORE_API WbString operator+(const WbString& a, const WbString& b);
+
+  friend bool operator==(const WbString& a, const WbString& b) { return a.m_text == b.m_text; }
+  friend bool operator!=(const WbString& a, const WbString& b) { return a.m_text != b.m_text; }
+  friend WBCORE_API bool operator==(const WbString& a, const wchar_t* b);
+  friend bool operator!=(const WbString& a, const wchar_t* b) { return !(a == b); }
+  friend bool operator==(const wchar_t* a, const WbString& b) { return b == a; }
+  friend bool operator!=(const wchar_t* a, const WbString& b) { return !(b == a); }
+  friend bool operator<(const WbString& a, const WbString& b) { return a.m_text < b.m_text; }
+
+  // -1/0/1 comparisons; the NoCase form folds with towlower.
+  int Compare(const wchar_t* other) const;
+  int CompareNoCase(const wchar_t* other) const;
+
+  // printf-style formatting into this string (wide-format convention, see above).
+  void Format(const wchar_t* format, ...);
+  void FormatV(const wchar_t* format, va_list args);
+  static WbString Formatted(const wchar_t* format, ...);
+
+  // Shortest general notation of a value with at most `precision` significant digits
+  // ("%.*g"): 0.1 with precision 16 gives "0.1", 1e32 gives "1e+32".
+  void FormatFloat(double value, int precision = 16);
+
+  // Trimming removes the given characters (white space by default) from one or both ends.
+  WbString& TrimLeft(const wchar_t* chars = L" \t\r\n");
+  WbString& TrimRight(const wchar_t* chars = L" \t\r\n");
+  WbString& Trim(const wchar_t* chars = L" \t\r\n");
+
+  WbString Left(std::uint64_t count) const;
+  WbString Mid(std::uint64_t first, std::uint64_t count = UINT64_MAX) const;
+  // Index of the first occurrence, or -1.
+  std::int64_t Find(const wchar_t* what, std::uint64_t from = 0) const;
+  std::int64_t Find(wchar_t c, std::uint64_t from = 0) const;
+  WbString& MakeUpper();
+  WbString& MakeLower();
+
+  // Splits at any of the separator characters. Runs of separators give no empty words
+  // unless keepEmpty is set. Returns the number of words appended.
+  std::uint64_t SplitWords(WbObjectArrayTempl<WbString>& words, const wchar_t* separators = L" \t",
+                           unsigned char keepEmpty = 0) const;
+
+private:
+  std::wstring m_text;
+};
+
+// vswprintf with the wide-format convention on every platform; returns the formatted text.
+WBCORE_API std::wstring WbFormatV(const wchar_t* format, va_list args);
