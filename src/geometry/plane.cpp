@@ -3,6 +3,9 @@
 #include <wbcore/WbLocalize.h>
 
 #include "zemcalc/ZmMath.h"
+#include "foundation/build_info.h"
+
+ZM_BUILD_INFO(plane)
 
 namespace {
 // Normalises the plane normal: 1 when its length, rounded to float, exceeds 1.0e-6.

@@ -1,6 +1,9 @@
 #include <cmath>
 
 #include "zemcalc/ZmPoint2.h"
+#include "foundation/build_info.h"
+
+ZM_BUILD_INFO(point2)
 
 template <class T>
 unsigned char ZmPoint2T<T>::IsDistinctFrom(const ZmPoint2T& p) const {

@@ -2,6 +2,9 @@
 
 #include "zemcalc/ZmMath.h"
 #include "zemcalc/ZmPoint3.h"
+#include "foundation/build_info.h"
+
+ZM_BUILD_INFO(point3)
 
 namespace {
 // Polar angle in degrees of (x, y) in (-180, 180]. On the negative x axis with y = +0 the

@@ -1,6 +1,9 @@
 #include <cmath>
 
 #include "zemcalc/ZmPoint2.h"
+#include "foundation/build_info.h"
+
+ZM_BUILD_INFO(vector2)
 
 template <class T>
 const ZmVector2T<T> ZmVector2T<T>::UNIT_X(1, 0);

@@ -2,6 +2,9 @@
 #include <cmath>
 
 #include "zemcalc/ZmPoint3.h"
+#include "foundation/build_info.h"
+
+ZM_BUILD_INFO(vector3)
 
 template <class T>
 const ZmVector3T<T> ZmVector3T<T>::UNIT_X(1, 0, 0);

@@ -3,6 +3,9 @@
 
 #include "zemcalc/ZmPoint2.h"
 #include "zemcalc/ZmPoint3.h"
+#include "foundation/build_info.h"
+
+ZM_BUILD_INFO(vector_ops)
 
 namespace {
 // Length of the cross product: |z| of the scalar cross in 2D, the norm of the vector in 3D.

@@ -1,5 +1,8 @@
 #include "zemcalc/ZmMath.h"
 #include "zemcalc/ZmPlane.h"
+#include "foundation/build_info.h"
+
+ZM_BUILD_INFO(distances)
 
 template <class T>
 T ZmMathDistanceT<T>::Distance(const Point3& p, const Point3& q) {
