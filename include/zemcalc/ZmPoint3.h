@@ -23,6 +23,13 @@ class ZmPlaneT;
 template <class T>
 class ZmExtents3T;
 
+namespace zm {
+template <class T, class U>
+constexpr WbCoord3DT<T> Coord3FromArray(const U* v) {
+  return v ? WbCoord3DT<T>(T(v[0]), T(v[1]), T(v[2])) : WbCoord3DT<T>::INVALID;
+}
+}  // namespace zm
+
 // Construction shared by the 3D point and vector: from nothing (origin), one scalar copied to
 // the three components, three scalars of any arithmetic types (so (int, int, double) and
 // (long, long, double) too), a pointer to three doubles or floats (a null pointer gives the
@@ -36,8 +43,8 @@ class ZmExtents3T;
                                  std::is_arithmetic<C>::value,                                   \
                              int> = 0>                                                             \
   constexpr Class(A xv, B yv, C zv) : Ops(WbCoord3DT<T>(T(xv), T(yv), T(zv))) {}                                  \
-  explicit Class(const double* v) : Ops(FromArray(v)) {}                                           \
-  explicit Class(const float* v) : Ops(FromArray(v)) {}                                            \
+  explicit Class(const double* v) : Ops(zm::Coord3FromArray<T>(v)) {}                                           \
+  explicit Class(const float* v) : Ops(zm::Coord3FromArray<T>(v)) {}                                            \
   template <class U>                                                                               \
   constexpr Class(const WbCoord3DT<U>& c) : Ops(WbCoord3DT<T>(T(c.x), T(c.y), T(c.z))) {}                        \
   template <class U>                                                                               \
@@ -50,20 +57,9 @@ class ZmExtents3T;
   Class& operator=(const double* v) { return *this = Class(v); }                                   \
   Class& operator=(const float* v) { return *this = Class(v); }
 
-namespace zm {
-template <class T, class U>
-constexpr WbCoord3DT<T> Coord3FromArray(const U* v) {
-  return v ? WbCoord3DT<T>(T(v[0]), T(v[1]), T(v[2])) : WbCoord3DT<T>::INVALID;
-}
-}  // namespace zm
-
 template <class T>
 class ZMCALC_API ZmVector3T : public ZmVectorOps<ZmVector3T<T>, WbCoord3DT<T>> {
   using Ops = ZmVectorOps<ZmVector3T<T>, WbCoord3DT<T>>;
-  template <class U>
-  static constexpr WbCoord3DT<T> FromArray(const U* v) {
-    return zm::Coord3FromArray<T>(v);
-  }
 
 public:
   ZM_COORD3_CONSTRUCTORS(ZmVector3T)
@@ -130,10 +126,6 @@ public:
 template <class T>
 class ZMCALC_API ZmPoint3T : public ZmCoordOps<ZmPoint3T<T>, WbCoord3DT<T>> {
   using Ops = ZmCoordOps<ZmPoint3T<T>, WbCoord3DT<T>>;
-  template <class U>
-  static constexpr WbCoord3DT<T> FromArray(const U* v) {
-    return zm::Coord3FromArray<T>(v);
-  }
 
 public:
   ZM_COORD3_CONSTRUCTORS(ZmPoint3T)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <type_traits>
 
@@ -33,6 +34,50 @@ constexpr int CompareScalars(T a, U b) {
 }
 }  // namespace wbcore_detail
 
+namespace wbcore_detail {
+// The members below are written once for both dimensions: they walk the coordinate's
+// components through its list of member pointers (Axes()).
+template <class C>
+unsigned char AllValid(const C& c) {
+  for (auto axis : C::Axes()) {
+    if (c.*axis == typename C::Scalar(kInvalidCoord)) return 0;
+  }
+  return 1;
+}
+template <class C>
+void InvalidateAll(C& c) {
+  for (auto axis : C::Axes()) c.*axis = typename C::Scalar(kInvalidCoord);
+}
+template <class C>
+void FoldAll(C& c, const C& other, bool takeSmaller) {
+  for (auto axis : C::Axes()) c.*axis = FoldComponent(c.*axis, other.*axis, takeSmaller);
+}
+template <class C>
+WbString FormatAll(const C& c, const wchar_t* numberFormat, const wchar_t* separator) {
+  double values[3] = {0, 0, 0};
+  int count = 0;
+  for (auto axis : C::Axes()) values[count++] = double(c.*axis);
+  return FormatComponents(values, count, numberFormat, separator);
+}
+}  // namespace wbcore_detail
+
+// The members common to both coordinate classes. An invalid coordinate holds the marker in
+// every component; minimum and maximum fold component-wise, an invalid component (the marker)
+// on either side giving way to the other side's, so that a fold can start from INVALID.
+#define WB_COORD_COMMON_MEMBERS(Class)                                                            \
+  static const Class INVALID;                                                                     \
+  static const Class ZERO;                                                                        \
+  unsigned char IsValid() const { return wbcore_detail::AllValid(*this); }                       \
+  void Invalidate() { wbcore_detail::InvalidateAll(*this); }                                      \
+  void minimum(const Class& other) { wbcore_detail::FoldAll(*this, other, true); }                \
+  void maximum(const Class& other) { wbcore_detail::FoldAll(*this, other, false); }               \
+  static int CompareX(const Class& a, const Class& b) { return wbcore_detail::CompareScalars(a.x, b.x); } \
+  static int CompareY(const Class& a, const Class& b) { return wbcore_detail::CompareScalars(a.y, b.y); } \
+  /* Each component with the printf-style number format, joined by the separator. */           \
+  WbString GetString(const wchar_t* numberFormat = L"%g", const wchar_t* separator = L", ") const { \
+    return wbcore_detail::FormatAll(*this, numberFormat, separator);                              \
+  }
+
 template <class T>
 class WBCORE_VISIBLE WbCoord2DT {
 public:
@@ -45,31 +90,9 @@ public:
 
   constexpr WbCoord2DT() = default;
   constexpr WbCoord2DT(T xValue, T yValue) : x(xValue), y(yValue) {}
+  static constexpr std::array<T WbCoord2DT::*, 2> Axes() { return {&WbCoord2DT::x, &WbCoord2DT::y}; }
 
-  static const WbCoord2DT INVALID;
-  static const WbCoord2DT ZERO;
-
-  unsigned char IsValid() const {
-    return (x != T(wbcore_detail::kInvalidCoord) && y != T(wbcore_detail::kInvalidCoord)) ? 1 : 0;
-  }
-  void Invalidate() { x = y = T(wbcore_detail::kInvalidCoord); }
-  // Component-wise minimum or maximum with other, in place. An invalid component (the marker)
-  // on either side is replaced by the other side's, so folding starts from INVALID.
-  void minimum(const WbCoord2DT& other) {
-    x = wbcore_detail::FoldComponent(x, other.x, true);
-    y = wbcore_detail::FoldComponent(y, other.y, true);
-  }
-  void maximum(const WbCoord2DT& other) {
-    x = wbcore_detail::FoldComponent(x, other.x, false);
-    y = wbcore_detail::FoldComponent(y, other.y, false);
-  }
-  static int CompareX(const WbCoord2DT& a, const WbCoord2DT& b) { return wbcore_detail::CompareScalars(a.x, b.x); }
-  static int CompareY(const WbCoord2DT& a, const WbCoord2DT& b) { return wbcore_detail::CompareScalars(a.y, b.y); }
-  // Each component with the printf-style number format, joined by the separator.
-  WbString GetString(const wchar_t* numberFormat = L"%g", const wchar_t* separator = L", ") const {
-    const double values[2] = {double(x), double(y)};
-    return wbcore_detail::FormatComponents(values, 2, numberFormat, separator);
-  }
+  WB_COORD_COMMON_MEMBERS(WbCoord2DT)
 };
 
 template <class T>
@@ -85,33 +108,15 @@ public:
 
   constexpr WbCoord3DT() = default;
   constexpr WbCoord3DT(T xValue, T yValue, T zValue) : x(xValue), y(yValue), z(zValue) {}
+  static constexpr std::array<T WbCoord3DT::*, 3> Axes() {
+    return {&WbCoord3DT::x, &WbCoord3DT::y, &WbCoord3DT::z};
+  }
 
-  static const WbCoord3DT INVALID;
-  static const WbCoord3DT ZERO;
-
-  unsigned char IsValid() const {
-    const T marker = T(wbcore_detail::kInvalidCoord);
-    return (x != marker && y != marker && z != marker) ? 1 : 0;
-  }
-  void Invalidate() { x = y = z = T(wbcore_detail::kInvalidCoord); }
-  void minimum(const WbCoord3DT& other) {
-    x = wbcore_detail::FoldComponent(x, other.x, true);
-    y = wbcore_detail::FoldComponent(y, other.y, true);
-    z = wbcore_detail::FoldComponent(z, other.z, true);
-  }
-  void maximum(const WbCoord3DT& other) {
-    x = wbcore_detail::FoldComponent(x, other.x, false);
-    y = wbcore_detail::FoldComponent(y, other.y, false);
-    z = wbcore_detail::FoldComponent(z, other.z, false);
-  }
-  static int CompareX(const WbCoord3DT& a, const WbCoord3DT& b) { return wbcore_detail::CompareScalars(a.x, b.x); }
-  static int CompareY(const WbCoord3DT& a, const WbCoord3DT& b) { return wbcore_detail::CompareScalars(a.y, b.y); }
+  WB_COORD_COMMON_MEMBERS(WbCoord3DT)
   static int CompareZ(const WbCoord3DT& a, const WbCoord3DT& b) { return wbcore_detail::CompareScalars(a.z, b.z); }
-  WbString GetString(const wchar_t* numberFormat = L"%g", const wchar_t* separator = L", ") const {
-    const double values[3] = {double(x), double(y), double(z)};
-    return wbcore_detail::FormatComponents(values, 3, numberFormat, separator);
-  }
 };
+
+#undef WB_COORD_COMMON_MEMBERS
 
 template <class T>
 const WbCoord2DT<T> WbCoord2DT<T>::INVALID{T(wbcore_detail::kInvalidCoord), T(wbcore_detail::kInvalidCoord)};
