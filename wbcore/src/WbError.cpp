@@ -19,7 +19,7 @@ std::atomic<WbLogger::Sink>& LoggerSink() {
 }
 }  // namespace
 
-const WbErrObj* WbSetError(const wchar_t* format, ...) {
+const WbErrObj* wbcore_detail::SetErrorVarArgs(const wchar_t* format, ...) {
   va_list args;
   va_start(args, format);
   t_lastError = WbErrObj(WbString(WbFormatV(format, args)));
@@ -40,7 +40,7 @@ const wchar_t* WbLocalizeStringExW(const wchar_t* message, int context) {
   return message;
 }
 
-WbString WbLocalizeStringVW(const wchar_t* format, ...) {
+WbString wbcore_detail::LocalizeStringVarArgsW(const wchar_t* format, ...) {
   va_list args;
   va_start(args, format);
   WbString result(WbFormatV(WbLocalizeStringExW(format, 0), args));
@@ -50,7 +50,7 @@ WbString WbLocalizeStringVW(const wchar_t* format, ...) {
 
 WbLogger::Sink WbLogger::SetSink(Sink sink) { return LoggerSink().exchange(sink); }
 
-void WbLogger::Log(int level, const wchar_t* format, ...) {
+void WbLogger::LogVarArgs(int level, const wchar_t* format, ...) {
   const Sink sink = LoggerSink().load();
   if (!sink) return;
   va_list args;

@@ -2,7 +2,7 @@
 //
 // Messages of the suite are written with "%s" meaning a wide string, as in the wide printf
 // of other platforms. glibc's vswprintf reads "%s" as a narrow string, so every conversion
-// spec is rewritten before formatting: "%s"/"%c" without a length modifier become
+// specifier is rewritten before formatting: "%s"/"%c" without a length modifier become
 // "%ls"/"%lc", and the explicit narrow forms "%hs"/"%hc" become "%s"/"%c".
 #include <cwchar>
 #include <vector>

@@ -50,7 +50,7 @@ int WbString::CompareNoCase(const wchar_t* other) const {
   }
 }
 
-void WbString::Format(const wchar_t* format, ...) {
+void WbString::FormatVarArgs(const wchar_t* format, ...) {
   va_list args;
   va_start(args, format);
   m_text = WbFormatV(format, args);
@@ -58,14 +58,6 @@ void WbString::Format(const wchar_t* format, ...) {
 }
 
 void WbString::FormatV(const wchar_t* format, va_list args) { m_text = WbFormatV(format, args); }
-
-WbString WbString::Formatted(const wchar_t* format, ...) {
-  va_list args;
-  va_start(args, format);
-  WbString result(WbFormatV(format, args));
-  va_end(args);
-  return result;
-}
 
 void WbString::FormatFloat(double value, int precision) { Format(L"%.*g", precision, value); }
 

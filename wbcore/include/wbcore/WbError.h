@@ -14,9 +14,15 @@ private:
   WbString m_message;
 };
 
+namespace wbcore_detail {
+WBCORE_API const WbErrObj* SetErrorVarArgs(const wchar_t* format, ...);
+}
 // Records an error with a printf-style format (wide-format convention: "%s" takes a wide
 // string) and returns it. The record belongs to the calling thread and stays valid until
 // that thread records its next error.
-WBCORE_API const WbErrObj* WbSetError(const wchar_t* format, ...);
+template <class... Args>
+const WbErrObj* WbSetError(const wchar_t* format, const Args&... args) {
+  return wbcore_detail::SetErrorVarArgs(format, wbcore_detail::FormatArg(args)...);
+}
 // The last error recorded on this thread, or null when none was.
 WBCORE_API const WbErrObj* WbGetLastError();

@@ -15,5 +15,11 @@ WBCORE_API WbLocalizeHook WbSetLocalizeHook(WbLocalizeHook hook);
 // The text to use for an English message: the hook's translation, or the message itself.
 WBCORE_API const wchar_t* WbLocalizeStringExW(const wchar_t* message, int context);
 
+namespace wbcore_detail {
+WBCORE_API WbString LocalizeStringVarArgsW(const wchar_t* format, ...);
+}
 // Localises a template and formats it with the given arguments (wide-format convention).
-WBCORE_API WbString WbLocalizeStringVW(const wchar_t* format, ...);
+template <class... Args>
+WbString WbLocalizeStringVW(const wchar_t* format, const Args&... args) {
+  return wbcore_detail::LocalizeStringVarArgsW(format, wbcore_detail::FormatArg(args)...);
+}

@@ -12,5 +12,11 @@ public:
 
   // Installs the sink (null discards) and returns the previous one.
   static Sink SetSink(Sink sink);
-  static void Log(int level, const wchar_t* format, ...);
+  template <class... Args>
+  static void Log(int level, const wchar_t* format, const Args&... args) {
+    LogVarArgs(level, format, wbcore_detail::FormatArg(args)...);
+  }
+
+private:
+  static void LogVarArgs(int level, const wchar_t* format, ...);
 };

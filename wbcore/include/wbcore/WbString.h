@@ -3,16 +3,31 @@
 #include <cstdarg>
 #include <cstdint>
 #include <string>
+#include <type_traits>
 
 #include "wbcore/WbExport.h"
 
 template <class T>
 class WbObjectArrayTempl;
+class WbString;
+
+// The printf-style functions of the base library are variadic templates that pass each argument
+// through FormatArg before the C variadic call: a WbString travels as its text, because a class
+// with a destructor cannot pass through "..." as a pointer (the Itanium ABI hands over a hidden
+// reference to a copy). Anything else that is not trivially copyable is rejected at compile time.
+namespace wbcore_detail {
+template <class A>
+constexpr const A& FormatArg(const A& value) {
+  static_assert(std::is_trivially_copyable<A>::value, "format arguments are numbers, pointers or WbString");
+  return value;
+}
+inline const wchar_t* FormatArg(const WbString& text);
+}  // namespace wbcore_detail
 
 // A wide-character string with value semantics.
 //
 // Formatting follows the wide-format convention on every platform: in a format string
-// "%s" takes a wide string (const wchar_t*, a WbString converts implicitly) and "%c" a wide
+// "%s" takes a wide string (a const wchar_t* or a WbString) and "%c" a wide
 // character; "%hs" and "%hc" take narrow ones.
 class WBCORE_API WbString {
 public:
@@ -48,9 +63,17 @@ public:
   int CompareNoCase(const wchar_t* other) const;
 
   // printf-style formatting into this string (wide-format convention, see above).
-  void Format(const wchar_t* format, ...);
+  template <class... Args>
+  void Format(const wchar_t* format, const Args&... args) {
+    FormatVarArgs(format, wbcore_detail::FormatArg(args)...);
+  }
   void FormatV(const wchar_t* format, va_list args);
-  static WbString Formatted(const wchar_t* format, ...);
+  template <class... Args>
+  static WbString Formatted(const wchar_t* format, const Args&... args) {
+    WbString text;
+    text.FormatVarArgs(format, wbcore_detail::FormatArg(args)...);
+    return text;
+  }
 
   // Shortest general notation of a value with at most `precision` significant digits
   // ("%.*g"): 0.1 with precision 16 gives "0.1", 1e32 gives "1e+32".
@@ -75,8 +98,12 @@ public:
                            unsigned char keepEmpty = 0) const;
 
 private:
+  void FormatVarArgs(const wchar_t* format, ...);
+
   std::wstring m_text;
 };
+
+inline const wchar_t* wbcore_detail::FormatArg(const WbString& text) { return text.GetString(); }
 
 // vswprintf with the wide-format convention on every platform; returns the formatted text.
 WBCORE_API std::wstring WbFormatV(const wchar_t* format, va_list args);
