@@ -25,8 +25,9 @@ public:
   T Module() const {
     return zm::Sqrt(T(T(std::pow(m_imag, 2.0)) + T(std::pow(m_real, 2.0))));
   }
-  // atan2(imag, real) in radians, in (-pi, pi].
-  T Arg() const { return std::atan2(m_imag, m_real); }
+  // atan2(imag, real) in radians, in (-pi, pi]. Adding +0 turns a negative-zero imaginary
+  // part (a negated real number) into +0, so that the negative real axis gives +pi, never -pi.
+  T Arg() const { return std::atan2(m_imag + T(0), m_real); }
   // (r cos theta, r sin theta), theta in radians.
   template <class S, class A, std::enable_if_t<std::is_arithmetic<S>::value && std::is_arithmetic<A>::value, int> = 0>
   static ZmComplexNumberT Polar(S r, A theta) {

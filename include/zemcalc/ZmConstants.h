@@ -15,10 +15,12 @@ constexpr float kTolerance5 = 1.0e-5f;     // distinct points
 constexpr float kTolerance6 = 1.0e-6f;     // null-length guards of the vector predicates
 constexpr float kTolerance14 = 1.0e-14f;   // degenerate direction, on squared lengths
 
-// Conversion factors of the angle classes: the float values of pi/180 and 180/pi, so that an
-// angle converted in either precision gives the same value.
+// Conversion factors of the angle classes, in single precision so that an angle converted in
+// either precision gives the same value: pi/180 rounded to float, and 180 divided by the float
+// pi in float arithmetic. The latter is one float below 180/pi rounded (57.29578018...): keep
+// it as written.
 constexpr float kDegToRadF = 0.017453292519943295f;  // 0.01745329238474369 as a double
-constexpr float kRadToDegF = 57.29577951308232f;     // 57.2957763671875 as a double
+constexpr float kRadToDegF = 57.2957763671875f;      // 180.0f / 3.14159274f, exact as a double
 // Exact double factors used by the point and vector members that take angles in degrees.
 constexpr double kDegToRad = 0.017453292519943295;
 constexpr double kRadToDeg = 57.29577951308232;
