@@ -109,36 +109,92 @@ public:
   static ZmPoint2T ComputeCenter(const ZmPoint2T& a, const ZmPoint2T& b);
 
   // --- curve statics
+  //
+  // Bad input never reads outside the curve: a null pointer counts as an empty curve whatever
+  // n says, and NaN coordinates match nothing (NaN != anything). Positions are reported in an
+  // int, so the statics that search or report them (the interpolations, SampleX,
+  // EvaluateSinusoidEnvelop, EvaluateConvexShape) look at most at the first 2^31 points. Every
+  // static is linear in the curve length except EvaluateConvexShape (n log n).
 
-  // Value of the curve at abscissa x, searching the segments from `start` on. index receives
-  // the first point of the segment used (for an exact hit on point i > start it is i - 1);
-  // -1 and the invalid marker when no segment holds x. n = 0 or start >= n (also a negative
-  // start) return the marker with index unwritten.
+  // Value of the curve at abscissa x, searching the segments from `start` on. An exact hit on
+  // the start point gives its y and index = start. Otherwise the first point i > start with
+  // x_i == x, or with x strictly between x_{i-1} and x_i (either order), gives
+  // y_{i-1} + (x - x_{i-1})/(x_i - x_{i-1})*(y_i - y_{i-1}) (y_i on the exact hit) and
+  // index = i - 1: index names the first point of the segment used. -1 and the invalid marker
+  // when no segment holds x. n = 0 or start >= n (also a negative start) return the marker
+  // with index unwritten.
   static T InterpolateOnX(const ZmPoint2T* points, std::uint64_t n, T x, int& index, int start = 0);
   // The same with the roles of x and y exchanged: the abscissa at which the curve reaches y.
   static T InterpolateOnY(const ZmPoint2T* points, std::uint64_t n, T y, int& index, int start = 0);
-  // Every abscissa at which the curve reaches y, in order (a crossing exactly on a point may
-  // be reported twice); xs is emptied first. Returns the count.
+  // Every abscissa at which the curve reaches y, in order: InterpolateOnY from 0, then from
+  // the point after each found segment, until it gives the marker. A crossing exactly on a
+  // point found through the segment search is reported twice (as that segment's end and as
+  // the next start); xs is emptied first. Returns the count.
   static std::uint64_t InterpolateOnYn(const ZmPoint2T* points, std::uint64_t n, T y, WbArrayTempl<T>& xs);
   // Resamples at a fixed step from the first abscissa (or from max(startX, first abscissa)
-  // when startX is given), the abscissa accumulated step by step, until it leaves the curve.
-  // out is emptied first; returns the count (0 for an empty curve or a step <= 0).
+  // when startX is given; a NaN startX counts as not given). Each sample is (x,
+  // InterpolateOnX(points, n, x, index, 0)), the search starting from the first point, and
+  // the next x is x + step (accumulated, not first + k*step); the run ends at the first x that
+  // no segment holds. The results are exactly those, but found in one pass over the curve
+  // (linear; a curve with NaN abscissas may need longer searches). out is emptied first, and
+  // the curve may live in out itself. Returns the count; 0 for an empty curve or a step that
+  // is not > 0 (NaN included).
+  // The output is bounded: a sampling that would need more than 2^27 points (134217728) is
+  // refused with 0 and out empty. It is refused up front when (largest abscissa - first
+  // sample)/step exceeds 2^27, when a step too small to move the accumulated abscissa
+  // (x + step == x) would repeat one sample forever, and when a sample beyond the 2^27th is
+  // found or memory runs out.
   static std::uint64_t SampleX(const ZmPoint2T* points, std::uint64_t n, T step, WbArrayTempl<ZmPoint2T>& out,
                                T startX = zm::Invalid<T>());
-  // Adds one point at x before the first or after the last point, with the end value or,
-  // when linear is set, the value extrapolated along the end segment (raised to floor when
-  // floor is given and higher). Returns 1 when a point was added.
+  // Adds one point at x before the first point (x < x0) or after the last (x > xn), with the
+  // end value or, when linear is set, the value extrapolated along the end segment:
+  // y0 - (y1 - y0)/(x1 - x0)*(x0 - x), or yn + (yn - ym)/(xn - xm)*(x - xn); linear needs two
+  // points and an end segment that is not vertical. In the linear case only, the value is
+  // raised to floor when floor is given and higher. Returns 1 when a point was added; 0 for an
+  // empty curve, an x within [x0, xn] or NaN, or a linear extrapolation that cannot be made.
   static unsigned char ExtrapolateOnX(WbArrayTempl<ZmPoint2T>& curve, T x, unsigned char linear,
                                       T floor = zm::Invalid<T>());
-  // Keeps the part of the curve between xmin and xmax; returns the count left.
+  // Keeps the part of the curve between xmin and xmax (in either order); returns the count
+  // left. The curve is clipped segment by segment, so increasing, decreasing and back-and-forth
+  // runs are treated alike and keep their order. Points with xmin - |tol| <= x <= xmax + |tol|
+  // are kept as they are. Where a segment crosses a bound, a point is interpolated on the bound
+  // (x = the bound, y as InterpolateOnX gives it on that segment), so a range that cuts a
+  // segment keeps the curve's value at the bound; no point is added when the kept end of the
+  // segment already lies within |tol| of the bound. A segment that spans the whole range gives
+  // both bound points (one when xmin == xmax). Points with a NaN abscissa are dropped and
+  // make no bound points; a NaN tol counts as 0; a NaN bound empties the curve.
   static std::uint64_t ExtractXRange(WbArrayTempl<ZmPoint2T>& curve, T xmin, T xmax, T tol);
-  // Upper or lower envelope points; out is emptied first; returns their count.
+  // Upper or lower envelope points; out is emptied first (it may be the curve itself);
+  // returns their count.
+  // Without width (the marker): the local extremes. Point i falls when y_i > y_{i+1} (the last
+  // point always falls). Upper: point i is kept when it falls and was risen into (the previous
+  // point did not fall; true for the first point). Lower: point i is kept when it does not
+  // fall and the previous point fell (true for the first point); so the last point can be an
+  // upper extreme but never a lower one.
+  // With width: one extreme per span of width/2 along increasing abscissas. Starting with
+  // point 0 as candidate, each next point either lies more than width/2 beyond the candidate
+  // (the candidate is kept and the point becomes candidate) or replaces the candidate when it
+  // is strictly higher (upper) or lower (lower); the last candidate is kept. On a decreasing
+  // run a positive width closes no span, nor does a NaN width: one extreme for the whole curve.
   static std::uint64_t EvaluateEnvelop(const WbArrayTempl<ZmPoint2T>& curve, unsigned char upper,
                                        WbArrayTempl<ZmPoint2T>& out, T width = zm::Invalid<T>());
-  // One peak per half-wave of an oscillating curve; returns the count.
+  // One peak per half-wave of an oscillating curve; out and indices (when given) are emptied
+  // first; returns the count. With mid = (max y + min y)/2, the curve is cut at the crossings
+  // of mid found by InterpolateOnY (from 0, then after each crossing's segment). Each piece,
+  // from the point after the previous crossing's segment to the current crossing's segment,
+  // gives its highest (upper) or lowest (lower) point, the earliest on ties, which is kept,
+  // with its index, when it stands out from mid by more than (max - mid)/2 (upper) or
+  // (mid - min)/2 (lower). The part after the last crossing is not examined. NaN values take
+  // no part in the extremes or the pieces.
   static std::uint64_t EvaluateSinusoidEnvelop(const WbArrayTempl<ZmPoint2T>& curve, unsigned char upper,
                                                WbArrayTempl<ZmPoint2T>& out, WbArrayTempl<int>* indices);
-  // Convex hull of a point set with the indices of the hull points; returns the count.
+  // Convex hull of a point set (monotone chain, n log n): the hull vertices counter-clockwise,
+  // starting from the point with the smallest x (then smallest y), without repeating it;
+  // points on a hull edge (collinear) are not vertices. indices (when given) receive each
+  // vertex's index in the input; of equal points the first is used. Points with a NaN
+  // coordinate are ignored. Degenerate sets: all points equal give one point, collinear points
+  // their two ends, an empty set none. out and indices are emptied first (out may be the input
+  // itself). Returns the count.
   static std::uint64_t EvaluateConvexShape(const WbArrayTempl<ZmPoint2T>& points, WbArrayTempl<ZmPoint2T>& out,
                                            WbArrayTempl<int>* indices);
 };

@@ -34,8 +34,9 @@ int ZmVector2T<T>::GetAlignedAxis(unsigned char signedOnly, T tol) const {
 
 template <class T>
 unsigned char ZmVector2T<T>::Rotate(T angleDeg) {
-  // The float rounding of the angle factor, the sine and the cosine holds in both precisions:
-  // a rotation gives the same result in either.
+  // The float value of the angle factor and the float rounding of the sine and cosine hold in
+  // both precisions. The angle itself is converted in the class's precision, so a float
+  // rotation may differ from a double one (90 degrees: cos is 1.2e-8 in double, -4.4e-8 in float).
   const T radians = angleDeg * T(zm::kDegToRadF);
   const T c = T(float(std::cos(radians)));
   const T s = T(float(std::sin(radians)));
