@@ -34,8 +34,8 @@ class ZMCALC_API ZmMathSpectrumT {
   // 3. dt = the mean over the m samples of each sample's step: forward difference at the
   //    first, (x_{k+1} - x_{k-1})/2 inside, backward difference at the last, summed in that
   //    order and divided by m. Tn = (nfft - 1)*dt, Tx = x_{m-1} - x_0, df = 1/Tn.
-  // 4. Sample i < min(m, nfft) is placed at WbBinFile::SwapNBits(i, log2 nfft) as the float
-  //    (y_i, 0); the rest is zero padding, samples beyond nfft are ignored.
+  // 4. Sample i < min(m, nfft) is placed as the float (y_i, 0) at the reversal of i's log2(nfft)
+  //    bits (WbBinFile::SwapNBits); the rest is zero padding, samples beyond nfft are ignored.
   // 5. Stages len = 2, 4, ..., nfft: twiddles w_k = 2cos(phi)*w_{k-1} - w_{k-2} in float,
   //    from w_{-2} = e^{2i phi} and w_{-1} = e^{i phi}, phi = 2pi/len in double, each sine and
   //    cosine rounded to float (so w_k ~ e^{-ik phi}, the forward sign; w_0 is 1 only up to
@@ -43,14 +43,15 @@ class ZMCALC_API ZmMathSpectrumT {
   //    X[s+k] = X[s+k] + t, in float.
   // 6. With divideByCount every X_i is divided by nfft (in float).
   // 7. spectrum[i] = (i*df, |X_i|*dt/Tx, times 2 for every i > 0, then /0.54 for Hamming or
-  //    *2 for Hann), the modulus in float; phase[i] = (i*df, arg(X_i) in degrees), arg in
-  //    float in (-180, 180], converted with the angle classes' factor (57.2957763671875).
+  //    *2 for Hann), the modulus in float; phase[i] = (i*df, arg(X_i) in degrees): the float
+  //    argument in (-pi, pi] times the angle classes' factor 57.2957763671875, so that the
+  //    negative real axis is +180 (up to that factor's rounding), never -180.
   // Both arrays get nfft points. The twiddles of a stage are computed once per call, with the
   // very values the recurrence gives for every block, and the butterflies are vectorised: the
   // result is bit for bit that of the plain loop.
   //
-  // Errors (the arrays are then left unchanged, except that running out of memory empties
-  // them), checked in this order:
+  // Errors (the arrays are then left unchanged, except that running out of memory while they
+  // are resized empties them), checked in this order:
   // - "No window given. Can't compute FFT" for a null window;
   // - "Less than 3 points in the window. Can't compute FFT" when m < 3, a reversed window
   //   (window[1] < window[0]) included;

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "foundation/build_info.h"
+#include "math/simd_clones.h"
 #include "zemcalc/ZmComplex.h"
 
 ZM_BUILD_INFO(fft_transform)
@@ -17,16 +18,7 @@ ZM_BUILD_INFO(fft_transform)
 // - each butterfly takes the same operands in the same order, so the butterflies may run in
 //   any order that respects their data flow: along a block (long stages) or across blocks
 //   (short stages) in vector registers, and two stages per pass over the data;
-// - where the compiler can, the butterfly passes are also built for AVX2 and chosen at load
-//   time.
-//   Contraction into fused multiply-adds is off, so the wider vectors round alike.
-
-// GCC and Clang on x86-64 ELF build the AVX2 clone and the load-time choice.
-#if defined(__x86_64__) && defined(__ELF__) && (defined(__GNUC__) || defined(__clang__))
-#define ZM_FFT_CLONES __attribute__((target_clones("avx2", "default")))
-#else
-#define ZM_FFT_CLONES
-#endif
+// - the butterfly passes are also built for AVX2 (simd_clones.h).
 
 namespace zm {
 namespace fft {
@@ -34,6 +26,15 @@ namespace fft {
 namespace {
 
 constexpr double kTwoPi = 6.28318530717958647692;
+// Gap between the rows of the bit-reversal scratch, in floats.
+constexpr std::uint64_t kRowGap = 16;
+
+// log2 of a power of two up to 2^32.
+int Log2(std::uint64_t nfft) {
+  int bits = 0;
+  while (bits < 32 && ((nfft >> bits) & 1) == 0) ++bits;
+  return bits;
+}
 
 // The twiddle recurrence of the stage of length 2*half.
 class TwiddleRecurrence {
@@ -96,7 +97,7 @@ inline void RunButterflies(float* __restrict loRe, float* __restrict loIm, float
 }
 
 // One stage, block after block, vectorised along each block.
-ZM_FFT_CLONES void Stage(const Workspace& work, std::uint64_t nfft, std::uint64_t half) {
+ZM_AVX2_CLONES void Stage(const Workspace& work, std::uint64_t nfft, std::uint64_t half) {
   for (std::uint64_t s = 0; s < nfft; s += 2 * half)
     RunButterflies(work.re + s, work.im + s, work.re + s + half, work.im + s + half, work.twiddleRe + half - 1,
                    work.twiddleIm + half - 1, half);
@@ -116,7 +117,7 @@ inline void ShortStageOn(float* __restrict re, float* __restrict im, std::uint64
 }
 
 template <std::uint64_t Half>
-ZM_FFT_CLONES void ShortStage(const Workspace& work, std::uint64_t nfft) {
+ZM_AVX2_CLONES void ShortStage(const Workspace& work, std::uint64_t nfft) {
   ShortStageOn<Half>(work.re, work.im, nfft, work.twiddleRe + Half - 1, work.twiddleIm + Half - 1);
 }
 
@@ -140,7 +141,7 @@ inline void PairButterflies(float* __restrict r0, float* __restrict i0, float* _
 }
 
 // The stages half and 2*half in one pass over the data.
-ZM_FFT_CLONES void StagePair(const Workspace& work, std::uint64_t nfft, std::uint64_t half) {
+ZM_AVX2_CLONES void StagePair(const Workspace& work, std::uint64_t nfft, std::uint64_t half) {
   for (std::uint64_t s = 0; s < nfft; s += 4 * half) {
     float* re = work.re + s;
     float* im = work.im + s;
@@ -150,18 +151,22 @@ ZM_FFT_CLONES void StagePair(const Workspace& work, std::uint64_t nfft, std::uin
   }
 }
 
-// out[l] = in[low[l] | high], l < count.
-ZM_FFT_CLONES void GatherRow(const float* __restrict in, float* __restrict out, const unsigned int* __restrict low,
-                             unsigned int high, std::uint64_t count) {
-  for (std::uint64_t l = 0; l < count; ++l) out[l] = in[low[l] | high];
+// out[l] = in[low[l] + column], l < count.
+ZM_AVX2_CLONES void GatherRow(const float* __restrict in, float* __restrict out, const std::uint64_t* __restrict low,
+                              std::uint64_t column, std::uint64_t count) {
+  for (std::uint64_t l = 0; l < count; ++l) out[l] = in[low[l] + column];
 }
 
 }  // namespace
 
 Workspace::Workspace(std::uint64_t nfft) {
+  // From the twiddle runs on, the block also holds the scratch of LoadBitReversed: nfft points
+  // and a gap after each of its rows.
   const std::uint64_t run = nfft + kRunGap;
-  if (run > SIZE_MAX / sizeof(float) / 4) return;
-  float* block = static_cast<float*>(WbMemAlloc(static_cast<std::size_t>(4 * run) * sizeof(float)));
+  const std::uint64_t scratch = nfft + kRowGap * (std::uint64_t(1) << (Log2(nfft) / 2));
+  const std::uint64_t size = 2 * run + std::max(2 * run, scratch);
+  if (size > SIZE_MAX / sizeof(float)) return;
+  float* block = static_cast<float*>(WbMemAlloc(static_cast<std::size_t>(size) * sizeof(float)));
   if (!block) return;
   re = block;
   im = re + run;
@@ -172,19 +177,29 @@ Workspace::Workspace(std::uint64_t nfft) {
 
 Workspace::~Workspace() { WbMemFree(re); }
 
-void PermuteBitReversed(const float* in, float* out, std::uint64_t nfft, WbArrayTempl<unsigned int>& tables) {
-  int bits = 0;
-  while (bits < 32 && ((nfft >> bits) & 1) == 0) ++bits;
+void LoadBitReversed(const Workspace& work, const float* in, std::uint64_t nfft, WbArrayTempl<std::uint64_t>& tables) {
+  const int bits = Log2(nfft);
   const int lowBits = bits / 2, highBits = bits - lowBits;
-  const std::uint64_t lows = std::uint64_t(1) << lowBits, highs = std::uint64_t(1) << highBits;
-  tables.SetSize(lows + highs);
-  unsigned int* low = tables.GetData();
-  unsigned int* high = low + lows;
+  const std::uint64_t rows = std::uint64_t(1) << lowBits, columns = std::uint64_t(1) << highBits;
+  // in is seen as rows of 2^highBits points: index i is row i >> highBits, column
+  // i & (columns - 1), and rev(i) = rev(column)*rows + rev(row). Row j >> lowBits of the
+  // result therefore reads column rev(j >> lowBits) of every row of in. The rows are copied
+  // kRowGap floats apart into the scratch, so that a column does not crowd into a few cache
+  // sets, and the result's rows are made in the order of the columns they read, so that
+  // successive rows read the cache lines that the previous ones loaded.
+  const std::uint64_t stride = columns + kRowGap;
+  float* scratch = work.twiddleRe;
+  for (std::uint64_t r = 0; r < rows; ++r) std::copy(in + r * columns, in + (r + 1) * columns, scratch + r * stride);
+  tables.SetSize(rows + columns);
+  std::uint64_t* rowStart = tables.GetData();
+  std::uint64_t* reversedColumn = rowStart + rows;
   // SwapNBits of 0 bits is 0, the reversal of the only index of a 0-bit half.
-  for (std::uint64_t i = 0; i < lows; ++i)
-    low[i] = WbBinFile::SwapNBits(static_cast<unsigned int>(i), lowBits) << highBits;
-  for (std::uint64_t i = 0; i < highs; ++i) high[i] = WbBinFile::SwapNBits(static_cast<unsigned int>(i), highBits);
-  for (std::uint64_t h = 0; h < highs; ++h) GatherRow(in, out + (h << lowBits), low, high[h], lows);
+  for (std::uint64_t r = 0; r < rows; ++r)
+    rowStart[r] = WbBinFile::SwapNBits(static_cast<unsigned int>(r), lowBits) * stride;
+  for (std::uint64_t c = 0; c < columns; ++c)
+    reversedColumn[c] = WbBinFile::SwapNBits(static_cast<unsigned int>(c), highBits);
+  for (std::uint64_t column = 0; column < columns; ++column)
+    GatherRow(scratch, work.re + (reversedColumn[column] << lowBits), rowStart, column, rows);
 }
 
 void Transform(const Workspace& work, std::uint64_t nfft) {

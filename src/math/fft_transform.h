@@ -30,11 +30,12 @@ class Workspace {
   static constexpr std::uint64_t kRunGap = 16;
 };
 
-// out[j] = in[rev(j)] for j < nfft (a power of two up to 2^32), rev(j) the reversal of j's
-// log2(nfft) bits. rev is joined from the reversals of the low and high halves of the bits,
-// rev(high*2^h + low) = rev_h(low)*2^(bits-h) + rev_(bits-h)(high), each half reversed once
-// by WbBinFile::SwapNBits into tables.
-void PermuteBitReversed(const float* in, float* out, std::uint64_t nfft, WbArrayTempl<unsigned int>& tables);
+// work.re[j] = in[rev(j)] for j < nfft (a power of two up to 2^32), rev(j) the reversal of
+// j's log2(nfft) bits. rev is joined from the reversals of the low and high halves of the
+// bits, rev(high*2^h + low) = rev_h(low)*2^(bits-h) + rev_(bits-h)(high), each half reversed
+// once by WbBinFile::SwapNBits into tables. The twiddle runs serve as scratch: call it before
+// Transform.
+void LoadBitReversed(const Workspace& work, const float* in, std::uint64_t nfft, WbArrayTempl<std::uint64_t>& tables);
 
 // Transforms work.re / work.im in place (input in bit-reversed order), nfft a power of two
 // >= 2. Stage len = 2, 4, ... nfft uses the twiddles w_k = 2cos(phi) w_{k-1} - w_{k-2} from

@@ -8,6 +8,7 @@
 
 #include "foundation/build_info.h"
 #include "math/fft_transform.h"
+#include "math/simd_clones.h"
 #include "zemcalc/ZmAngle.h"
 #include "zemcalc/ZmComplex.h"
 #include "zemcalc/ZmMathSpectrum.h"
@@ -83,56 +84,74 @@ T Weighted(int windowType, T x, T span, T y) {
 }
 
 // Puts the first min(m, nfft) samples, weighted and rounded to float, at their bit-reversed
-// positions in re, the rest of re to 0. The values are made in order in staging (nfft floats,
-// zero, and left so), then permuted.
+// positions in work.re, the rest of work.re to 0. The values are made in order in work.im
+// (zero beyond them), which is zero again afterwards.
 template <class T>
-void LoadBitReversed(const Window<T>& window, int windowType, T span, std::uint64_t nfft, float* re, float* staging,
-                     WbArrayTempl<unsigned int>& tables) {
+void LoadSamples(const Window<T>& window, int windowType, T span, std::uint64_t nfft, const zm::fft::Workspace& work,
+                 WbArrayTempl<std::uint64_t>& tables) {
   const std::uint64_t loaded = std::min(window.count, nfft);
+  float* staging = work.im;
   if (windowType == ZmMathSpectrumT<T>::FFT_WINDOW_HAMMING || windowType == ZmMathSpectrumT<T>::FFT_WINDOW_HANN) {
     for (std::uint64_t i = 0; i < loaded; ++i)
       staging[i] = static_cast<float>(Weighted(windowType, window.X(i), span, window.Y(i)));
   } else {
     for (std::uint64_t i = 0; i < loaded; ++i) staging[i] = static_cast<float>(window.Y(i));
   }
-  zm::fft::PermuteBitReversed(staging, re, nfft, tables);
+  zm::fft::LoadBitReversed(work, staging, nfft, tables);
   std::fill(staging, staging + loaded, 0.0f);
 }
 
-// Bin i's amplitude from its modulus: scaled by dt/Tx, doubled above bin 0 and corrected for
-// the weighting window's loss of level. The options are factors of 1 where they do not apply
-// (exact), so that the loop has no branches and vectorises; Index is the narrowest integer
-// that holds every bin, for the same reason.
-template <class T, class Index>
-void ScaleAmplitudes(const float* moduli, Index count, T df, T dt, T tx, T multiplier, T divisor,
-                     ZmPoint2T<T>* spectrum) {
+// The moduli of the bins, after the division by nfft when asked (scale is then 1/nfft, else
+// 1: exact either way); they replace the real parts.
+ZM_AVX2_CLONES void Moduli(float* __restrict re, const float* __restrict im, float scale, std::uint64_t count) {
+  for (std::uint64_t i = 0; i < count; ++i) re[i] = (ZmComplexNumberf(re[i], im[i]) * scale).Module();
+}
+
+// How an amplitude is corrected for the weighting window's loss of level.
+enum class WindowLoss { kNone, kHann, kHamming };
+
+// Bin i: (i*df, modulus*dt/Tx, doubled above bin 0, then corrected for the window). Bin 0 is
+// multiplied by 1 (exact) rather than branched around, and Index is the narrowest integer that
+// holds every bin, so that the loop vectorises.
+template <WindowLoss Loss, class T, class Index>
+ZM_AVX2_CLONES void ScaleAmplitudes(const float* __restrict moduli, Index count, T df, T dt, T tx,
+                                    ZmPoint2T<T>* __restrict spectrum) {
   for (Index i = 0; i < count; ++i) {
     const T doubling = i > 0 ? T(2) : T(1);
+    T amplitude = T(moduli[i]) * dt / tx * doubling;
+    if (Loss == WindowLoss::kHamming) amplitude = amplitude / T(kHammingBase);
+    if (Loss == WindowLoss::kHann) amplitude = amplitude * T(2);
     spectrum[i].x = T(i) * df;
-    spectrum[i].y = T(moduli[i]) * dt / tx * doubling * multiplier / divisor;
+    spectrum[i].y = amplitude;
   }
 }
 
-// The amplitude (and phase) spectrum of the transform; the moduli replace the real parts.
+template <WindowLoss Loss, class T>
+void ScaleAmplitudes(const float* moduli, std::uint64_t nfft, T df, T dt, T tx, ZmPoint2T<T>* spectrum) {
+  if (nfft <= std::uint64_t(INT32_MAX))
+    ScaleAmplitudes<Loss>(moduli, static_cast<std::int32_t>(nfft), df, dt, tx, spectrum);
+  else
+    ScaleAmplitudes<Loss>(moduli, static_cast<std::int64_t>(nfft), df, dt, tx, spectrum);
+}
+
+// The amplitude (and phase) spectrum of the transform.
 template <class T>
 void WriteSpectra(const zm::fft::Workspace& work, std::uint64_t nfft, unsigned char divideByCount, int windowType, T dt,
                   T tx, T df, ZmPoint2T<T>* spectrum, ZmPoint2T<T>* phase) {
   const float scale = divideByCount ? 1.0f / static_cast<float>(nfft) : 1.0f;  // exact: nfft is a power of two
-  float* __restrict re = work.re;
-  const float* __restrict im = work.im;
   if (phase) {
     for (std::uint64_t i = 0; i < nfft; ++i) {
-      const ZmComplexNumberf x = ZmComplexNumberf(re[i], im[i]) * scale;
+      const ZmComplexNumberf x = ZmComplexNumberf(work.re[i], work.im[i]) * scale;
       phase[i].y = ZmAngleT<T, zm::AngleUnit::Radian>(x.Arg()).AngleInDegrees();
     }
   }
-  for (std::uint64_t i = 0; i < nfft; ++i) re[i] = (ZmComplexNumberf(re[i], im[i]) * scale).Module();
-  const T multiplier = windowType == ZmMathSpectrumT<T>::FFT_WINDOW_HANN ? T(2) : T(1);
-  const T divisor = windowType == ZmMathSpectrumT<T>::FFT_WINDOW_HAMMING ? T(kHammingBase) : T(1);
-  if (nfft <= std::uint64_t(INT32_MAX))
-    ScaleAmplitudes(re, static_cast<std::int32_t>(nfft), df, dt, tx, multiplier, divisor, spectrum);
+  Moduli(work.re, work.im, scale, nfft);
+  if (windowType == ZmMathSpectrumT<T>::FFT_WINDOW_HAMMING)
+    ScaleAmplitudes<WindowLoss::kHamming>(work.re, nfft, df, dt, tx, spectrum);
+  else if (windowType == ZmMathSpectrumT<T>::FFT_WINDOW_HANN)
+    ScaleAmplitudes<WindowLoss::kHann>(work.re, nfft, df, dt, tx, spectrum);
   else
-    ScaleAmplitudes(re, static_cast<std::int64_t>(nfft), df, dt, tx, multiplier, divisor, spectrum);
+    ScaleAmplitudes<WindowLoss::kNone>(work.re, nfft, df, dt, tx, spectrum);
   if (phase) {
     for (std::uint64_t i = 0; i < nfft; ++i) phase[i].x = spectrum[i].x;
   }
@@ -145,8 +164,8 @@ void WriteSpectra(const zm::fft::Workspace& work, std::uint64_t nfft, unsigned c
 // Lane l runs out of terms at limit - l, so the lanes still summing are always a prefix
 // (limit >= lanes).
 template <class T>
-void SumLagBlock(const T* __restrict x, const T* __restrict y, std::uint64_t terms, std::uint64_t limit,
-                 std::uint64_t lanes, T* __restrict acc) {
+ZM_AVX2_CLONES void SumLagBlock(const T* __restrict x, const T* __restrict y, std::uint64_t terms, std::uint64_t limit,
+                                std::uint64_t lanes, T* __restrict acc) {
   std::fill(acc, acc + lanes, T(0));
   const std::uint64_t end = std::min(terms, limit);
   // Four terms at a time while every lane takes all four (i + 3 < limit - lanes + 1).
@@ -232,8 +251,8 @@ const WbErrObj* ZmMathSpectrumT<T>::ComputeFFT(const Curve& signal, const int* w
   const zm::fft::Workspace work(nfft);
   if (!work.re) return OutOfMemory(nfft);
   try {
-    WbArrayTempl<unsigned int> reversalTables;
-    LoadBitReversed(samples, windowType, abscissas.largest, nfft, work.re, work.im, reversalTables);
+    WbArrayTempl<std::uint64_t> reversalTables;
+    LoadSamples(samples, windowType, abscissas.largest, nfft, work, reversalTables);
     zm::fft::Transform(work, nfft);
     // The signal has been read in full: it may be one of the results.
     spectrum.SetSize(nfft);
