@@ -13,6 +13,7 @@
 #include "zemcalc/ZmMathPolyline.h"
 #include "zemcalc/ZmMathRotation.h"
 #include "zemcalc/ZmMathSolve.h"
+#include "zemcalc/ZmMathTensor.h"
 #include "zemcalc/ZmPoint2.h"
 #include "zemcalc/ZmPoint3.h"
 
@@ -38,7 +39,7 @@ private:
 template <class T>
 class ZMCALC_API ZmMathT : public ZmMathCompareT<T>, public ZmMathDistanceT<T>, public ZmMathPolylineT<T>,
                              public ZmMathAngleT<T>, public ZmMathRotationT<T>, public ZmMathPointCloudT<T>,
-                             public ZmMathSolveT<T>, public ZmMathMaterialT<T> {};
+                             public ZmMathSolveT<T>, public ZmMathMaterialT<T>, public ZmMathTensorT<T> {};
 
 using ZmMathd = ZmMathT<double>;
 using ZmMathf = ZmMathT<float>;

@@ -23,6 +23,7 @@
 #include "zemcalc/ZmMathPolyline.h"
 #include "zemcalc/ZmMathRotation.h"
 #include "zemcalc/ZmMathSolve.h"
+#include "zemcalc/ZmMathTensor.h"
 #include "zemcalc/ZmMatrix.h"
 #include "zemcalc/ZmPlane.h"
 #include "zemcalc/ZmPoint2.h"
