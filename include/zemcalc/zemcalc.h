@@ -15,6 +15,7 @@
 #include "zemcalc/ZmComplex.h"
 #include "zemcalc/ZmConstants.h"
 #include "zemcalc/ZmExtents.h"
+#include "zemcalc/ZmFrame.h"
 #include "zemcalc/ZmMath.h"
 #include "zemcalc/ZmMathAngle.h"
 #include "zemcalc/ZmMathDistance.h"
