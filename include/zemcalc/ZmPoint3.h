@@ -22,6 +22,8 @@ template <class T>
 class ZmPlaneT;
 template <class T>
 class ZmExtents3T;
+template <class T>
+class ZmFrameT;
 
 namespace zm {
 template <class T, class U>
@@ -155,6 +157,13 @@ public:
   // Rotates about the axis through center by angleDeg degrees; 0 and unchanged when the axis
   // cannot be normalised or a coordinate is invalid.
   unsigned char Rotate(const ZmPoint3T& center, const ZmVector3T<T>& axis, T angleDeg);
+  // Places this point, read in the frame's Cartesian axes, in the frame's parent: the frame's
+  // 3x3 matrix times the point, plus the frame's origin. 0 and unchanged when the point or
+  // the frame holds the invalid marker or a NaN.
+  unsigned char Rotate(const ZmFrameT<T>& frame);
+  // x and y of the point in the plane's frame (ZmPlane GetFrame, then GlobalToLocal), rounded
+  // to float in both twins; the invalid 2D point for an unusable point or plane.
+  ZmPoint2T<float> GetPlane2DCoords(const ZmPlaneT<T>& plane) const;
 
   static T GetX(const ZmPoint3T& p) { return p.x; }
   static T GetY(const ZmPoint3T& p) { return p.y; }
@@ -177,6 +186,24 @@ public:
   // gives the invalid point.
   static ZmPoint3T GetPolylinePointAtLength(const WbArrayTempl<ZmPoint3T>& points, T length,
                                             unsigned char clampToEnds);
+  // The principal axes of a point cloud, with the cloud's extents measured in them. Points
+  // holding the invalid marker, a NaN or an infinity are left out. The origin is the mean of
+  // the points; X, Y and Z are the eigenvectors of their covariance matrix sorted by
+  // decreasing variance (X along the largest spread, Z along the smallest, the normal of a
+  // flat cloud) and Z = X x Y. An eigenvector has no sign of its own: each axis taken from one
+  // points so that its component of largest magnitude (the first of equal ones) is positive.
+  // Variances closer than 1e-5f (the float value, widened) times the largest leave their axes
+  // undetermined; they are then fixed as:
+  //   - the two smaller equal (a straight cloud): X from its eigenvector, Y and Z its
+  //     orthogonal completion (ZmMath OrthogonalVectors);
+  //   - the two larger equal (a round flat cloud): Z from its eigenvector, X and Y its
+  //     orthogonal completion;
+  //   - all three equal (one point, coincident points, an isotropic cloud): the global axes.
+  // The frame is Cartesian. extents (when given) receives the box of the points' local
+  // coordinates, centred near 0 in each axis. Returns 1, or 0 with frame and extents untouched
+  // when no point is left.
+  static unsigned char ComputePointsCloudLocalFrame(const WbArrayTempl<ZmPoint3T>& points, ZmFrameT<T>& frame,
+                                                    ZmExtents3T<T>* extents);
 };
 
 #undef ZM_COORD3_CONSTRUCTORS
