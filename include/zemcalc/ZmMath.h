@@ -8,6 +8,7 @@
 #include "zemcalc/ZmExport.h"
 #include "zemcalc/ZmMathAngle.h"
 #include "zemcalc/ZmMathDistance.h"
+#include "zemcalc/ZmMathIntersect.h"
 #include "zemcalc/ZmMathMaterial.h"
 #include "zemcalc/ZmMathPointCloud.h"
 #include "zemcalc/ZmMathPolyline.h"
@@ -39,7 +40,8 @@ private:
 template <class T>
 class ZMCALC_API ZmMathT : public ZmMathCompareT<T>, public ZmMathDistanceT<T>, public ZmMathPolylineT<T>,
                              public ZmMathAngleT<T>, public ZmMathRotationT<T>, public ZmMathPointCloudT<T>,
-                             public ZmMathSolveT<T>, public ZmMathMaterialT<T>, public ZmMathTensorT<T> {};
+                             public ZmMathSolveT<T>, public ZmMathMaterialT<T>, public ZmMathTensorT<T>,
+                             public ZmMathIntersectT<T> {};
 
 using ZmMathd = ZmMathT<double>;
 using ZmMathf = ZmMathT<float>;

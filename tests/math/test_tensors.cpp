@@ -316,3 +316,44 @@ TEST(Tensors, BadInputPropagatesWithoutCrashing) {
   EXPECT_TRUE(std::isnan(ZmMathd::StrainTensor2DToMode(nan, 0, 0, nullptr)));
   EXPECT_TRUE(std::isnan(ZmMathf::StrainTensor2DToMode(0, 0, std::nanf(""), nullptr)));
 }
+
+TEST(Tensors, PlaneTensorsInAFrame) {
+  const ZmFramed identity;
+  double s1, s2;
+  ZmVector3d d1, d2;
+  // Equal principal values: p = q = 0, so both local directions are (0,0,0), replaced by x.
+  ZmMathd::Tensor2DToVectors3D(1, 1, 0, identity, &s1, &s2, &d1, &d2);
+  EXPECT_EQ(s1, 1.0);
+  EXPECT_EQ(s2, 1.0);
+  ExpectVector(d1, 1, 0, 0);
+  ExpectVector(d2, 1, 0, 0);
+  // A frame turned a quarter about z (X = (0,1,0), Y = (-1,0,0)). Tensor (2, 1, 0): s1 = 2
+  // gives p = 1, q = 0, local (1,0,0), global X = (0,1,0); s2 = 1 gives p = 0, q = -1, local
+  // (0,-1,0), global -Y = (1,0,0).
+  const ZmFramed turned(ZmVector3d(0, 1, 0), ZmVector3d(-1, 0, 0), ZmVector3d(0, 0, 1), ZmPoint3d(5, 5, 5),
+                        ZmFrameCartesian);
+  ZmMathd::Tensor2DToVectors3D(2, 1, 0, turned, &s1, &s2, &d1, &d2);
+  EXPECT_EQ(s1, 2.0);
+  EXPECT_EQ(s2, 1.0);
+  ExpectVector(d1, 0, 1, 0);
+  ExpectVector(d2, 1, 0, 0);
+  // A nearly isotropic tensor with a tiny shear: the principal axes are the diagonals, but the
+  // local direction (1e-7, 1e-7) has a squared length below 1e-12. The plain form falls back to
+  // x; the Form variant scales it up and keeps the diagonal (1, 1)/sqrt(2).
+  ZmMathd::Tensor2DToVectors3D(1, 1, 1e-7, identity, nullptr, nullptr, &d1, nullptr);
+  ExpectVector(d1, 1, 0, 0);
+  ZmMathd::Tensor2DToVectors3DForm(1, 1, 1e-7, identity, nullptr, nullptr, &d1, nullptr);
+  EXPECT_NEAR(d1.x, std::sqrt(0.5), 1e-9);
+  EXPECT_NEAR(d1.y, std::sqrt(0.5), 1e-9);
+  ZmVector3f f1;
+  ZmMathf::Tensor2DToVectors3D(2, 1, 0, ZmFramef(turned), nullptr, nullptr, &f1, nullptr);
+  ExpectVector(f1, 0, 1, 0);
+
+  // Directional value: (u, v) = (1, 1) in the identity frame gives 2 + 2 * 0.5 + 3 = 6; in the
+  // turned frame the global (1, 1, 0) reads (1, -1): 2 - 1 + 3 = 4; a direction along the
+  // frame's z has u = v = 0 and gives 0 (w is ignored).
+  EXPECT_EQ(ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, ZmVector3d(1, 1, 5), identity), 6.0);
+  EXPECT_EQ(ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, ZmVector3d(1, 1, 0), turned), 4.0);
+  EXPECT_EQ(ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, ZmVector3d(0, 0, 1), identity), 0.0);
+  EXPECT_EQ(ZmMathf::ComputeDirectionalTensorValue(2, 3, 0.5, ZmVector3f(1, 1, 0), ZmFramef(turned)), 4.0f);
+}
