@@ -173,8 +173,9 @@ class ZMCALC_API ZmFilterMAT : public Base {
  private:
   const WbErrObj* CheckKernel() const;
   const WbErrObj* CheckTimeSteps(const Curve& in) const;
-  // Filters the values of curve in place (steps 4 to 6).
-  const WbErrObj* Compute1D(Curve& curve);
+  // Normalises, checks the length, then writes the filtered curve into out (which may be in).
+  // Fails before writing anything to out.
+  const WbErrObj* Compute1D(const Curve& in, Curve& out);
 };
 
 extern template class ZmFilterMAT<ZmFilterd>;

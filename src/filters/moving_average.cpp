@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <cstring>
 #include <new>
 
 #include <wbcore/WbMem.h>
@@ -20,32 +21,35 @@ namespace {
 constexpr float kMinStepSeconds = 5.0e-05f;
 constexpr float kMaxStepSeconds = 1.5e-04f;
 
-// Fills the h positions on each side of the values b[h .. h+N-1] (N >= h, N >= 1 when h >= 1).
+// Outputs filtered per block: the work buffer holds a block and the n - 1 values that its last
+// windows reach beyond it, so it stays in the processor's caches while the curve streams through.
+constexpr std::uint64_t kBlock = 2048;
+
+// The h padded values before the curve (left[i] = b[i]) and after it (right[i] = b[h+N+i]);
+// N >= h, N >= 1.
 template <class T>
-void Pad(T* b, std::uint64_t count, int h, Extrapolation extrapolation) {
-  const T* in = b + h;
-  T* right = b + h + count;
-  const T first = in[0];
-  const T last = in[count - 1];
+void PadEnds(const ZmPoint2T<T>* in, std::uint64_t count, int h, Extrapolation extrapolation, T* left, T* right) {
+  const T first = in[0].y;
+  const T last = in[count - 1].y;
   switch (extrapolation) {
     case ZmExtrapolationZeros:
-      for (int i = 0; i < h; ++i) b[i] = right[i] = T(0);
+      for (int i = 0; i < h; ++i) left[i] = right[i] = T(0);
       break;
     case ZmExtrapolationConstant:
       for (int i = 0; i < h; ++i) {
-        b[i] = first;
+        left[i] = first;
         right[i] = last;
       }
       break;
     case ZmExtrapolationLinear: {
       // A one-point curve has no second point: its lines are flat.
-      const T second = count > 1 ? in[1] : first;
-      const T beforeLast = count > 1 ? in[count - 2] : last;
+      const T second = count > 1 ? in[1].y : first;
+      const T beforeLast = count > 1 ? in[count - 2].y : last;
       const std::uint64_t hn = static_cast<std::uint64_t>(h) + count;
       const T h0 = T(h), h1 = T(h + 1), hn1 = T(hn - 1), hn2 = T(hn - 2);
       for (int i = 0; i < h; ++i) {
         const T ti = T(i);
-        b[i] = (second - first) * ti + h1 * first - h0 * second;
+        left[i] = (second - first) * ti + h1 * first - h0 * second;
         // The right line is evaluated at i, not at h + N + i: kept as the filter always did.
         right[i] = (last - beforeLast) * ti + hn1 * beforeLast - hn2 * last;
       }
@@ -53,11 +57,20 @@ void Pad(T* b, std::uint64_t count, int h, Extrapolation extrapolation) {
     }
     case ZmExtrapolationReflection:
       for (int k = 0; k < h; ++k) {
-        b[h - 1 - k] = T(2) * first - in[k];
-        right[k] = T(2) * last - in[count - 1 - static_cast<std::uint64_t>(k)];
+        left[h - 1 - k] = T(2) * first - in[k].y;
+        right[k] = T(2) * last - in[count - 1 - static_cast<std::uint64_t>(k)].y;
       }
       break;
   }
+}
+
+// Copies the padded values b[from .. to-1] (b = left padding, values, right padding) to w.
+template <class T>
+void LoadPadded(const ZmPoint2T<T>* in, std::uint64_t count, std::uint64_t h, const T* left, const T* right,
+                std::uint64_t from, std::uint64_t to, T* w) {
+  for (; from < to && from < h; ++from) *w++ = left[from];
+  for (; from < to && from < h + count; ++from) *w++ = in[from - h].y;
+  for (; from < to; ++from) *w++ = right[from - h - count];
 }
 
 }  // namespace
@@ -115,14 +128,18 @@ void ZmFilterMAT<Base>::SetLimitDT(_ZmUnitTime unit) {
 
 template <class Base>
 const WbErrObj* ZmFilterMAT<Base>::Compute(const Curve& in, Curve& out) {
-  try {
-    out = in;
-  } catch (const std::bad_alloc&) {
-    return Fail(zm::filter::kNotEnoughMemory);
+  const WbErrObj* error = CheckKernel();
+  if (!error) error = CheckTimeSteps(in);
+  if (!error) error = Compute1D(in, out);
+  // Compute1D fails before writing out: the copy of in is made now.
+  if (error && &in != &out) {
+    try {
+      out = in;
+    } catch (const std::bad_alloc&) {
+      return Fail(zm::filter::kNotEnoughMemory);
+    }
   }
-  if (const WbErrObj* error = CheckKernel()) return error;
-  if (const WbErrObj* error = CheckTimeSteps(in)) return error;
-  return Compute1D(out);
+  return error;
 }
 
 template <class Base>
@@ -141,16 +158,21 @@ const WbErrObj* ZmFilterMAT<Base>::CheckTimeSteps(const Curve& in) const {
   const bool hasMin = m_minStep != zm::Invalid<T>();
   const bool hasMax = m_maxStep != zm::Invalid<T>();
   if (!hasMin && !hasMax) return nullptr;
+  const auto* p = in.GetData();
   for (std::uint64_t i = 1; i < in.GetSize(); ++i) {
-    const T dt = in[i].x - in[i - 1].x;
+    const T dt = p[i].x - p[i - 1].x;
     if (hasMin && dt < m_minStep) return Fail(zm::filter::kLowerStep, static_cast<int>(i), m_minStep);
     if (hasMax && dt > m_maxStep) return Fail(zm::filter::kHigherStep, static_cast<int>(i), m_maxStep);
   }
   return nullptr;
 }
 
+// The curve streams through one work buffer: per block of outputs, the padded values that its
+// windows read are loaded (those shared with the previous block are kept), the kernel replaces
+// them by the outputs, and the outputs go to out with the abscissae of in. Every input value is
+// read before the output at its index is written, so out may be in.
 template <class Base>
-const WbErrObj* ZmFilterMAT<Base>::Compute1D(Curve& curve) {
+const WbErrObj* ZmFilterMAT<Base>::Compute1D(const Curve& in, Curve& out) {
   const int n = m_size;
   const int h = n / 2;
   T* c = m_coefficients.GetData();
@@ -164,18 +186,40 @@ const WbErrObj* ZmFilterMAT<Base>::Compute1D(Curve& curve) {
     }
     m_normalise = 0;
   }
-  const std::uint64_t count = curve.GetSize();
-  if (count < static_cast<std::uint64_t>(h)) return Fail(zm::filter::kNotEnoughPoints);
-  if (count == 0) return nullptr;
-
-  // Output j reads b[j .. j+n-1]: the values and h padded values on each side are all it needs.
-  T* b = static_cast<T*>(WbMemAlloc((count + 2 * static_cast<std::uint64_t>(h)) * sizeof(T)));
-  if (!b) return Fail(zm::filter::kNotEnoughMemory);
-  for (std::uint64_t j = 0; j < count; ++j) b[static_cast<std::uint64_t>(h) + j] = curve[j].y;
-  Pad(b, count, h, m_extrapolation);
-  zm::filter::ApplySymmetricKernel(b, count, c, n);
-  for (std::uint64_t j = 0; j < count; ++j) curve[j].y = b[j];
-  WbMemFree(b);
+  const std::uint64_t count = in.GetSize();
+  const std::uint64_t hh = static_cast<std::uint64_t>(h);
+  if (count < hh) return Fail(zm::filter::kNotEnoughPoints);
+  if (count == 0) {  // one tap and an empty curve
+    out.RemoveAll();
+    return nullptr;
+  }
+  const std::uint64_t reach = static_cast<std::uint64_t>(n) - 1;  // values a window reads past its output
+  T* w = static_cast<T*>(WbMemAlloc((kBlock + reach + 2 * hh) * sizeof(T)));
+  if (!w) return Fail(zm::filter::kNotEnoughMemory);
+  try {
+    out.SetSize(count);
+  } catch (const std::bad_alloc&) {
+    WbMemFree(w);
+    return Fail(zm::filter::kNotEnoughMemory);
+  }
+  T* left = w + kBlock + reach;
+  T* right = left + hh;
+  const auto* source = in.GetData();
+  auto* target = out.GetData();
+  PadEnds(source, count, h, m_extrapolation, left, right);
+  std::uint64_t loaded = 0;  // padded values of the block already in w
+  for (std::uint64_t j0 = 0; j0 < count; j0 += kBlock) {
+    const std::uint64_t m = count - j0 < kBlock ? count - j0 : kBlock;
+    LoadPadded(source, count, hh, left, right, j0 + loaded, j0 + m + reach, w + loaded);
+    zm::filter::ApplySymmetricKernel(w, m, c, n);
+    for (std::uint64_t i = 0; i < m; ++i) {
+      target[j0 + i].x = source[j0 + i].x;
+      target[j0 + i].y = w[i];
+    }
+    std::memmove(w, w + m, reach * sizeof(T));
+    loaded = reach;
+  }
+  WbMemFree(w);
   return nullptr;
 }
 
