@@ -15,6 +15,8 @@
 #include "zemcalc/ZmComplex.h"
 #include "zemcalc/ZmConstants.h"
 #include "zemcalc/ZmExtents.h"
+#include "zemcalc/ZmFilter.h"
+#include "zemcalc/ZmFilterFixed.h"
 #include "zemcalc/ZmFrame.h"
 #include "zemcalc/ZmFrame3D.h"
 #include "zemcalc/ZmMath.h"
