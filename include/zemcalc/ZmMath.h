@@ -8,12 +8,14 @@
 #include "zemcalc/ZmExport.h"
 #include "zemcalc/ZmMathAngle.h"
 #include "zemcalc/ZmMathDistance.h"
+#include "zemcalc/ZmMathIntersect.h"
 #include "zemcalc/ZmMathMaterial.h"
 #include "zemcalc/ZmMathPointCloud.h"
 #include "zemcalc/ZmMathPolyline.h"
 #include "zemcalc/ZmMathRotation.h"
 #include "zemcalc/ZmMathSolve.h"
 #include "zemcalc/ZmMathSpectrum.h"
+#include "zemcalc/ZmMathTensor.h"
 #include "zemcalc/ZmPoint2.h"
 #include "zemcalc/ZmPoint3.h"
 
@@ -39,7 +41,8 @@ private:
 template <class T>
 class ZMCALC_API ZmMathT : public ZmMathCompareT<T>, public ZmMathDistanceT<T>, public ZmMathPolylineT<T>,
                              public ZmMathAngleT<T>, public ZmMathRotationT<T>, public ZmMathPointCloudT<T>,
-                             public ZmMathSolveT<T>, public ZmMathMaterialT<T>,
+                             public ZmMathSolveT<T>, public ZmMathMaterialT<T>, public ZmMathTensorT<T>,
+                             public ZmMathIntersectT<T>,
                              public ZmMathSpectrumT<T> {};
 
 using ZmMathd = ZmMathT<double>;

@@ -9,6 +9,9 @@
 #include "zemcalc/ZmPoint3.h"
 
 template <class T>
+class ZmFrameT;
+
+template <class T>
 class ZMCALC_API ZmPlaneT {
 public:
   using Point3 = ZmPoint3T<T>;
@@ -65,6 +68,15 @@ public:
   // The line where the two planes meet: its point nearest to the origin and its unit
   // direction (this normal x other normal). 0 with both outputs invalidated for parallel planes.
   unsigned char IntersectWithPlane(const ZmPlaneT& other, Point3& linePoint, Vector3& lineDir) const;
+
+  // The plane's Cartesian frame: origin the point on the plane, Z the normal, and X towards
+  // the X-axis point: its offset from the origin with the component along the normal removed.
+  // When no X-axis point is set, or it is unusable or lies on the normal through the origin
+  // (no direction is left once projected), X and Y are the orthogonal completion of the
+  // normal (ZmMath OrthogonalVectors), the rule of ZmFrame's origin-and-direction constructor
+  // without reference. Y = Z x X. Returns 1, or 0 with frame untouched when the point or the
+  // normal holds the invalid marker or a NaN.
+  unsigned char GetFrame(ZmFrameT<T>& frame) const;
 
   // "Origin: %s / Normal: %s": the origin with the given number format, the normal with "%.3f".
   WbString GetString(const wchar_t* numberFormat = L"%g", const wchar_t* separator = L", ") const;

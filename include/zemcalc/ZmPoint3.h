@@ -9,10 +9,11 @@
 //
 // Angles taken and returned by the members are in degrees, converted with the double factors
 // 180/pi = 57.29577951308232 and pi/180 = 0.017453292519943295.
-#include <cstdint>
-
 #include <wbcore/WbArray.h>
 #include <wbcore/WbCoord.h>
+#include <wbcore/WbError.h>
+
+#include <cstdint>
 
 #include "zemcalc/ZmCoordOps.h"
 #include "zemcalc/ZmExport.h"
@@ -22,6 +23,8 @@ template <class T>
 class ZmPlaneT;
 template <class T>
 class ZmExtents3T;
+template <class T>
+class ZmFrameT;
 
 namespace zm {
 template <class T, class U>
@@ -34,34 +37,34 @@ constexpr WbCoord3DT<T> Coord3FromArray(const U* v) {
 // the three components, three scalars of any arithmetic types (so (int, int, double) and
 // (long, long, double) too), a pointer to three doubles or floats (a null pointer gives the
 // invalid coordinate), any 3D coordinate of either precision, and any 2D coordinate (z = 0).
-#define ZM_COORD3_CONSTRUCTORS(Class)                                                              \
-  constexpr Class() = default;                                                                     \
-  template <class S, zm::EnableIfScalar<S> = 0>                                                   \
-  constexpr explicit Class(S s) : Ops(WbCoord3DT<T>(T(s), T(s), T(s))) {}                                          \
-  template <class A, class B, class C,                                                             \
-            std::enable_if_t<std::is_arithmetic<A>::value && std::is_arithmetic<B>::value &&     \
-                                 std::is_arithmetic<C>::value,                                   \
-                             int> = 0>                                                             \
-  constexpr Class(A xv, B yv, C zv) : Ops(WbCoord3DT<T>(T(xv), T(yv), T(zv))) {}                                  \
-  explicit Class(const double* v) : Ops(zm::Coord3FromArray<T>(v)) {}                                           \
-  explicit Class(const float* v) : Ops(zm::Coord3FromArray<T>(v)) {}                                            \
-  template <class U>                                                                               \
-  constexpr Class(const WbCoord3DT<U>& c) : Ops(WbCoord3DT<T>(T(c.x), T(c.y), T(c.z))) {}                        \
-  template <class U>                                                                               \
-  constexpr Class(const WbCoord2DT<U>& c) : Ops(WbCoord3DT<T>(T(c.x), T(c.y), T(0))) {}                          \
-  template <class S, zm::EnableIfScalar<S> = 0>                                                   \
-  Class& operator=(S s) {                                                                          \
-    this->x = this->y = this->z = T(s);                                                            \
-    return *this;                                                                                  \
-  }                                                                                                \
-  Class& operator=(const double* v) { return *this = Class(v); }                                   \
+#define ZM_COORD3_CONSTRUCTORS(Class)                                                                                \
+  constexpr Class() = default;                                                                                       \
+  template <class S, zm::EnableIfScalar<S> = 0>                                                                      \
+  constexpr explicit Class(S s) : Ops(WbCoord3DT<T>(T(s), T(s), T(s))) {}                                            \
+  template <                                                                                                         \
+      class A, class B, class C,                                                                                     \
+      std::enable_if_t<std::is_arithmetic<A>::value && std::is_arithmetic<B>::value && std::is_arithmetic<C>::value, \
+                       int> = 0>                                                                                     \
+  constexpr Class(A xv, B yv, C zv) : Ops(WbCoord3DT<T>(T(xv), T(yv), T(zv))) {}                                     \
+  explicit Class(const double* v) : Ops(zm::Coord3FromArray<T>(v)) {}                                                \
+  explicit Class(const float* v) : Ops(zm::Coord3FromArray<T>(v)) {}                                                 \
+  template <class U>                                                                                                 \
+  constexpr Class(const WbCoord3DT<U>& c) : Ops(WbCoord3DT<T>(T(c.x), T(c.y), T(c.z))) {}                            \
+  template <class U>                                                                                                 \
+  constexpr Class(const WbCoord2DT<U>& c) : Ops(WbCoord3DT<T>(T(c.x), T(c.y), T(0))) {}                              \
+  template <class S, zm::EnableIfScalar<S> = 0>                                                                      \
+  Class& operator=(S s) {                                                                                            \
+    this->x = this->y = this->z = T(s);                                                                              \
+    return *this;                                                                                                    \
+  }                                                                                                                  \
+  Class& operator=(const double* v) { return *this = Class(v); }                                                     \
   Class& operator=(const float* v) { return *this = Class(v); }
 
 template <class T>
 class ZMCALC_API ZmVector3T : public ZmVectorOps<ZmVector3T<T>, WbCoord3DT<T>> {
   using Ops = ZmVectorOps<ZmVector3T<T>, WbCoord3DT<T>>;
 
-public:
+ public:
   ZM_COORD3_CONSTRUCTORS(ZmVector3T)
 
   static const ZmVector3T UNIT_X, UNIT_Y, UNIT_Z;
@@ -127,7 +130,7 @@ template <class T>
 class ZMCALC_API ZmPoint3T : public ZmCoordOps<ZmPoint3T<T>, WbCoord3DT<T>> {
   using Ops = ZmCoordOps<ZmPoint3T<T>, WbCoord3DT<T>>;
 
-public:
+ public:
   ZM_COORD3_CONSTRUCTORS(ZmPoint3T)
 
   // The three components, where an array of three is expected.
@@ -155,6 +158,13 @@ public:
   // Rotates about the axis through center by angleDeg degrees; 0 and unchanged when the axis
   // cannot be normalised or a coordinate is invalid.
   unsigned char Rotate(const ZmPoint3T& center, const ZmVector3T<T>& axis, T angleDeg);
+  // Places this point, read in the frame's Cartesian axes, in the frame's parent: the frame's
+  // 3x3 matrix times the point, plus the frame's origin. 0 and unchanged when the point or
+  // the frame holds the invalid marker or a NaN.
+  unsigned char Rotate(const ZmFrameT<T>& frame);
+  // x and y of the point in the plane's frame (ZmPlane GetFrame, then GlobalToLocal), rounded
+  // to float in both twins; the invalid 2D point for an unusable point or plane.
+  ZmPoint2T<float> GetPlane2DCoords(const ZmPlaneT<T>& plane) const;
 
   static T GetX(const ZmPoint3T& p) { return p.x; }
   static T GetY(const ZmPoint3T& p) { return p.y; }
@@ -175,8 +185,60 @@ public:
   // float as in ComputePolylineLength. A length below 0 or beyond the end gives the first or
   // last point when clampToEnds is set and the invalid point otherwise; an empty array always
   // gives the invalid point.
-  static ZmPoint3T GetPolylinePointAtLength(const WbArrayTempl<ZmPoint3T>& points, T length,
-                                            unsigned char clampToEnds);
+  static ZmPoint3T GetPolylinePointAtLength(const WbArrayTempl<ZmPoint3T>& points, T length, unsigned char clampToEnds);
+  // The principal axes of a point cloud, with the cloud's extents measured in them. Points
+  // holding the invalid marker, a NaN or an infinity are left out. The origin is the mean of
+  // the points; X, Y and Z are the eigenvectors of their covariance matrix sorted by
+  // decreasing variance (X along the largest spread, Z along the smallest, the normal of a
+  // flat cloud) and Z = X x Y. An eigenvector has no sign of its own: each axis taken from one
+  // points so that its component of largest magnitude (the first of equal ones) is positive.
+  // Variances closer than 1e-5f (the float value, widened) times the largest leave their axes
+  // undetermined; they are then fixed as:
+  //   - the two smaller equal (a straight cloud): X from its eigenvector, Y and Z its
+  //     orthogonal completion (ZmMath OrthogonalVectors);
+  //   - the two larger equal (a round flat cloud): Z from its eigenvector, X and Y its
+  //     orthogonal completion;
+  //   - all three equal (one point, coincident points, an isotropic cloud): the global axes.
+  // The frame is Cartesian. extents (when given) receives the box of the points' local
+  // coordinates, centred near 0 in each axis. Returns 1, or 0 with frame and extents untouched
+  // when no point is left.
+  static unsigned char ComputePointsCloudLocalFrame(const WbArrayTempl<ZmPoint3T>& points, ZmFrameT<T>& frame,
+                                                    ZmExtents3T<T>* extents);
+
+  // 3-2-1 (isostatic) relocation of a measured part onto its locators. nominal[k] is the
+  // reference location of point k and positions[k] its current (measured or simulated) one;
+  // the whole current set is moved rigidly so that three reference points land on their
+  // nominal locations, then each point is blended with its nominal location axis by axis:
+  // positions[k] = nominal[k] + (D.x w.x, D.y w.y, D.z w.z) with D the moved point minus
+  // nominal[k] and w the weights (1 keeps the relocated coordinate, 0 snaps to the nominal).
+  //
+  // The reference points (nominal P1..P3, current Q1..Q3) are, with fewer than two planes:
+  // the points of i1, i2 and i3; i2 = -1 stands for the point of i1 moved by (1, 0, 0), and
+  // i3 = -1 for it moved by (0, 1, 0), in both sets, so one locator gives a translation and two
+  // a translation and a rotation about the missing direction.
+  // With two or more planes (the first two are used: a primary and a secondary locating plane,
+  // given where the nominal part lies) and all three locators, the planes are first carried to
+  // the current part by the rigid move of its three locators (the frames below, built on the
+  // points of i1, i2, i3), and the reference points become, in each position, the point of i3,
+  // its foot on the line where the two planes meet, and its projection onto the primary plane;
+  // a derived point that coincides with the point of i3 (already on the line, or on the plane)
+  // is moved off it by the secondary, respectively primary, plane's unit normal. A part that
+  // was only moved rigidly therefore comes back exactly onto its nominal position, while for a
+  // deformed part the point of i3 lands on its nominal location and the orientation follows
+  // the locating planes. Parallel planes (no line) or an absent i2 or i3 fall back to the
+  // three-point rule.
+  //
+  // The move carries Q1, Q2, Q3 onto P1, P2, P3: with A and B the Cartesian frames of
+  // (P1, P2, P3) and (Q1, Q2, Q3) (origin the first point, X towards the second, Y in the
+  // plane towards the third), each point becomes A.LocalToGlobal(B.GlobalToLocal(point)).
+  //
+  // Errors (positions then unchanged): "Two reference points are too close from each other to
+  // compute the isostatic locking" when two current reference points coincide exactly (or, with
+  // planes, two nominal locators); a reference index outside the point lists (i2 and i3 may be
+  // -1); lists of different sizes.
+  static const WbErrObj* ComputeIsoStaticLocking(const WbArrayTempl<ZmPoint3T>& nominal, int i1, int i2, int i3,
+                                                 const WbArrayTempl<ZmPlaneT<T>>& planes, const ZmVector3T<T>& weights,
+                                                 WbArrayTempl<ZmPoint3T>& positions);
 };
 
 #undef ZM_COORD3_CONSTRUCTORS

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <wbcore/WbError.h>
+#include <wbcore/WbLocalize.h>
+
+#include "zemcalc/ZmFilter.h"
+
+namespace zm {
+namespace filter {
+
+// The messages of the filters, in English; the host application may translate them.
+constexpr const wchar_t* kLowerStep = L"Can't process filtering. The time step of interval %d is lower than %g";
+constexpr const wchar_t* kHigherStep = L"Can't process filtering. The time step of interval %d is higher than %g";
+constexpr const wchar_t* kNotEnoughPoints = L"Not enough points to filter";
+constexpr const wchar_t* kNotEnoughMemory = L"Not enough memory to filter";
+constexpr const wchar_t* kInvalidKernelSize = L"Invalid filter kernel size %d";
+constexpr const wchar_t* kUnknownExtrapolation = L"Unknown extrapolation type %d";
+constexpr const wchar_t* kInvalidWidth = L"Can't process filtering. The window width %g is not a positive number";
+constexpr const wchar_t* kInvalidBefore = L"Can't process filtering. The window position %g is not between 0 and 1";
+constexpr const wchar_t* kAbscissaNotFinite = L"Can't process filtering. The abscissa of point %d is not a finite number";
+constexpr const wchar_t* kAbscissaDecreases = L"Can't process filtering. The abscissa decreases at interval %d";
+
+// Records a failure: the message passes through the localisation hook, then is formatted.
+template <class... Args>
+const WbErrObj* Fail(const wchar_t* message, const Args&... args) {
+  return WbSetError(WbLocalizeStringExW(message, 0), args...);
+}
+
+inline bool IsKnownExtrapolation(Extrapolation e) {
+  return e == ZmExtrapolationZeros || e == ZmExtrapolationConstant || e == ZmExtrapolationLinear ||
+         e == ZmExtrapolationReflection;
+}
+
+}  // namespace filter
+}  // namespace zm

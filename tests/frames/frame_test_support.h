@@ -1,0 +1,73 @@
+#pragma once
+
+// Shared helpers of the frame tests: component-wise closeness and random orthonormal frames.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+#include <zemcalc/zemcalc.h>
+
+namespace frame_test {
+
+constexpr double kMarker = -1.0000000331813535e+32;  // -1.0e32f widened
+
+// |a_i - b_i| <= tol for each component.
+template <class A, class B>
+::testing::AssertionResult Near(const A& a, const B& b, double tol) {
+  for (int i = 0; i < A::kDimension; ++i) {
+    const double d = std::fabs(double(zm::Component(a, i)) - double(zm::Component(b, i)));
+    if (!(d <= tol)) {
+      return ::testing::AssertionFailure() << "component " << i << ": " << double(zm::Component(a, i)) << " vs "
+                                           << double(zm::Component(b, i)) << " (tolerance " << tol << ")";
+    }
+  }
+  return ::testing::AssertionSuccess();
+}
+
+template <class A, class B>
+::testing::AssertionResult NearMatrix(const A& a, const B& b, double tol) {
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) {
+      if (!(std::fabs(double(a[i][j]) - double(b[i][j])) <= tol)) {
+        return ::testing::AssertionFailure() << "coefficient (" << i << ", " << j << "): " << double(a[i][j]) << " vs "
+                                             << double(b[i][j]);
+      }
+    }
+  }
+  return ::testing::AssertionSuccess();
+}
+
+// Relative closeness used by the round trips: 1e-12 in double, 1e-5 in float.
+template <class T>
+constexpr double kRoundTrip = sizeof(T) == sizeof(double) ? 1e-12 : 1e-5;
+
+// A uniformly drawn rotation (a normalised Gaussian quaternion) and an origin in [-50, 50]^3.
+template <class T>
+ZmFrameT<T> RandomFrame(std::mt19937& rng, ZmFrameType type) {
+  std::normal_distribution<double> gauss;
+  std::uniform_real_distribution<double> place(-50, 50);
+  ZmQuaterniond q(gauss(rng), gauss(rng), gauss(rng), gauss(rng));
+  q.Normalise();
+  const ZmMatrix3d r = q.ToRotationMatrix();
+  const ZmPoint3d origin(place(rng), place(rng), place(rng));
+  return ZmFrameT<T>(ZmVector3T<T>(r.GetColumn(0)), ZmVector3T<T>(r.GetColumn(1)), ZmVector3T<T>(r.GetColumn(2)),
+                     ZmPoint3T<T>(origin), type);
+}
+
+template <class T>
+ZmPoint3T<T> RandomPoint(std::mt19937& rng, double range) {
+  std::uniform_real_distribution<double> place(-range, range);
+  return ZmPoint3T<T>(place(rng), place(rng), place(rng));
+}
+
+// The largest magnitude among the components of the points, and 1.
+template <class... P>
+double Scale(const P&... points) {
+  double s = 1;
+  for (const auto& p : {ZmPoint3d(points)...}) s = std::max({s, std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)});
+  return s;
+}
+
+}  // namespace frame_test

@@ -1,0 +1,190 @@
+// The frames of planes and point clouds, and the 2D coordinates of a point in a plane.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include <zemcalc/zemcalc.h>
+
+#include "frames/frame_test_support.h"
+
+namespace {
+
+using frame_test::Near;
+
+template <class T>
+class PointFrameTwins : public ::testing::Test {};
+using Scalars = ::testing::Types<double, float>;
+TYPED_TEST_SUITE(PointFrameTwins, Scalars);
+
+TYPED_TEST(PointFrameTwins, PlaneFrameFollowsTheNormalAndTheXAxisPoint) {
+  using T = TypeParam;
+  using P = ZmPoint3T<T>;
+  using V = ZmVector3T<T>;
+  unsigned char ok = 0;
+  ZmPlaneT<T> plane(P(1, 2, 3), V(0, 0, 2), ok);
+  ZmFrameT<T> frame(P(9, 9, 9), V(1, 1, 1), ZmFrameSpherical);
+  // No X-axis point: the completion of Z = (0, 0, 1) is X = (1, 0, 0), Y = (0, 1, 0).
+  ASSERT_EQ(plane.GetFrame(frame), 1);
+  EXPECT_EQ(frame.GetOrigin(), P(1, 2, 3));
+  EXPECT_EQ(frame.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
+  EXPECT_EQ(frame.GetType(), ZmFrameCartesian);
+  // Offset (3, 3, 7) loses its normal part: X = (s, s, 0), Y = Z x X = (-s, s, 0).
+  plane.SetXAxisPoint(P(4, 5, 10));
+  ASSERT_EQ(plane.GetFrame(frame), 1);
+  const double s = std::sqrt(0.5);
+  EXPECT_TRUE(Near(frame.GetVector(0), V(s, s, 0), 1e-7));
+  EXPECT_TRUE(Near(frame.GetVector(1), V(-s, s, 0), 1e-7));
+  EXPECT_EQ(frame.GetVector(2), V(0, 0, 1));
+  // A point on the normal through the origin leaves no direction: the completion again.
+  plane.SetXAxisPoint(P(1, 2, 10));
+  ASSERT_EQ(plane.GetFrame(frame), 1);
+  EXPECT_EQ(frame.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
+  // An unusable plane writes nothing.
+  const ZmFrameT<T> before(frame);
+  plane.SetPointOnPlane(P(std::numeric_limits<T>::quiet_NaN(), 0, 0));
+  EXPECT_EQ(plane.GetFrame(frame), 0);
+  EXPECT_EQ(frame, before);
+}
+
+TYPED_TEST(PointFrameTwins, PlaneTwoDimensionalCoordinates) {
+  using T = TypeParam;
+  using P = ZmPoint3T<T>;
+  using V = ZmVector3T<T>;
+  // Normal (0, 0.6, 0.8) and X = (1, 0, 0): Y = Z x X = (0, 0.8, -0.6). The point
+  // 2 X + 3 Y + 10 Z = (2, 8.4, 6.2) has the plane coordinates (2, 3).
+  unsigned char ok = 0;
+  ZmPlaneT<T> plane(P(0, 0, 0), V(0, 3, 4), ok);
+  plane.SetXAxisPoint(P(5, 0, 0));
+  const ZmPoint2f flat = P(2, T(8.4), T(6.2)).GetPlane2DCoords(plane);
+  EXPECT_NEAR(flat.x, 2.0f, 1e-5f);
+  EXPECT_NEAR(flat.y, 3.0f, 1e-5f);
+  static_assert(std::is_same<decltype(flat), const ZmPoint2f>::value, "float in both twins");
+  EXPECT_FALSE(P(WbCoord3DT<T>::INVALID).GetPlane2DCoords(plane).IsValid());
+  plane.SetPointOnPlane(P(WbCoord3DT<T>::INVALID));
+  EXPECT_FALSE(P(1, 1, 1).GetPlane2DCoords(plane).IsValid());
+}
+
+TYPED_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
+  using T = TypeParam;
+  using P = ZmPoint3T<T>;
+  using V = ZmVector3T<T>;
+  // The box corners (+-3, +-1, +-0.5) turned by 30 degrees about Z and moved to (10, -5, 2):
+  // variances 9 > 1 > 0.25, so X = (cos 30, sin 30, 0), Y = (-sin 30, cos 30, 0) (each with
+  // its largest component positive) and Z = X x Y = (0, 0, 1); the extents are the box.
+  const double c = std::cos(M_PI / 6), s = std::sin(M_PI / 6);
+  WbArrayTempl<P> cloud;
+  for (double a : {-3.0, 3.0}) {
+    for (double b : {-1.0, 1.0}) {
+      for (double h : {-0.5, 0.5}) cloud.Add(P(10 + a * c - b * s, -5 + a * s + b * c, 2 + h));
+    }
+  }
+  // Unusable points take no part.
+  cloud.Add(P(WbCoord3DT<T>::INVALID));
+  cloud.Add(P(std::numeric_limits<T>::quiet_NaN(), 0, 0));
+  cloud.Add(P(0, std::numeric_limits<T>::infinity(), 0));
+  ZmFrameT<T> frame;
+  ZmExtents3T<T> box;
+  ASSERT_EQ(P::ComputePointsCloudLocalFrame(cloud, frame, &box), 1);
+  EXPECT_TRUE(Near(frame.GetOrigin(), P(10, -5, 2), 1e-5));
+  EXPECT_TRUE(Near(frame.GetVector(0), V(c, s, 0), 1e-6));
+  EXPECT_TRUE(Near(frame.GetVector(1), V(-s, c, 0), 1e-6));
+  EXPECT_TRUE(Near(frame.GetVector(2), V(0, 0, 1), 1e-6));
+  EXPECT_TRUE(Near(box.GetMinimum(), P(-3, -1, -0.5), 1e-5));
+  EXPECT_TRUE(Near(box.GetMaximum(), P(3, 1, 0.5), 1e-5));
+  // Without extents.
+  ZmFrameT<T> again;
+  ASSERT_EQ(P::ComputePointsCloudLocalFrame(cloud, again, nullptr), 1);
+  EXPECT_EQ(again, frame);
+
+  // The box turned by other angles about Z, then tilted about X by t: the long side lies
+  // along +-Rx(t) (cos a, sin a, 0) and the short one along +-Rx(t) (-sin a, cos a, 0); each
+  // axis is the sign whose largest component is positive, and Z = X x Y. At a = 60 and t = 60
+  // degrees, say, the short side is +-(-0.866, 0.25, 0.433), so Y = (0.866, -0.25, -0.433).
+  const auto oriented = [](double x, double y, double z) {
+    const double ax = std::fabs(x), ay = std::fabs(y), az = std::fabs(z);
+    const double largest = ax >= ay && ax >= az ? x : (ay >= az ? y : z);
+    return largest < 0 ? V(-x, -y, -z) : V(x, y, z);
+  };
+  for (int tilt : {0, 60}) {
+    const double t = tilt * M_PI / 180;
+    for (int degrees = 0; degrees < 360; degrees += 20) {
+      const double a = degrees * M_PI / 180;
+      WbArrayTempl<P> turned;
+      for (double u : {-3.0, 3.0}) {
+        for (double w : {-1.0, 1.0}) {
+          for (double h : {-0.5, 0.5}) {
+            const double px = u * std::cos(a) - w * std::sin(a), py = u * std::sin(a) + w * std::cos(a);
+            turned.Add(P(px, py * std::cos(t) - h * std::sin(t), py * std::sin(t) + h * std::cos(t)));
+          }
+        }
+      }
+      ASSERT_EQ(P::ComputePointsCloudLocalFrame(turned, frame, &box), 1);
+      const V x = oriented(std::cos(a), std::sin(a) * std::cos(t), std::sin(a) * std::sin(t));
+      const V y = oriented(-std::sin(a), std::cos(a) * std::cos(t), std::cos(a) * std::sin(t));
+      EXPECT_TRUE(Near(frame.GetVector(0), x, 1e-6)) << degrees << " " << tilt;
+      EXPECT_TRUE(Near(frame.GetVector(1), y, 1e-6)) << degrees << " " << tilt;
+      EXPECT_TRUE(Near(frame.GetVector(2), x.cross(y), 1e-6)) << degrees << " " << tilt;
+      EXPECT_TRUE(Near(box.GetMaximum(), P(3, 1, 0.5), 1e-5)) << degrees << " " << tilt;
+    }
+  }
+}
+
+TYPED_TEST(PointFrameTwins, CloudFrameOfEqualSpreads) {
+  using T = TypeParam;
+  using P = ZmPoint3T<T>;
+  using V = ZmVector3T<T>;
+  const double s = std::sqrt(0.5);
+  ZmFrameT<T> frame;
+  ZmExtents3T<T> box;
+  // A straight cloud along (1, 1, 0): X = (s, s, 0), and its completion Y = (-s, s, 0),
+  // Z = (0, 0, 1); extents +-2 sqrt(2) along X.
+  WbArrayTempl<P> line;
+  for (int t = -2; t <= 2; ++t) line.Add(P(5 + t, 5 + t, 5));
+  ASSERT_EQ(P::ComputePointsCloudLocalFrame(line, frame, &box), 1);
+  EXPECT_TRUE(Near(frame.GetOrigin(), P(5, 5, 5), 1e-6));
+  EXPECT_TRUE(Near(frame.GetVector(0), V(s, s, 0), 1e-6));
+  EXPECT_TRUE(Near(frame.GetVector(1), V(-s, s, 0), 1e-6));
+  EXPECT_TRUE(Near(frame.GetVector(2), V(0, 0, 1), 1e-6));
+  EXPECT_TRUE(Near(box.GetMaximum(), P(2 * std::sqrt(2.0), 0, 0), 1e-5));
+  // A square in the plane y = 0: Z = (0, 1, 0) (the normal, oriented) and its completion
+  // X = (-1, 0, 0), Y = (0, 0, 1).
+  const WbArrayTempl<P> square = {P(1, 0, 1), P(-1, 0, 1), P(-1, 0, -1), P(1, 0, -1)};
+  ASSERT_EQ(P::ComputePointsCloudLocalFrame(square, frame, nullptr), 1);
+  EXPECT_TRUE(Near(frame.GetVector(2), V(0, 1, 0), 1e-6));
+  EXPECT_TRUE(Near(frame.GetVector(0), V(-1, 0, 0), 1e-6));
+  EXPECT_TRUE(Near(frame.GetVector(1), V(0, 0, 1), 1e-6));
+  // The corners of a cube, and a single point: the global axes.
+  WbArrayTempl<P> cube;
+  for (int i = 0; i < 8; ++i) cube.Add(P(i & 1 ? 3 : 1, i & 2 ? 3 : 1, i & 4 ? 3 : 1));
+  ASSERT_EQ(P::ComputePointsCloudLocalFrame(cube, frame, &box), 1);
+  EXPECT_EQ(frame.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
+  EXPECT_EQ(frame.GetOrigin(), P(2, 2, 2));
+  EXPECT_EQ(box.GetMinimum(), P(-1, -1, -1));
+  const WbArrayTempl<P> single = {P(4, 5, 6)};
+  ASSERT_EQ(P::ComputePointsCloudLocalFrame(single, frame, &box), 1);
+  EXPECT_EQ(frame.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
+  EXPECT_EQ(frame.GetOrigin(), P(4, 5, 6));
+  EXPECT_EQ(box.GetMinimum(), P(0, 0, 0));
+  EXPECT_EQ(box.GetMaximum(), P(0, 0, 0));
+}
+
+TYPED_TEST(PointFrameTwins, CloudWithoutUsablePointsFitsNothing) {
+  using T = TypeParam;
+  using P = ZmPoint3T<T>;
+  ZmFrameT<T> frame(P(1, 2, 3), ZmVector3T<T>(0, 1, 0), ZmFrameCylindrical);
+  const ZmFrameT<T> before(frame);
+  ZmExtents3T<T> box(P(1, 1, 1), P(2, 2, 2));
+  const ZmExtents3T<T> boxBefore(box);
+  EXPECT_EQ(P::ComputePointsCloudLocalFrame(WbArrayTempl<P>(), frame, &box), 0);
+  const WbArrayTempl<P> unusable = {P(WbCoord3DT<T>::INVALID), P(std::numeric_limits<T>::quiet_NaN(), 1, 1)};
+  EXPECT_EQ(P::ComputePointsCloudLocalFrame(unusable, frame, &box), 0);
+  // Finite points whose sum overflows leave no finite mean.
+  const T huge = std::numeric_limits<T>::max();
+  const WbArrayTempl<P> overflowing = {P(huge, 0, 0), P(huge, 0, 0)};
+  EXPECT_EQ(P::ComputePointsCloudLocalFrame(overflowing, frame, &box), 0);
+  EXPECT_EQ(frame, before);
+  EXPECT_EQ(box, boxBefore);
+}
+
+}  // namespace
