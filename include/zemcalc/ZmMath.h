@@ -16,6 +16,7 @@
 #include "zemcalc/ZmMathSolve.h"
 #include "zemcalc/ZmMathSpectrum.h"
 #include "zemcalc/ZmMathTensor.h"
+#include "zemcalc/ZmMathTransmissibility.h"
 #include "zemcalc/ZmPoint2.h"
 #include "zemcalc/ZmPoint3.h"
 
@@ -43,7 +44,7 @@ class ZMCALC_API ZmMathT : public ZmMathCompareT<T>, public ZmMathDistanceT<T>, 
                              public ZmMathAngleT<T>, public ZmMathRotationT<T>, public ZmMathPointCloudT<T>,
                              public ZmMathSolveT<T>, public ZmMathMaterialT<T>, public ZmMathTensorT<T>,
                              public ZmMathIntersectT<T>,
-                             public ZmMathSpectrumT<T> {};
+                             public ZmMathSpectrumT<T>, public ZmMathTransmissibilityT<T> {};
 
 using ZmMathd = ZmMathT<double>;
 using ZmMathf = ZmMathT<float>;

@@ -30,6 +30,7 @@
 #include "zemcalc/ZmMathSolve.h"
 #include "zemcalc/ZmMathSpectrum.h"
 #include "zemcalc/ZmMathTensor.h"
+#include "zemcalc/ZmMathTransmissibility.h"
 #include "zemcalc/ZmMatrix.h"
 #include "zemcalc/ZmPlane.h"
 #include "zemcalc/ZmPoint2.h"

@@ -1,0 +1,239 @@
+// ComputeTransmissibility of ZmMathd / ZmMathf on a known linear system: broadband noise into a
+// single-degree-of-freedom oscillator whose response is computed here, independently of the
+// library, by the exact recursion of its sampled impulse response.
+#include <gtest/gtest.h>
+#include <zemcalc/zemcalc.h>
+
+#include <cmath>
+#include <cwchar>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+template <class T>
+class TransmissibilityTwins : public ::testing::Test {};
+using Scalars = ::testing::Types<double, float>;
+TYPED_TEST_SUITE(TransmissibilityTwins, Scalars);
+
+template <class T>
+using Math = ZmMathT<T>;
+template <class T>
+using Curve = WbArrayTempl<ZmPoint2T<T>>;
+
+template <class T>
+T Absent() {
+  return static_cast<T>(-1.0e32f);
+}
+
+constexpr double kPi = 3.141592653589793;
+constexpr double kStep = 1e-3;            // 1 kHz sampling
+constexpr double kNaturalFrequency = 50;  // Hz
+constexpr double kDamping = 0.05;
+
+// x'' + 2 z w x' + w^2 x = w^2 u (static gain 1) has the impulse response
+// h(t) = w^2/wd e^(-z w t) sin(wd t), wd = w sqrt(1 - z^2). Its samples g[j] = dt h(j dt)
+// obey g[j] = 2 r cos(wd dt) g[j-1] - r^2 g[j-2], r = e^(-z w dt), from g[0] = 0 and
+// g[1] = dt w^2/wd r sin(wd dt), so the discrete convolution y[k] = sum_j g[j] u[k-j] is
+// y[k] = 2 r cos(wd dt) y[k-1] - r^2 y[k-2] + g[1] u[k-1]. Its gain peaks at
+// w sqrt(1 - 2 z^2) (49.87 Hz) with 1/(2 z sqrt(1 - z^2)) = 10.01.
+std::vector<double> OscillatorResponse(const std::vector<double>& u) {
+  const double w = 2 * kPi * kNaturalFrequency, wd = w * std::sqrt(1 - kDamping * kDamping);
+  const double r = std::exp(-kDamping * w * kStep), c = 2 * r * std::cos(wd * kStep);
+  const double g1 = kStep * w * w / wd * r * std::sin(wd * kStep);
+  std::vector<double> y(u.size(), 0.0);
+  for (std::size_t k = 2; k < u.size(); ++k) y[k] = c * y[k - 1] - r * r * y[k - 2] + g1 * u[k - 1];
+  return y;
+}
+
+// Uniform noise in [-1, 1] and the oscillator's response, at abscissas accumulated by the
+// step as the resampling accumulates them (so that it finds every sample exactly).
+template <class T>
+void NoiseThroughOscillator(std::size_t count, Curve<T>& input, Curve<T>& output) {
+  std::mt19937 generator(2024);
+  std::uniform_real_distribution<double> noise(-1.0, 1.0);
+  std::vector<double> u(count);
+  for (double& v : u) v = noise(generator);
+  const std::vector<double> y = OscillatorResponse(u);
+  T x = 0;
+  for (std::size_t k = 0; k < count; ++k) {
+    input.Add(ZmPoint2T<T>(x, T(u[k])));
+    output.Add(ZmPoint2T<T>(x, T(y[k])));
+    x = x + T(kStep);
+  }
+}
+
+template <class T>
+const ZmPoint2T<T>& Peak(const Curve<T>& curve) {
+  std::uint64_t best = 0;
+  for (std::uint64_t i = 1; i < curve.GetSize(); ++i) best = curve[i].y > curve[best].y ? i : best;
+  return curve[best];
+}
+
+template <class T>
+T ValueAt(const Curve<T>& curve, double x) {
+  int index = -1;
+  return ZmPoint2T<T>::InterpolateOnX(curve.GetData(), curve.GetSize(), T(x), index, 0);
+}
+
+std::vector<std::wstring> Texts(const WbObjectArrayTempl<WbString>& titles) {
+  std::vector<std::wstring> texts;
+  for (std::uint64_t i = 0; i < titles.GetSize(); ++i) texts.push_back(titles[i]->GetString());
+  return texts;
+}
+
+TYPED_TEST(TransmissibilityTwins, PeaksAtTheNaturalFrequencyOnEveryRoute) {
+  using T = TypeParam;
+  Curve<T> input, output;
+  NoiseThroughOscillator<T>(16384, input, output);
+  const T absent = Absent<T>();
+  for (int method : {Math<T>::TRANSMISSIBILITY_DIRECT, Math<T>::TRANSMISSIBILITY_CIRCULAR_CORRELATION,
+                     Math<T>::TRANSMISSIBILITY_LINEAR_CORRELATION, 0}) {
+    Curve<T> result;
+    ASSERT_EQ(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), T(2), method, T(200), T(0.5),
+                                               absent, 0, result, nullptr, nullptr, nullptr),
+              nullptr)
+        << method;
+    ASSERT_GT(result.GetSize(), 100u) << method;
+    EXPECT_GE(result[0].x, T(2));
+    EXPECT_LE(result[result.GetSize() - 1].x, T(200));
+    // The peak within 1.5 Hz of the resonance (49.87 Hz, half-power band 5 Hz wide), well
+    // above the static gain 1: the smoothing over a twentieth of the curve (about 9 Hz here)
+    // flattens the theoretical 10.
+    const ZmPoint2T<T>& peak = Peak(result);
+    EXPECT_NEAR(peak.x, 49.87, 1.5) << method;
+    EXPECT_LT(peak.y, T(11)) << method;
+    if (method == Math<T>::TRANSMISSIBILITY_LINEAR_CORRELATION) {
+      // This route keeps the lags from 0 only: for a causal system the half of the
+      // cross-correlation that carries the response is dropped, so only the shape of the
+      // estimate is meaningful, not its level.
+      EXPECT_GT(peak.y, T(2)) << method;
+      continue;
+    }
+    // |H| = 1/sqrt((1 - s^2)^2 + (2 z s)^2), s = f/50: 1.041 at 10 Hz, 0.125 at 150 Hz.
+    EXPECT_GT(peak.y, T(5)) << method;
+    EXPECT_NEAR(ValueAt(result, 10.0), 1.041, 0.1) << method;
+    EXPECT_NEAR(ValueAt(result, 150.0), 0.125, 0.03) << method;
+  }
+}
+
+TYPED_TEST(TransmissibilityTwins, HandsBackEveryStageWithItsTitleInOrder) {
+  using T = TypeParam;
+  Curve<T> input, output;
+  NoiseThroughOscillator<T>(4096, input, output);
+  // The output raised by 2 and the input starting at 0.5: aligning at 0 adds 0.5 - 2 = -1.5.
+  input[0].y = T(0.5);
+  for (auto& p : output) p.y = p.y + T(2);
+  const T absent = Absent<T>();
+  WbObjectArrayTempl<Curve<T>> curves;
+  WbObjectArrayTempl<WbString> titles;
+  Curve<T> result, phase;
+  ASSERT_EQ(Math<T>::ComputeTransmissibility(input, output, T(0), T(0), T(kStep), T(2), 3, T(200), T(0.5), T(1), 0,
+                                             result, &curves, &titles, &phase),
+            nullptr);
+  const std::vector<std::wstring> expected = {L"Fitting of output curve with input (-1.5)|Time|",
+                                              L"Sampling of input (0 / 0.001)|Time|",
+                                              L"Sampling of output (0 / 0.001)|Time|",
+                                              L"Autocorrelation (MATLAB) of input signal|Time|",
+                                              L"Intercorrelation (MATLAB) of input signal with output signal|Time|",
+                                              L"FFT of Autocorrelation of input signal|Frequency|",
+                                              L"FFT of Intercorrelation of input signal with output signal|Frequency|",
+                                              L"Restriction of input frequencies|Frequency|",
+                                              L"Restriction of output frequencies|Frequency|",
+                                              L"Computation of max input envelop (step=0.5)|Frequency|",
+                                              L"Computation of max output envelop (step=0.5)|Frequency|",
+                                              L"FFT phase of input signal|Frequency|Angle (degrees)",
+                                              L"FFT phase of output signal|Frequency|Angle (degrees)",
+                                              L"Phase difference (output - input)|Frequency|Angle (degrees)"};
+  EXPECT_EQ(Texts(titles), expected);
+  ASSERT_EQ(curves.GetSize(), expected.size());
+  // The curves are the stages' own: the fitted output starts at the input's level, the
+  // correlations keep the lags from 0 (4096 of 8191), the restrictions stay in range, and the
+  // phase difference is the one returned.
+  EXPECT_EQ((*curves[0])[0].y, T(0.5));
+  EXPECT_EQ(curves[1]->GetSize(), 4096u);
+  EXPECT_EQ(curves[3]->GetSize(), 4096u);
+  EXPECT_EQ((*curves[3])[0].x, T(0));
+  EXPECT_EQ(curves[5]->GetSize(), 4096u);
+  EXPECT_EQ((*curves[7])[0].x, T(2));
+  EXPECT_EQ((*curves[7])[curves[7]->GetSize() - 1].x, T(200));
+  EXPECT_EQ(curves[13]->GetSize(), phase.GetSize());
+  ASSERT_GT(phase.GetSize(), 100u);
+  EXPECT_GE(phase[0].x, T(2));
+  EXPECT_LE(phase[phase.GetSize() - 1].x, T(200));
+  // Resampled at 1 Hz from the first frequency kept.
+  ASSERT_GT(result.GetSize(), 100u);
+  EXPECT_NEAR(result[1].x - result[0].x, 1.0, 1e-4);
+
+  // The direct route, without the optional stages: no fitting, no start, no envelope step.
+  titles.RemoveAll();
+  ASSERT_EQ(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), absent, 1, absent, absent, absent,
+                                             0, result, nullptr, &titles, nullptr),
+            nullptr);
+  const std::vector<std::wstring> direct = {L"Sampling of input (0.001)|Time|",
+                                            L"Sampling of output (0.001)|Time|",
+                                            L"FFT of input signal|Frequency|",
+                                            L"FFT of output signal|Frequency|",
+                                            L"Restriction of input frequencies|Frequency|",
+                                            L"Restriction of output frequencies|Frequency|",
+                                            L"Computation of max input envelop|Frequency|",
+                                            L"Computation of max output envelop|Frequency|"};
+  EXPECT_EQ(Texts(titles), direct);
+  // Without bounds the range runs from 0 to the Nyquist frequency, 500 Hz.
+  EXPECT_LE(result[result.GetSize() - 1].x, T(500));
+  EXPECT_GT(result[result.GetSize() - 1].x, T(490));
+
+  // Circular correlations are labelled XU.
+  titles.RemoveAll();
+  ASSERT_EQ(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), T(2), 2, T(200), absent, absent,
+                                             0, result, nullptr, &titles, nullptr),
+            nullptr);
+  EXPECT_EQ(Texts(titles)[2], L"Autocorrelation (XU) of input signal|Time|");
+}
+
+TYPED_TEST(TransmissibilityTwins, RefusesWhatItCannotCompute) {
+  using T = TypeParam;
+  Curve<T> input, output;
+  NoiseThroughOscillator<T>(1024, input, output);
+  const T absent = Absent<T>();
+  const Curve<T> before = {ZmPoint2T<T>(T(7), T(8))};
+  auto refused = [&](const WbErrObj* error, const wchar_t* message, const Curve<T>& result) {
+    ASSERT_NE(error, nullptr) << std::wstring(message).c_str();
+    EXPECT_STREQ(error->GetMessage(), message);
+    ASSERT_EQ(result.GetSize(), 1u);  // untouched
+    EXPECT_EQ(result[0].y, T(8));
+  };
+  Curve<T> result = before;
+  refused(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(0), absent, 1, absent, absent, absent, 0,
+                                           result, nullptr, nullptr, nullptr),
+          L"Unable to sample points of input signal with shift=0", result);
+  refused(Math<T>::ComputeTransmissibility(input, Curve<T>(), absent, T(0.25), T(kStep), absent, 1, absent, absent,
+                                           absent, 0, result, nullptr, nullptr, nullptr),
+          L"Unable to sample points of output signal from abscissa 0.25 with shift=0.001", result);
+  refused(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), T(5000), 1, T(6000), absent, absent,
+                                           0, result, nullptr, nullptr, nullptr),
+          L"No input signal frequencies in given range", result);
+  // ComputeFFT's errors pass through: a length that is not a power of two, and too few samples.
+  refused(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), absent, 1, absent, absent, absent,
+                                           100, result, nullptr, nullptr, nullptr),
+          L"FFT length 100 is not a power of two between 2 and 4294967296. Can't compute FFT", result);
+  const Curve<T> twoPoints = {ZmPoint2T<T>(T(0), T(1)), ZmPoint2T<T>(T(kStep), T(2))};
+  refused(Math<T>::ComputeTransmissibility(twoPoints, twoPoints, absent, absent, T(kStep), absent, 1, absent, absent,
+                                           absent, 0, result, nullptr, nullptr, nullptr),
+          L"Less than 3 points in the window. Can't compute FFT", result);
+  // A silent input has no spectrum to divide by.
+  Curve<T> silent = input;
+  for (auto& p : silent) p.y = 0;
+  refused(Math<T>::ComputeTransmissibility(silent, output, absent, absent, T(kStep), absent, 1, absent, absent, absent,
+                                           0, result, nullptr, nullptr, nullptr),
+          L"Unable to form the transmissibility: no input envelope value at the output envelope frequencies", result);
+
+  // A final step that cannot sample empties the result, without an error.
+  ASSERT_EQ(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), absent, 1, absent, absent, T(-1),
+                                             0, result, nullptr, nullptr, nullptr),
+            nullptr);
+  EXPECT_EQ(result.GetSize(), 0u);
+}
+
+}  // namespace
