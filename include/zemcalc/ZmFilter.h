@@ -64,8 +64,10 @@
 // NaN and infinite values propagate into every output whose window (padding included) holds
 // them: a zero coefficient still gives NaN for 0 * inf.
 //
-// Cost: one copy of the curve, one work buffer of n + N values, one pass of the kernel; no
-// allocation per sample. in and out may be the same array.
+// Cost: the curve streams once through one work buffer of about 2048 + 2n values (read once,
+// written once, the kernel applied per block in cache); when time-step limits are set, the
+// abscissae are first read in a pass of their own, so that a refused curve leaves out
+// untouched. No allocation per sample. in and out may be the same array.
 //
 // --- Runtime classes and creation by name
 //

@@ -15,16 +15,11 @@
 #include "filters/filter_curves.h"
 
 using filter_test::Curve;
+using filter_test::Signal;
 using filter_test::Message;
 using filter_test::SameCurve;
 
 namespace {
-
-std::vector<double> Signal(int n) {
-  std::vector<double> y;
-  for (int i = 0; i < n; ++i) y.push_back(static_cast<double>((37 * i) % 101) / 8.0);
-  return y;
-}
 
 template <class Filter>
 void ExpectOutputs(Filter filter, double first, double middle, double last) {
