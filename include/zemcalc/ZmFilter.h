@@ -64,10 +64,11 @@
 // NaN and infinite values propagate into every output whose window (padding included) holds
 // them: a zero coefficient still gives NaN for 0 * inf.
 //
-// Cost: the curve streams once through one work buffer of about 2048 + 2n values (read once,
-// written once, the kernel applied per block in cache); when time-step limits are set, the
-// abscissae are first read in a pass of their own, so that a refused curve leaves out
-// untouched. No allocation per sample. in and out may be the same array.
+// Cost: one pass over the curve through one work buffer of about 2048 + 2n values: the time
+// steps are tested, the points read and the results written block by block, the kernel applied
+// per block in cache. (A curve filtered into itself has its time steps tested in a pass of its
+// own first, since a refused curve must come back unchanged.) No allocation per sample. in and
+// out may be the same array.
 //
 // --- Runtime classes and creation by name
 //
@@ -174,9 +175,13 @@ class ZMCALC_API ZmFilterMAT : public Base {
 
  private:
   const WbErrObj* CheckKernel() const;
-  const WbErrObj* CheckTimeSteps(const Curve& in) const;
-  // Normalises, checks the length, then writes the filtered curve into out (which may be in).
-  // Fails before writing anything to out.
+  bool HasTimeStepLimits() const;
+  // Tests the time steps of the intervals from .. to-1 (interval i joins points i-1 and i).
+  const WbErrObj* CheckTimeSteps(const Curve& in, std::uint64_t from, std::uint64_t to) const;
+  // The coefficients divided by the kernel sum (unchanged when it is 0), into c.
+  void Normalise(T* c) const;
+  // Normalises, tests the time steps and the length, then writes the filtered curve into out
+  // (which may be in). A failure leaves out to be restored from in, which is still intact.
   const WbErrObj* Compute1D(const Curve& in, Curve& out);
 };
 

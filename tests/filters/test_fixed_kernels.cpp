@@ -128,6 +128,28 @@ TEST(FixedKernels, TimeStepsInSeconds) {
   ASSERT_EQ(filterF.Compute(Curve<float>(Signal(20), 1.0e-4), outF), nullptr);
 }
 
+TEST(FixedKernels, RefusalFarIntoALongCurveLeavesCurveAndKernelUnchanged) {
+  // The curve is filtered block by block; a bad step found late must still leave out the copy
+  // of in, in itself unchanged, and the stored table not yet normalised.
+  auto in = Curve<double>(Signal(5000));
+  for (std::uint64_t i = 4500; i < in.GetSize(); ++i) in[i].x += 1.0e-4;
+  const std::wstring message = L"Can't process filtering. The time step of interval 4500 is higher than 0.00015";
+  ZmFilterCFC600_10kHzd filter(ZmUnitSecond);
+  WbArrayTempl<ZmPoint2d> out;
+  EXPECT_EQ(Message(filter.Compute(in, out)), message);
+  EXPECT_TRUE(SameCurve(out, in));
+  EXPECT_EQ(filter.GetNormalise(), 1);
+  EXPECT_EQ(filter.GetCoefficients()[0], static_cast<double>(-0.03039485f));
+  WbArrayTempl<ZmPoint2d> same = in;
+  EXPECT_EQ(Message(filter.Compute(same, same)), message);
+  EXPECT_TRUE(SameCurve(same, in));
+  EXPECT_EQ(filter.GetNormalise(), 1);
+  // Repaired, the same long curve filters to what the first block of a short one gives.
+  for (std::uint64_t i = 4500; i < in.GetSize(); ++i) in[i].x -= 1.0e-4;
+  ASSERT_EQ(filter.Compute(in, out), nullptr);
+  ExpectOutputs(filter, 1.3018203247723956, 7.804006438826752, 7.260698542634983);
+}
+
 TEST(FixedKernels, TimeStepsInTheCallersUnit) {
   // Limits converted with the catalogue factor of the millisecond, 1000: 5e-5f * 1000.0 and
   // 1.5e-4f * 1000.0 in double, 5e-5f * 1000.0f in float.
