@@ -52,9 +52,9 @@
 //      Without limits any abscissae are accepted and copied unchanged.
 //   4. Normalisation (normalise set): the coefficients are divided by the kernel sum
 //      s = 2*(c[0] + ... + c[h-1]) (+ c[h] for odd n), when s is not 0, and the normalise flag is
-//      then cleared. The stored coefficients change once, at the first call that gets this far;
-//      later calls (and copies made afterwards) use exactly those coefficients, so repeated
-//      calls give identical bits. Because of this a filter object with normalise set must not be
+//      then cleared. The stored coefficients change once, at the first call whose time steps
+//      pass (also when the curve then proves too short); later calls (and copies made
+//      afterwards) use exactly those coefficients, so repeated calls give identical bits. Because of this a filter object with normalise set must not be
 //      used from two threads before its first call; afterwards Compute changes nothing in it.
 //   5. N < h fails with "Not enough points to filter" (N = h is enough). An empty curve with
 //      n = 1 gives an empty output; a kernel larger than the curve works as long as N >= h.
@@ -63,9 +63,13 @@
 // the copy (the copy itself needs memory too; when even that fails, out is left unspecified).
 // NaN and infinite values propagate into every output whose window (padding included) holds
 // them: a zero coefficient still gives NaN for 0 * inf.
+// The f classes do all of this in single precision: coefficients, sums, limits and steps.
 //
-// Cost: one copy of the curve, one work buffer of n + N values, one pass of the kernel; no
-// allocation per sample. in and out may be the same array.
+// Cost: one pass over the curve through one work buffer of about 2048 + 2n values: the time
+// steps are tested, the points read and the results written block by block, the kernel applied
+// per block in cache. (A curve filtered into itself has its time steps tested in a pass of its
+// own first, since a refused curve must come back unchanged.) No allocation per sample. in and
+// out may be the same array.
 //
 // --- Runtime classes and creation by name
 //
@@ -172,9 +176,13 @@ class ZMCALC_API ZmFilterMAT : public Base {
 
  private:
   const WbErrObj* CheckKernel() const;
-  const WbErrObj* CheckTimeSteps(const Curve& in) const;
-  // Normalises, checks the length, then writes the filtered curve into out (which may be in).
-  // Fails before writing anything to out.
+  bool HasTimeStepLimits() const;
+  // Tests the time steps of the intervals from .. to-1 (interval i joins points i-1 and i).
+  const WbErrObj* CheckTimeSteps(const Curve& in, std::uint64_t from, std::uint64_t to) const;
+  // The coefficients divided by the kernel sum (unchanged when it is 0), into c.
+  void Normalise(T* c) const;
+  // Normalises, tests the time steps and the length, then writes the filtered curve into out
+  // (which may be in). A failure leaves out to be restored from in, which is still intact.
   const WbErrObj* Compute1D(const Curve& in, Curve& out);
 };
 
