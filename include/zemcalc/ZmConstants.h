@@ -47,6 +47,8 @@ constexpr T RoundToFloat(T value) {
 
 template <class T>
 using EnableIfScalar = std::enable_if_t<std::is_arithmetic<T>::value, int>;
+template <class T>
+using EnableIfIntegral = std::enable_if_t<std::is_integral<T>::value, int>;
 }  // namespace zm
 
 // Standard gravity in m/s^2, stored as a float.

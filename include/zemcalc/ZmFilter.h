@@ -52,10 +52,11 @@
 //      Without limits any abscissae are accepted and copied unchanged.
 //   4. Normalisation (normalise set): the coefficients are divided by the kernel sum
 //      s = 2*(c[0] + ... + c[h-1]) (+ c[h] for odd n), when s is not 0, and the normalise flag is
-//      then cleared. The stored coefficients change once, at the first call that gets this far;
-//      later calls (and copies made afterwards) use exactly those coefficients, so repeated
-//      calls give identical bits. Because of this a filter object with normalise set must not be
-//      used from two threads before its first call; afterwards Compute changes nothing in it.
+//      then cleared. The stored coefficients change once, at the first call whose time steps
+//      pass (also when the curve then proves too short); later calls (and copies made
+//      afterwards) use exactly those coefficients, so repeated calls give identical bits. Because of this a filter
+//      object with normalise set must not be used from two threads before its first call; afterwards Compute changes
+//      nothing in it.
 //   5. N < h fails with "Not enough points to filter" (N = h is enough). An empty curve with
 //      n = 1 gives an empty output; a kernel larger than the curve works as long as N >= h.
 //   6. The values are padded and filtered; the abscissae of out are those of in.
@@ -63,9 +64,13 @@
 // the copy (the copy itself needs memory too; when even that fails, out is left unspecified).
 // NaN and infinite values propagate into every output whose window (padding included) holds
 // them: a zero coefficient still gives NaN for 0 * inf.
+// The f classes do all of this in single precision: coefficients, sums, limits and steps.
 //
-// Cost: one copy of the curve, one work buffer of n + N values, one pass of the kernel; no
-// allocation per sample. in and out may be the same array.
+// Cost: one pass over the curve through one work buffer of about 2048 + 2n values: the time
+// steps are tested, the points read and the results written block by block, the kernel applied
+// per block in cache. (A curve filtered into itself has its time steps tested in a pass of its
+// own first, since a refused curve must come back unchanged.) No allocation per sample. in and
+// out may be the same array.
 //
 // --- Runtime classes and creation by name
 //
@@ -94,11 +99,11 @@ enum Extrapolation : int {
 
 // Declares a named filter class: its runtime record and the constructors of the template that
 // holds its logic. The d and f classes of a family are two such lines over one template.
-#define ZM_FILTER_CLASS(className, ...)   \
+#define ZM_FILTER_CLASS(className, ...)             \
   class ZMCALC_API className : public __VA_ARGS__ { \
-    using Logic = __VA_ARGS__;            \
-    WB_DECLARE_DYNAMIC(className)         \
-    using Logic::Logic;                   \
+    using Logic = __VA_ARGS__;                      \
+    WB_DECLARE_DYNAMIC(className)                   \
+    using Logic::Logic;                             \
   };
 
 // The interface of every filter of precision T.
@@ -108,6 +113,8 @@ class ZMCALC_API ZmFilterT : public WbObject {
   using Scalar = T;
   using Point = ZmPoint2T<T>;
   using Curve = WbArrayTempl<ZmPoint2T<T>>;
+  // ZmFilterd::Extrapolation names the same enumeration.
+  using Extrapolation = ::Extrapolation;
 
   ZmFilterT() = default;
   ZmFilterT(const ZmFilterT&) = default;
@@ -137,6 +144,10 @@ class ZMCALC_API ZmFilterMAT : public Base {
   using Curve = typename Base::Curve;
 
   explicit ZmFilterMAT(unsigned char normalise = 0, Extrapolation extrapolation = ZmExtrapolationReflection);
+  // The extrapolation also as its number (0 to 3; other numbers are refused at Compute).
+  template <class E, zm::EnableIfIntegral<E> = 0>
+  ZmFilterMAT(unsigned char normalise, E extrapolation)
+      : ZmFilterMAT(normalise, static_cast<Extrapolation>(extrapolation)) {}
 
   const WbErrObj* Compute(const Curve& in, Curve& out) override;
 
@@ -163,18 +174,22 @@ class ZMCALC_API ZmFilterMAT : public Base {
   // SetKernelSize(n), then the (n+1)/2 values of table as the coefficients.
   void SetKernelTable(int n, const float* table);
 
-  int m_size;                       // taps of the full kernel
-  WbArrayTempl<T> m_coefficients;   // the half kernel
-  unsigned char m_normalise;        // divide by the kernel sum at the next filtering
-  T m_minStep;                      // -1e32: no limit
-  T m_maxStep;                      // -1e32: no limit
+  int m_size;                      // taps of the full kernel
+  WbArrayTempl<T> m_coefficients;  // the half kernel
+  unsigned char m_normalise;       // divide by the kernel sum at the next filtering
+  T m_minStep;                     // -1e32: no limit
+  T m_maxStep;                     // -1e32: no limit
   Extrapolation m_extrapolation;
 
  private:
   const WbErrObj* CheckKernel() const;
-  const WbErrObj* CheckTimeSteps(const Curve& in) const;
-  // Normalises, checks the length, then writes the filtered curve into out (which may be in).
-  // Fails before writing anything to out.
+  bool HasTimeStepLimits() const;
+  // Tests the time steps of the intervals from .. to-1 (interval i joins points i-1 and i).
+  const WbErrObj* CheckTimeSteps(const Curve& in, std::uint64_t from, std::uint64_t to) const;
+  // The coefficients divided by the kernel sum (unchanged when it is 0), into c.
+  void Normalise(T* c) const;
+  // Normalises, tests the time steps and the length, then writes the filtered curve into out
+  // (which may be in). A failure leaves out to be restored from in, which is still intact.
   const WbErrObj* Compute1D(const Curve& in, Curve& out);
 };
 
@@ -192,6 +207,8 @@ template <class Base>
 class ZMCALC_API ZmFilterMVAT : public Base {
  public:
   explicit ZmFilterMVAT(int n = 3, Extrapolation extrapolation = ZmExtrapolationReflection);
+  template <class E, zm::EnableIfIntegral<E> = 0>
+  ZmFilterMVAT(int n, E extrapolation) : ZmFilterMVAT(n, static_cast<Extrapolation>(extrapolation)) {}
 };
 
 extern template class ZmFilterMVAT<ZmFilterMAd>;
@@ -211,6 +228,9 @@ class ZMCALC_API ZmFilterMVAWeightedT : public Base {
   using T = typename Base::T;
   explicit ZmFilterMVAWeightedT(int n = 3, const WbArrayTempl<T>& weights = WbArrayTempl<T>(),
                                 Extrapolation extrapolation = ZmExtrapolationReflection);
+  template <class E, zm::EnableIfIntegral<E> = 0>
+  ZmFilterMVAWeightedT(int n, const WbArrayTempl<T>& weights, E extrapolation)
+      : ZmFilterMVAWeightedT(n, weights, static_cast<Extrapolation>(extrapolation)) {}
 };
 
 extern template class ZmFilterMVAWeightedT<ZmFilterMVAd>;

@@ -129,9 +129,9 @@ void ZmFilterMAT<Base>::SetLimitDT(_ZmUnitTime unit) {
 template <class Base>
 const WbErrObj* ZmFilterMAT<Base>::Compute(const Curve& in, Curve& out) {
   const WbErrObj* error = CheckKernel();
-  if (!error) error = CheckTimeSteps(in);
   if (!error) error = Compute1D(in, out);
-  // Compute1D fails before writing out: the copy of in is made now.
+  // A failure leaves out the copy of in (a curve filtered into itself is refused before any
+  // value of it is written).
   if (error && &in != &out) {
     try {
       out = in;
@@ -154,12 +154,16 @@ const WbErrObj* ZmFilterMAT<Base>::CheckKernel() const {
 }
 
 template <class Base>
-const WbErrObj* ZmFilterMAT<Base>::CheckTimeSteps(const Curve& in) const {
+bool ZmFilterMAT<Base>::HasTimeStepLimits() const {
+  return m_minStep != zm::Invalid<T>() || m_maxStep != zm::Invalid<T>();
+}
+
+template <class Base>
+const WbErrObj* ZmFilterMAT<Base>::CheckTimeSteps(const Curve& in, std::uint64_t from, std::uint64_t to) const {
   const bool hasMin = m_minStep != zm::Invalid<T>();
   const bool hasMax = m_maxStep != zm::Invalid<T>();
-  if (!hasMin && !hasMax) return nullptr;
   const auto* p = in.GetData();
-  for (std::uint64_t i = 1; i < in.GetSize(); ++i) {
+  for (std::uint64_t i = from > 0 ? from : 1; i < to; ++i) {
     const T dt = p[i].x - p[i - 1].x;
     if (hasMin && dt < m_minStep) return Fail(zm::filter::kLowerStep, static_cast<int>(i), m_minStep);
     if (hasMax && dt > m_maxStep) return Fail(zm::filter::kHigherStep, static_cast<int>(i), m_maxStep);
@@ -167,60 +171,82 @@ const WbErrObj* ZmFilterMAT<Base>::CheckTimeSteps(const Curve& in) const {
   return nullptr;
 }
 
-// The curve streams through one work buffer: per block of outputs, the padded values that its
-// windows read are loaded (those shared with the previous block are kept), the kernel replaces
-// them by the outputs, and the outputs go to out with the abscissae of in. Every input value is
-// read before the output at its index is written, so out may be in.
+template <class Base>
+void ZmFilterMAT<Base>::Normalise(T* c) const {
+  const int n = m_size;
+  const int h = n / 2;
+  const T* stored = m_coefficients.GetData();
+  T half = 0;
+  for (int k = 0; k < h; ++k) half += stored[k];
+  T sum = T(2) * half;
+  if (n & 1) sum += stored[h];
+  for (std::uint64_t k = 0; k < m_coefficients.GetSize(); ++k) c[k] = sum != T(0) ? stored[k] / sum : stored[k];
+}
+
+// The curve streams once through one work buffer: per block of outputs, its time steps are
+// tested, the padded values that its windows read are loaded (those shared with the previous
+// block are kept), the kernel replaces them by the outputs, and the outputs go to out with the
+// abscissae of in. Normalised coefficients are kept in the buffer and stored only once the
+// time steps have all passed. A curve filtered into itself, or shorter than half the kernel,
+// has its time steps tested first: no value of it is written before they have passed.
 template <class Base>
 const WbErrObj* ZmFilterMAT<Base>::Compute1D(const Curve& in, Curve& out) {
   const int n = m_size;
-  const int h = n / 2;
-  T* c = m_coefficients.GetData();
-  if (m_normalise) {
-    T half = 0;
-    for (int k = 0; k < h; ++k) half += c[k];
-    T sum = T(2) * half;
-    if (n & 1) sum += c[h];
-    if (sum != T(0)) {
-      for (T& coefficient : m_coefficients) coefficient /= sum;
-    }
-    m_normalise = 0;
-  }
+  const std::uint64_t h = static_cast<std::uint64_t>(n / 2);
   const std::uint64_t count = in.GetSize();
-  const std::uint64_t hh = static_cast<std::uint64_t>(h);
-  if (count < hh) return Fail(zm::filter::kNotEnoughPoints);
-  if (count == 0) {  // one tap and an empty curve
-    out.RemoveAll();
-    return nullptr;
+  bool testSteps = HasTimeStepLimits();
+  if (testSteps && (&in == &out || count < h)) {
+    if (const WbErrObj* error = CheckTimeSteps(in, 1, count)) return error;
+    testSteps = false;
   }
   const std::uint64_t reach = static_cast<std::uint64_t>(n) - 1;  // values a window reads past its output
-  T* w = static_cast<T*>(WbMemAlloc((kBlock + reach + 2 * hh) * sizeof(T)));
+  const std::uint64_t halfKernel = m_coefficients.GetSize();
+  T* w = static_cast<T*>(WbMemAlloc((kBlock + reach + 2 * h + halfKernel) * sizeof(T)));
   if (!w) return Fail(zm::filter::kNotEnoughMemory);
-  try {
-    out.SetSize(count);
-  } catch (const std::bad_alloc&) {
-    WbMemFree(w);
-    return Fail(zm::filter::kNotEnoughMemory);
-  }
   T* left = w + kBlock + reach;
-  T* right = left + hh;
-  const auto* source = in.GetData();
-  auto* target = out.GetData();
-  PadEnds(source, count, h, m_extrapolation, left, right);
-  std::uint64_t loaded = 0;  // padded values of the block already in w
-  for (std::uint64_t j0 = 0; j0 < count; j0 += kBlock) {
-    const std::uint64_t m = count - j0 < kBlock ? count - j0 : kBlock;
-    LoadPadded(source, count, hh, left, right, j0 + loaded, j0 + m + reach, w + loaded);
-    zm::filter::ApplySymmetricKernel(w, m, c, n);
-    for (std::uint64_t i = 0; i < m; ++i) {
-      target[j0 + i].x = source[j0 + i].x;
-      target[j0 + i].y = w[i];
+  T* right = left + h;
+  T* c = m_normalise ? right + h : m_coefficients.GetData();
+  if (m_normalise) Normalise(c);
+
+  const WbErrObj* error = nullptr;
+  bool stepsPassed = true;  // the normalised coefficients are stored only then
+  if (count < h) {
+    error = Fail(zm::filter::kNotEnoughPoints);
+  } else {
+    try {
+      out.SetSize(count);
+    } catch (const std::bad_alloc&) {
+      error = Fail(zm::filter::kNotEnoughMemory);
+      stepsPassed = false;
     }
-    std::memmove(w, w + m, reach * sizeof(T));
-    loaded = reach;
+  }
+  if (!error && count > 0) {
+    const auto* source = in.GetData();
+    auto* target = out.GetData();
+    PadEnds(source, count, n / 2, m_extrapolation, left, right);
+    std::uint64_t loaded = 0;  // padded values of the block already in w
+    for (std::uint64_t j0 = 0; j0 < count; j0 += kBlock) {
+      const std::uint64_t m = count - j0 < kBlock ? count - j0 : kBlock;
+      if (testSteps && (error = CheckTimeSteps(in, j0, j0 + m)) != nullptr) {
+        stepsPassed = false;
+        break;
+      }
+      LoadPadded(source, count, h, left, right, j0 + loaded, j0 + m + reach, w + loaded);
+      zm::filter::ApplySymmetricKernel(w, m, c, n);
+      for (std::uint64_t i = 0; i < m; ++i) {
+        target[j0 + i].x = source[j0 + i].x;
+        target[j0 + i].y = w[i];
+      }
+      std::memmove(w, w + m, reach * sizeof(T));
+      loaded = reach;
+    }
+  }
+  if (m_normalise && stepsPassed) {
+    for (std::uint64_t k = 0; k < halfKernel; ++k) m_coefficients[k] = c[k];
+    m_normalise = 0;
   }
   WbMemFree(w);
-  return nullptr;
+  return error;
 }
 
 template class ZmFilterMAT<ZmFilterd>;

@@ -20,6 +20,13 @@ WbArrayTempl<ZmPoint2T<T>> Curve(const std::vector<double>& y, double step = 1.0
   return curve;
 }
 
+// A test signal exact in both precisions: y[i] = ((37 * i) % 101) / 8.
+inline std::vector<double> Signal(int n) {
+  std::vector<double> y;
+  for (int i = 0; i < n; ++i) y.push_back(static_cast<double>((37 * i) % 101) / 8.0);
+  return y;
+}
+
 template <class T>
 std::vector<T> Values(const WbArrayTempl<ZmPoint2T<T>>& curve) {
   std::vector<T> y;

@@ -15,17 +15,12 @@
 #include "filters/filter_curves.h"
 
 using filter_test::Curve;
+using filter_test::Signal;
 using filter_test::Message;
 using filter_test::SameCurve;
 using filter_test::Values;
 
 namespace {
-
-std::vector<double> Signal(int n) {
-  std::vector<double> y;
-  for (int i = 0; i < n; ++i) y.push_back(static_cast<double>((37 * i) % 101) / 8.0);
-  return y;
-}
 
 template <class T>
 WbArrayTempl<ZmPoint2T<T>> Points(const std::vector<double>& x, const std::vector<double>& y) {

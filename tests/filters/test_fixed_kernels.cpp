@@ -15,16 +15,11 @@
 #include "filters/filter_curves.h"
 
 using filter_test::Curve;
+using filter_test::Signal;
 using filter_test::Message;
 using filter_test::SameCurve;
 
 namespace {
-
-std::vector<double> Signal(int n) {
-  std::vector<double> y;
-  for (int i = 0; i < n; ++i) y.push_back(static_cast<double>((37 * i) % 101) / 8.0);
-  return y;
-}
 
 template <class Filter>
 void ExpectOutputs(Filter filter, double first, double middle, double last) {
@@ -131,6 +126,28 @@ TEST(FixedKernels, TimeStepsInSeconds) {
   EXPECT_EQ(Message(filterF.Compute(Curve<float>(Signal(20), 2.0e-4), outF)),
             L"Can't process filtering. The time step of interval 1 is higher than 0.00015");
   ASSERT_EQ(filterF.Compute(Curve<float>(Signal(20), 1.0e-4), outF), nullptr);
+}
+
+TEST(FixedKernels, RefusalFarIntoALongCurveLeavesCurveAndKernelUnchanged) {
+  // The curve is filtered block by block; a bad step found late must still leave out the copy
+  // of in, in itself unchanged, and the stored table not yet normalised.
+  auto in = Curve<double>(Signal(5000));
+  for (std::uint64_t i = 4500; i < in.GetSize(); ++i) in[i].x += 1.0e-4;
+  const std::wstring message = L"Can't process filtering. The time step of interval 4500 is higher than 0.00015";
+  ZmFilterCFC600_10kHzd filter(ZmUnitSecond);
+  WbArrayTempl<ZmPoint2d> out;
+  EXPECT_EQ(Message(filter.Compute(in, out)), message);
+  EXPECT_TRUE(SameCurve(out, in));
+  EXPECT_EQ(filter.GetNormalise(), 1);
+  EXPECT_EQ(filter.GetCoefficients()[0], static_cast<double>(-0.03039485f));
+  WbArrayTempl<ZmPoint2d> same = in;
+  EXPECT_EQ(Message(filter.Compute(same, same)), message);
+  EXPECT_TRUE(SameCurve(same, in));
+  EXPECT_EQ(filter.GetNormalise(), 1);
+  // Repaired, the same long curve filters to what the first block of a short one gives.
+  for (std::uint64_t i = 4500; i < in.GetSize(); ++i) in[i].x -= 1.0e-4;
+  ASSERT_EQ(filter.Compute(in, out), nullptr);
+  ExpectOutputs(filter, 1.3018203247723956, 7.804006438826752, 7.260698542634983);
 }
 
 TEST(FixedKernels, TimeStepsInTheCallersUnit) {

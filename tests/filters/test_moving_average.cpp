@@ -85,8 +85,7 @@ TEST(MovingAverage, EachPaddingModeAtBothEnds) {
   };
   const Case cases[] = {
       {ZmExtrapolationZeros, 2.8000000417232513, 6.000000089406967, 15.400000229477882, 2.8000002f, 6.0f, 15.4f},
-      {ZmExtrapolationConstant, 3.200000047683716, 6.200000092387199, 29.800000444054604, 3.2f, 6.2000003f,
-       29.800001f},
+      {ZmExtrapolationConstant, 3.200000047683716, 6.200000092387199, 29.800000444054604, 3.2f, 6.2000003f, 29.800001f},
       // The right-hand linear padding is the last line evaluated at buffer positions 0 and 1:
       // 11*i + 7*25 - 6*36 = -41, -30, far below the curve, hence the low last value.
       {ZmExtrapolationLinear, 1.4000000208616257, 5.600000083446503, 1.2000000178813934, 1.4000001f, 5.6000004f,
@@ -158,6 +157,29 @@ TEST(MovingAverage, WeightsAreUsedAsGivenAndTheLastOneRepeats) {
   const ZmFilterMVAWeightedf manyF(4, many, ZmExtrapolationZeros);
   ASSERT_EQ(manyF.GetCoefficients().GetSize(), 2u);
   EXPECT_EQ(manyF.GetCoefficients()[1], 4.0f);
+}
+
+TEST(MovingAverage, ExtrapolationByItsNumber) {
+  // The enumeration's values are accepted as plain numbers: (5, 1) is five points with constant
+  // ends, so a constant curve stays constant up to the float 1/5: (3+3)c + (3+3)c + 3c with
+  // c = 0.20000000298023224 is 3.0000000447034836 everywhere; (4, 0) pads with zeros: the first output of the
+  // constant 2 is (0 + 0 + 2 + 2) / 4 = 1. The weighted form takes the number last.
+  const ZmFilterMVAd constantEnds(5, 1);
+  EXPECT_EQ(constantEnds.GetExtrapolationType(), ZmExtrapolationConstant);
+  WbArrayTempl<ZmPoint2d> out;
+  ASSERT_EQ(ZmFilterMVAd(5, 1).Compute(Curve<double>({3, 3, 3, 3, 3, 3}), out), nullptr);
+  EXPECT_EQ(Values(out), std::vector<double>(6, 3.0000000447034836));
+  ASSERT_EQ(ZmFilterMVAd(4, 0).Compute(Curve<double>({2, 2, 2, 2}), out), nullptr);
+  EXPECT_EQ(out[0].y, 1.0);
+  WbArrayTempl<double> weights = {1.0, 2.0};
+  EXPECT_EQ(ZmFilterMVAWeightedd(5, weights, 0).GetExtrapolationType(), ZmExtrapolationZeros);
+  EXPECT_EQ(ZmFilterd::Extrapolation(2), ZmExtrapolationLinear);
+  // A number outside 0..3 is refused when filtering, out holding the input.
+  WbArrayTempl<ZmPoint2f> outF;
+  const WbErrObj* error = ZmFilterMVAf(3, 7).Compute(Curve<float>({1, 2, 3}), outF);
+  ASSERT_NE(error, nullptr);
+  EXPECT_EQ(outF.GetSize(), 3u);
+  EXPECT_STREQ(error->GetMessage(), L"Unknown extrapolation type 7");
 }
 
 TEST(MovingAverage, DegenerateKernelsAndCurves) {
