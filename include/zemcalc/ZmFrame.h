@@ -18,7 +18,7 @@
 //   GlobalToLocal(point)  = M^T (p - o), then turned into the frame's coordinate type
 //   LocalToGlobal(vector) = M c;  GlobalToLocal(vector) = M^T v, then turned into the type
 // The type conversions use pi/180 = 0.017453292519943295 towards Cartesian and
-// 180/pi = 57.29577951308232 from it (the double values, also in the float twin). From
+// 180/pi = 57.29577951308232 from it (the double values, rounded in the float twin). From
 // Cartesian: r or rho below 1e-6f (the float value, widened) gives the angles 0; theta is
 // acos(x / r) (x / (rho cos phi) for a sphere), the quotient clamped to [-1, 1] against
 // rounding, negated when y < 0, so it lies in (-180, 180]; phi = asin(z / rho) lies in
@@ -56,7 +56,9 @@
 #include "zemcalc/ZmPoint2.h"
 #include "zemcalc/ZmPoint3.h"
 
-enum ZmFrameType { ZmFrameCartesian = 0, ZmFrameCylindrical = 1, ZmFrameSpherical = 2 };
+// Stored as an int: any other value read from outside is a valid, unknown type, which the
+// conversions answer with the invalid result.
+enum ZmFrameType : int { ZmFrameCartesian = 0, ZmFrameCylindrical = 1, ZmFrameSpherical = 2 };
 
 template <class T>
 class ZMCALC_API ZmFrameT {

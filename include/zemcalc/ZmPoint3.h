@@ -187,8 +187,8 @@ class ZMCALC_API ZmPoint3T : public ZmCoordOps<ZmPoint3T<T>, WbCoord3DT<T>> {
   // gives the invalid point.
   static ZmPoint3T GetPolylinePointAtLength(const WbArrayTempl<ZmPoint3T>& points, T length, unsigned char clampToEnds);
   // The principal axes of a point cloud, with the cloud's extents measured in them. Points
-  // holding the invalid marker, a NaN or an infinity are left out. The origin is the mean of
-  // the points; X, Y and Z are the eigenvectors of their covariance matrix sorted by
+  // holding the invalid marker or a NaN are left out. The origin is the mean of the points
+  // (ZmMath ComputeCenter); X, Y and Z are the eigenvectors of their covariance matrix sorted by
   // decreasing variance (X along the largest spread, Z along the smallest, the normal of a
   // flat cloud) and Z = X x Y. An eigenvector has no sign of its own: each axis taken from one
   // points so that its component of largest magnitude (the first of equal ones) is positive.
@@ -201,7 +201,7 @@ class ZMCALC_API ZmPoint3T : public ZmCoordOps<ZmPoint3T<T>, WbCoord3DT<T>> {
   //   - all three equal (one point, coincident points, an isotropic cloud): the global axes.
   // The frame is Cartesian. extents (when given) receives the box of the points' local
   // coordinates, centred near 0 in each axis. Returns 1, or 0 with frame and extents untouched
-  // when no point is left.
+  // when no point is left or a coordinate is infinite (or the sums overflow).
   static unsigned char ComputePointsCloudLocalFrame(const WbArrayTempl<ZmPoint3T>& points, ZmFrameT<T>& frame,
                                                     ZmExtents3T<T>* extents);
 

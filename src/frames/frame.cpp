@@ -26,35 +26,34 @@ ZmMatrix3T<T> Columns(const ZmVector3T<T>& x, const ZmVector3T<T>& y, const ZmVe
   return m;
 }
 
-// The axes of the three-point frame (see the constructor), in the precision W.
+// The three-point modes: the axis along e = p1 - p0, the axis normal to the plane of the
+// points and the axis that completes them. The normal is A x b (b x A for mode 1) and
+// the third axis N x A (or A x N), A and N the first two:
+//   mode 0: Z = unit(e), Y = unit(Z x b), X = Y x Z
+//   mode 1: X = unit(e), Y = unit(b x X), Z = X x Y
+//   mode 2: X = unit(e), Z = unit(X x b), Y = Z x X
+struct ThreePointMode {
+  int along, normal, third;
+  bool reversed;  // b x A and A x N
+};
+constexpr ThreePointMode kThreePointModes[3] = {{2, 1, 0, false}, {0, 1, 2, true}, {0, 2, 1, false}};
+
+// The axes of the three-point frame, in the precision W; identity axes for another mode.
 template <class W>
 ZmMatrix3T<W> AxesFromPoints(const ZmPoint3T<W>& p0, const ZmPoint3T<W>& p1, const ZmPoint3T<W>& p2, int mode) {
+  if (mode < 0 || mode > 2) return ZmMatrix3T<W>();
+  const ThreePointMode& rule = kThreePointModes[mode];
   const W tol = W(zm::kTolerance6);
-  const ZmVector3T<W> e = p1 - p0, b = p2 - p0;
-  ZmVector3T<W> x = e, y, z = e;
-  switch (mode) {
-    case 0:
-      z.unitize(tol);
-      y = z.cross(b);
-      y.unitize(tol);
-      x = y.cross(z);
-      break;
-    case 1:
-      x.unitize(tol);
-      y = b.cross(x);
-      y.unitize(tol);
-      z = x.cross(y);
-      break;
-    case 2:
-      x.unitize(tol);
-      z = x.cross(b);
-      z.unitize(tol);
-      y = z.cross(x);
-      break;
-    default:
-      return ZmMatrix3T<W>();
-  }
-  return Columns(x, y, z);
+  const ZmVector3T<W> b = p2 - p0;
+  ZmVector3T<W> axes[3];
+  ZmVector3T<W>& a = axes[rule.along];
+  ZmVector3T<W>& n = axes[rule.normal];
+  a = p1 - p0;
+  a.unitize(tol);
+  n = rule.reversed ? b.cross(a) : a.cross(b);
+  n.unitize(tol);
+  axes[rule.third] = rule.reversed ? a.cross(n) : n.cross(a);
+  return Columns(axes[0], axes[1], axes[2]);
 }
 
 // The axes of the origin-and-direction frame (see the constructor), in the precision W.

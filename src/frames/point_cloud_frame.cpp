@@ -1,6 +1,6 @@
 // The principal-axes frame of a point cloud (ZmPoint3 ComputePointsCloudLocalFrame).
 #include <cmath>
-#include <cstdint>
+#include <utility>
 
 #include "zemcalc/ZmExtents.h"
 #include "zemcalc/ZmFrame.h"
@@ -13,10 +13,9 @@ ZM_BUILD_INFO(point_cloud_frame)
 
 namespace {
 
-// Points that take part: finite and not the invalid marker.
 template <class T>
-bool IsFitPoint(const ZmPoint3T<T>& p) {
-  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z) && zm::metric::IsUsable(p);
+bool IsFinite(const WbCoord3DT<T>& c) {
+  return std::isfinite(c.x) && std::isfinite(c.y) && std::isfinite(c.z);
 }
 
 // The eigenvector's sign chosen so that its component of largest magnitude (the first of
@@ -35,7 +34,7 @@ ZmVector3T<T> Oriented(const ZmVector3T<T>& v) {
 template <class T>
 void ScatterMatrix(const WbArrayTempl<ZmPoint3T<T>>& points, const ZmPoint3T<T>& mean, T (&scatter)[3][3]) {
   for (const ZmPoint3T<T>& p : points) {
-    if (!IsFitPoint(p)) continue;
+    if (!zm::metric::IsUsable(p)) continue;
     const ZmVector3T<T> d = p - mean;
     for (int i = 0; i < 3; ++i) {
       for (int j = i; j < 3; ++j) scatter[i][j] += zm::Component(d, i) * zm::Component(d, j);
@@ -73,19 +72,16 @@ void PrincipalAxes(const T (&variance)[3], const ZmVector3T<T> (&direction)[3], 
 template <class T>
 unsigned char ZmPoint3T<T>::ComputePointsCloudLocalFrame(const WbArrayTempl<ZmPoint3T>& points, ZmFrameT<T>& frame,
                                                          ZmExtents3T<T>* extents) {
-  ZmVector3T<T> sum(0, 0, 0);
-  std::uint64_t n = 0;
-  for (const ZmPoint3T& p : points) {
-    if (!IsFitPoint(p)) continue;
-    sum += p;
-    ++n;
-  }
-  if (n == 0) return 0;
-  const ZmPoint3T mean(sum * (T(1) / T(n)));
+  // The mean leaves out the points holding the marker or a NaN; an infinite coordinate, or a
+  // sum that overflows, leaves no finite mean.
+  const ZmPoint3T mean = ZmMathT<T>::ComputeCenter(points);
+  if (!IsFinite(mean) || !mean.IsValid()) return 0;
   T scatter[3][3] = {};
   ScatterMatrix(points, mean, scatter);
   T values[3], vectors[3][3];
   zm::eigen::SymmetricEigen3(scatter, values, vectors);
+  // Scatter sums that overflowed leave a variance that is not finite.
+  if (!IsFinite(WbCoord3DT<T>(values[0], values[1], values[2]))) return 0;
   // Decreasing variance; equal ones keep their order.
   int order[3] = {0, 1, 2};
   for (int i = 1; i < 3; ++i) {
@@ -99,16 +95,12 @@ unsigned char ZmPoint3T<T>::ComputePointsCloudLocalFrame(const WbArrayTempl<ZmPo
   }
   ZmVector3T<T> x, y, z;
   PrincipalAxes(variance, direction, x, y, z);
-  // A sum that overflowed shows here as a non-finite mean or axis.
-  if (!IsFitPoint(mean) || !IsFitPoint(ZmPoint3T(x)) || !IsFitPoint(ZmPoint3T(y)) || !IsFitPoint(ZmPoint3T(z))) {
-    return 0;
-  }
   frame = ZmFrameT<T>(x, y, z, mean, ZmFrameCartesian);
   if (extents) {
     const zm::frames::Placement<T> placement(frame.GetOrigin(), frame.GetMatrix());
     ZmExtents3T<T> box;
     for (const ZmPoint3T& p : points) {
-      if (!IsFitPoint(p)) continue;
+      if (!zm::metric::IsUsable(p)) continue;
       WbCoord3DT<T> local;
       zm::frames::GlobalToLocal(placement, ZmFrameCartesian, true, p, local);
       box.Add(ZmPoint3T(local));

@@ -82,7 +82,6 @@ TYPED_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
   // Unusable points take no part.
   cloud.Add(P(WbCoord3DT<T>::INVALID));
   cloud.Add(P(std::numeric_limits<T>::quiet_NaN(), 0, 0));
-  cloud.Add(P(0, std::numeric_limits<T>::infinity(), 0));
   ZmFrameT<T> frame;
   ZmExtents3T<T> box;
   ASSERT_EQ(P::ComputePointsCloudLocalFrame(cloud, frame, &box), 1);
@@ -179,10 +178,14 @@ TYPED_TEST(PointFrameTwins, CloudWithoutUsablePointsFitsNothing) {
   EXPECT_EQ(P::ComputePointsCloudLocalFrame(WbArrayTempl<P>(), frame, &box), 0);
   const WbArrayTempl<P> unusable = {P(WbCoord3DT<T>::INVALID), P(std::numeric_limits<T>::quiet_NaN(), 1, 1)};
   EXPECT_EQ(P::ComputePointsCloudLocalFrame(unusable, frame, &box), 0);
-  // Finite points whose sum overflows leave no finite mean.
+  // An infinite coordinate, or finite ones whose sums overflow, leave no finite frame.
   const T huge = std::numeric_limits<T>::max();
+  const WbArrayTempl<P> infinite = {P(1, 1, 1), P(2, 2, 2), P(0, std::numeric_limits<T>::infinity(), 0)};
+  EXPECT_EQ(P::ComputePointsCloudLocalFrame(infinite, frame, &box), 0);
   const WbArrayTempl<P> overflowing = {P(huge, 0, 0), P(huge, 0, 0)};
   EXPECT_EQ(P::ComputePointsCloudLocalFrame(overflowing, frame, &box), 0);
+  const WbArrayTempl<P> spread = {P(huge / 2, 0, 0), P(-huge / 2, 0, 0), P(0, 1, 0)};
+  EXPECT_EQ(P::ComputePointsCloudLocalFrame(spread, frame, &box), 0);
   EXPECT_EQ(frame, before);
   EXPECT_EQ(box, boxBefore);
 }
