@@ -27,19 +27,19 @@ public:
 
   constexpr ZmAngleT() = default;
   template <class S, zm::EnableIfScalar<S> = 0>
-  constexpr explicit ZmAngleT(S value) : m_value(T(value)) {}
+  constexpr explicit ZmAngleT(S value) : m_value(zm::ConvertScalar<T>(value)) {}
   // The other precision of the same unit: the value as it is (rounded to nearest for float).
   template <class U>
-  constexpr ZmAngleT(const ZmAngleT<U, Unit>& other) : m_value(T(double(other))) {}
+  constexpr ZmAngleT(const ZmAngleT<U, Unit>& other) : m_value(zm::ConvertScalar<T>(U(other))) {}
   // The other unit: converted.
   template <class U>
   constexpr explicit ZmAngleT(
       const ZmAngleT<U, Unit == zm::AngleUnit::Degree ? zm::AngleUnit::Radian : zm::AngleUnit::Degree>& other)
-      : m_value(FromOther(T(double(other)))) {}
+      : m_value(FromOther(zm::ConvertScalar<T>(U(other)))) {}
 
   template <class S, zm::EnableIfScalar<S> = 0>
   ZmAngleT& operator=(S value) {
-    m_value = T(value);
+    m_value = zm::ConvertScalar<T>(value);
     return *this;
   }
   ZmAngleT& operator=(const Other& other) {

@@ -15,15 +15,16 @@ public:
 
   constexpr ZmComplexNumberT() = default;
   template <class A, class B, std::enable_if_t<std::is_arithmetic<A>::value && std::is_arithmetic<B>::value, int> = 0>
-  constexpr ZmComplexNumberT(A real, B imag) : m_real(T(real)), m_imag(T(imag)) {}
+  constexpr ZmComplexNumberT(A real, B imag) : m_real(zm::ConvertScalar<T>(real)), m_imag(zm::ConvertScalar<T>(imag)) {}
   template <class U>
-  constexpr ZmComplexNumberT(const ZmComplexNumberT<U>& other) : m_real(T(other.Real())), m_imag(T(other.Imag())) {}
+  constexpr ZmComplexNumberT(const ZmComplexNumberT<U>& other)
+      : m_real(zm::ConvertScalar<T>(other.Real())), m_imag(zm::ConvertScalar<T>(other.Imag())) {}
 
   constexpr T Real() const { return m_real; }
   constexpr T Imag() const { return m_imag; }
   // sqrt(imag^2 + real^2), the squares formed with pow(x, 2.0).
   T Module() const {
-    return zm::Sqrt(T(T(std::pow(m_imag, 2.0)) + T(std::pow(m_real, 2.0))));
+    return zm::Sqrt(T(zm::ConvertScalar<T>(std::pow(m_imag, 2.0)) + zm::ConvertScalar<T>(std::pow(m_real, 2.0))));
   }
   // atan2(imag, real) in radians, in (-pi, pi]. Adding +0 turns a negative-zero imaginary
   // part (a negated real number) into +0, so that the negative real axis gives +pi, never -pi.
@@ -31,7 +32,9 @@ public:
   // (r cos theta, r sin theta), theta in radians.
   template <class S, class A, std::enable_if_t<std::is_arithmetic<S>::value && std::is_arithmetic<A>::value, int> = 0>
   static ZmComplexNumberT Polar(S r, A theta) {
-    return ZmComplexNumberT(T(r) * std::cos(T(theta)), T(r) * std::sin(T(theta)));
+    const T radius = zm::ConvertScalar<T>(r);
+    const T angle = zm::ConvertScalar<T>(theta);
+    return ZmComplexNumberT(radius * std::cos(angle), radius * std::sin(angle));
   }
 
   constexpr ZmComplexNumberT operator+(const ZmComplexNumberT& o) const {

@@ -5,7 +5,9 @@
 // ZmCoordOps<Derived, Base> sits between a base coordinate (WbCoord2DT / WbCoord3DT) and
 // the point or vector class, adds no field and no virtual function, and implements every
 // operator once for all eight classes. Operands may be of either precision; a 3D class also
-// accepts 2D operands, whose missing z counts as 0.
+// accepts 2D operands, whose missing z counts as 0. A mixed operation is computed as the
+// language computes `c op= s` (in the wider type) and rounded back to the class's scalar
+// through zm::ConvertScalar, so the float classes round alike in every caller's build.
 #include <type_traits>
 
 #include <wbcore/WbCoord.h>
@@ -96,31 +98,31 @@ public:
   // --- compound assignment
   template <class S, zm::EnableIfScalar<S> = 0>
   Derived& operator+=(S s) {
-    return Apply([s](T& c, int) { c += s; });
+    return Apply([s](T& c, int) { c = zm::ConvertScalar<T>(c + s); });
   }
   template <class S, zm::EnableIfScalar<S> = 0>
   Derived& operator-=(S s) {
-    return Apply([s](T& c, int) { c -= s; });
+    return Apply([s](T& c, int) { c = zm::ConvertScalar<T>(c - s); });
   }
   template <class S, zm::EnableIfScalar<S> = 0>
   Derived& operator*=(S s) {
-    return Apply([s](T& c, int) { c *= s; });
+    return Apply([s](T& c, int) { c = zm::ConvertScalar<T>(c * s); });
   }
   template <class S, zm::EnableIfScalar<S> = 0>
   Derived& operator/=(S s) {
-    return Apply([s](T& c, int) { c /= s; });
+    return Apply([s](T& c, int) { c = zm::ConvertScalar<T>(c / s); });
   }
   template <class C, EnableIfOperand<C> = 0>
   Derived& operator+=(const C& o) {
-    return Apply([&o](T& c, int i) { c += zm::Component(o, i); });
+    return Apply([&o](T& c, int i) { c = zm::ConvertScalar<T>(c + zm::Component(o, i)); });
   }
   template <class C, EnableIfOperand<C> = 0>
   Derived& operator-=(const C& o) {
-    return Apply([&o](T& c, int i) { c -= zm::Component(o, i); });
+    return Apply([&o](T& c, int i) { c = zm::ConvertScalar<T>(c - zm::Component(o, i)); });
   }
   template <class C, EnableIfOperand<C> = 0>
   Derived& operator*=(const C& o) {
-    return Apply([&o](T& c, int i) { c *= zm::Component(o, i); });
+    return Apply([&o](T& c, int i) { c = zm::ConvertScalar<T>(c * zm::Component(o, i)); });
   }
 
   // --- two operands; the result has the left operand's class (see zm::SumResult for + and -)
@@ -183,17 +185,17 @@ public:
   template <class S, zm::EnableIfScalar<S> = 0>
   friend Derived operator-(S s, const Derived& p) {
     Derived r(p);
-    return r.Apply([s](T& c, int) { c = s - c; });
+    return r.Apply([s](T& c, int) { c = zm::ConvertScalar<T>(s - c); });
   }
   template <class S, zm::EnableIfScalar<S> = 0>
   friend Derived operator*(S s, const Derived& p) {
     Derived r(p);
-    return r.Apply([s](T& c, int) { c = s * c; });
+    return r.Apply([s](T& c, int) { c = zm::ConvertScalar<T>(s * c); });
   }
   template <class S, zm::EnableIfScalar<S> = 0>
   friend Derived operator/(S s, const Derived& p) {
     Derived r(p);
-    return r.Apply([s](T& c, int) { c = s / c; });
+    return r.Apply([s](T& c, int) { c = zm::ConvertScalar<T>(s / c); });
   }
 
   // x*x + y*y (+ z*z) in the class's precision.

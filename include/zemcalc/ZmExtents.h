@@ -34,6 +34,10 @@ public:
   }
   // The smallest box holding the points.
   explicit ZmExtentsOps(const WbArrayTempl<Point>& points) { Add(points); }
+  // The other precision: the corners converted component by component (double to float rounds
+  // to nearest; an empty box stays empty, the marker being a float value).
+  template <class OtherPoint, std::enable_if_t<!std::is_same<OtherPoint, Point>::value, int> = 0>
+  ZmExtentsOps(const ZmExtentsOps<OtherPoint>& o) : m_min(o.GetMinimum()), m_max(o.GetMaximum()) {}
 
   unsigned char IsEmpty() const { return m_min.IsValid() ? 0 : 1; }
   void SetEmpty() { *this = ZmExtentsOps(); }
@@ -70,12 +74,20 @@ template <class T>
 class ZMCALC_API ZmExtents2T : public ZmExtentsOps<ZmPoint2T<T>> {
 public:
   using ZmExtentsOps<ZmPoint2T<T>>::ZmExtentsOps;
+  ZmExtents2T() = default;
+  // The other precision (implicit, like every twin conversion).
+  template <class U>
+  ZmExtents2T(const ZmExtents2T<U>& o) : ZmExtentsOps<ZmPoint2T<T>>(o) {}
 };
 
 template <class T>
 class ZMCALC_API ZmExtents3T : public ZmExtentsOps<ZmPoint3T<T>> {
 public:
   using ZmExtentsOps<ZmPoint3T<T>>::ZmExtentsOps;
+  ZmExtents3T() = default;
+  // The other precision (implicit, like every twin conversion).
+  template <class U>
+  ZmExtents3T(const ZmExtents3T<U>& o) : ZmExtentsOps<ZmPoint3T<T>>(o) {}
 };
 
 extern template class ZmExtentsOps<ZmPoint2T<double>>;

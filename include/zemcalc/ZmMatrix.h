@@ -79,14 +79,14 @@ protected:
   template <class U>
   constexpr explicit ZmMatrixOps(const U (&coefs)[N][N]) : m_coefs{} {
     for (int i = 0; i < N; ++i) {
-      for (int j = 0; j < N; ++j) m_coefs[i][j] = T(coefs[i][j]);
+      for (int j = 0; j < N; ++j) m_coefs[i][j] = zm::ConvertScalar<T>(coefs[i][j]);
     }
   }
   // The other precision, coefficient by coefficient (double to float rounds to nearest).
   template <class D, class U>
   explicit ZmMatrixOps(const ZmMatrixOps<D, U, N>& o) : m_coefs{} {
     for (int i = 0; i < N; ++i) {
-      for (int j = 0; j < N; ++j) m_coefs[i][j] = T(o[i][j]);
+      for (int j = 0; j < N; ++j) m_coefs[i][j] = zm::ConvertScalar<T>(o[i][j]);
     }
   }
 

@@ -14,6 +14,7 @@ class ZmFrameT;
 template <class T>
 class ZMCALC_API ZmPlaneT {
 public:
+  using Scalar = T;
   using Point3 = ZmPoint3T<T>;
   using Vector3 = ZmVector3T<T>;
 
@@ -26,10 +27,14 @@ public:
   // Through a, b and c, with the normal (b - a) x (c - a) and a as its point; the same rule and
   // flag as above (collinear or coincident points give 0).
   ZmPlaneT(const Point3& a, const Point3& b, const Point3& c, unsigned char& ok);
-  template <class U>
-  explicit ZmPlaneT(const ZmPlaneT<U>& other)
+  // The other precision, field by field (implicit, like every twin conversion).
+  template <class U, std::enable_if_t<!std::is_same<U, T>::value, int> = 0>
+  ZmPlaneT(const ZmPlaneT<U>& other)
       : m_point(other.GetPointOnPlane()), m_normal(other.GetNormal()), m_xAxisPoint(other.GetXAxisPoint()) {
-    other.GetLimitBand(m_bandLow, m_bandHigh);
+    U low = zm::Invalid<U>(), high = zm::Invalid<U>();
+    other.GetLimitBand(low, high);
+    m_bandLow = zm::ConvertScalar<T>(low);
+    m_bandHigh = zm::ConvertScalar<T>(high);
   }
   virtual ~ZmPlaneT() = default;
   ZmPlaneT(const ZmPlaneT&) = default;

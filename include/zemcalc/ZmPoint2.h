@@ -16,24 +16,40 @@
 #include "zemcalc/ZmCoordOps.h"
 #include "zemcalc/ZmExport.h"
 
+namespace zm {
+template <class T, class A, class B>
+constexpr WbCoord2DT<T> Coord2(A xv, B yv) {
+  return WbCoord2DT<T>(ConvertScalar<T>(xv), ConvertScalar<T>(yv));
+}
+}  // namespace zm
+
 // Construction shared by the 2D point and vector: from nothing (origin), one scalar copied to
 // both components, two scalars of any arithmetic types, any 2D coordinate of either precision,
-// and any 3D coordinate (z dropped).
+// and any 3D coordinate (z dropped). Assignment accepts the same sources. Every component goes
+// through zm::ConvertScalar (a double rounds to the nearest float in the float classes,
+// whatever the caller's optimiser does).
 #define ZM_COORD2_CONSTRUCTORS(Class)                                                              \
   constexpr Class() = default;                                                                     \
   template <class S, zm::EnableIfScalar<S> = 0>                                                   \
-  constexpr explicit Class(S s) : Ops(WbCoord2DT<T>(T(s), T(s))) {}                                \
+  constexpr explicit Class(S s) : Ops(zm::Coord2<T>(s, s)) {}                                      \
   template <class A, class B,                                                                      \
             std::enable_if_t<std::is_arithmetic<A>::value && std::is_arithmetic<B>::value, int> = 0> \
-  constexpr Class(A xv, B yv) : Ops(WbCoord2DT<T>(T(xv), T(yv))) {}                                \
+  constexpr Class(A xv, B yv) : Ops(zm::Coord2<T>(xv, yv)) {}                                      \
   template <class U>                                                                               \
-  constexpr Class(const WbCoord2DT<U>& c) : Ops(WbCoord2DT<T>(T(c.x), T(c.y))) {}                 \
+  constexpr Class(const WbCoord2DT<U>& c) : Ops(zm::Coord2<T>(c.x, c.y)) {}                        \
   template <class U>                                                                               \
-  constexpr Class(const WbCoord3DT<U>& c) : Ops(WbCoord2DT<T>(T(c.x), T(c.y))) {}                 \
+  constexpr Class(const WbCoord3DT<U>& c) : Ops(zm::Coord2<T>(c.x, c.y)) {}                        \
   template <class S, zm::EnableIfScalar<S> = 0>                                                   \
   Class& operator=(S s) {                                                                          \
-    this->x = this->y = T(s);                                                                      \
-    return *this;                                                                                  \
+    return *this = Class(s);                                                                       \
+  }                                                                                                \
+  template <class U>                                                                               \
+  Class& operator=(const WbCoord2DT<U>& c) {                                                       \
+    return *this = Class(c);                                                                       \
+  }                                                                                                \
+  template <class U>                                                                               \
+  Class& operator=(const WbCoord3DT<U>& c) {                                                       \
+    return *this = Class(c);                                                                       \
   }
 
 template <class T>

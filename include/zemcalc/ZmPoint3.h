@@ -27,9 +27,13 @@ template <class T>
 class ZmFrameT;
 
 namespace zm {
+template <class T, class A, class B, class C>
+constexpr WbCoord3DT<T> Coord3(A xv, B yv, C zv) {
+  return WbCoord3DT<T>(ConvertScalar<T>(xv), ConvertScalar<T>(yv), ConvertScalar<T>(zv));
+}
 template <class T, class U>
 constexpr WbCoord3DT<T> Coord3FromArray(const U* v) {
-  return v ? WbCoord3DT<T>(T(v[0]), T(v[1]), T(v[2])) : WbCoord3DT<T>::INVALID;
+  return v ? Coord3<T>(v[0], v[1], v[2]) : WbCoord3DT<T>::INVALID;
 }
 }  // namespace zm
 
@@ -37,25 +41,37 @@ constexpr WbCoord3DT<T> Coord3FromArray(const U* v) {
 // the three components, three scalars of any arithmetic types (so (int, int, double) and
 // (long, long, double) too), a pointer to three doubles or floats (a null pointer gives the
 // invalid coordinate), any 3D coordinate of either precision, and any 2D coordinate (z = 0).
+// Assignment accepts the same sources. Every component goes through zm::ConvertScalar, so a
+// double rounds to the nearest float in the float classes whatever the caller's optimiser does.
+// The coordinate assignments are templates taking the base class, an exact match for every
+// point and vector, so that `pf = ZmPoint3d(...)` does not compete with the pointer assignment
+// reached through ZmPoint3d's conversion to a pointer.
 #define ZM_COORD3_CONSTRUCTORS(Class)                                                                                \
   constexpr Class() = default;                                                                                       \
   template <class S, zm::EnableIfScalar<S> = 0>                                                                      \
-  constexpr explicit Class(S s) : Ops(WbCoord3DT<T>(T(s), T(s), T(s))) {}                                            \
+  constexpr explicit Class(S s) : Ops(zm::Coord3<T>(s, s, s)) {}                                                     \
   template <                                                                                                         \
       class A, class B, class C,                                                                                     \
       std::enable_if_t<std::is_arithmetic<A>::value && std::is_arithmetic<B>::value && std::is_arithmetic<C>::value, \
                        int> = 0>                                                                                     \
-  constexpr Class(A xv, B yv, C zv) : Ops(WbCoord3DT<T>(T(xv), T(yv), T(zv))) {}                                     \
+  constexpr Class(A xv, B yv, C zv) : Ops(zm::Coord3<T>(xv, yv, zv)) {}                                              \
   explicit Class(const double* v) : Ops(zm::Coord3FromArray<T>(v)) {}                                                \
   explicit Class(const float* v) : Ops(zm::Coord3FromArray<T>(v)) {}                                                 \
   template <class U>                                                                                                 \
-  constexpr Class(const WbCoord3DT<U>& c) : Ops(WbCoord3DT<T>(T(c.x), T(c.y), T(c.z))) {}                            \
+  constexpr Class(const WbCoord3DT<U>& c) : Ops(zm::Coord3<T>(c.x, c.y, c.z)) {}                                     \
   template <class U>                                                                                                 \
-  constexpr Class(const WbCoord2DT<U>& c) : Ops(WbCoord3DT<T>(T(c.x), T(c.y), T(0))) {}                              \
+  constexpr Class(const WbCoord2DT<U>& c) : Ops(zm::Coord3<T>(c.x, c.y, U(0))) {}                                    \
   template <class S, zm::EnableIfScalar<S> = 0>                                                                      \
   Class& operator=(S s) {                                                                                            \
-    this->x = this->y = this->z = T(s);                                                                              \
-    return *this;                                                                                                    \
+    return *this = Class(s);                                                                                         \
+  }                                                                                                                  \
+  template <class U>                                                                                                 \
+  Class& operator=(const WbCoord3DT<U>& c) {                                                                         \
+    return *this = Class(c);                                                                                         \
+  }                                                                                                                  \
+  template <class U>                                                                                                 \
+  Class& operator=(const WbCoord2DT<U>& c) {                                                                         \
+    return *this = Class(c);                                                                                         \
   }                                                                                                                  \
   Class& operator=(const double* v) { return *this = Class(v); }                                                     \
   Class& operator=(const float* v) { return *this = Class(v); }

@@ -37,7 +37,11 @@ public:
   constexpr ZmQuaternionT(T wValue, T xValue, T yValue, T zValue) : w(wValue), x(xValue), y(yValue), z(zValue) {}
   // The other precision, component by component (implicit, like every twin conversion).
   template <class U>
-  constexpr ZmQuaternionT(const ZmQuaternionT<U>& o) : w(T(o.w)), x(T(o.x)), y(T(o.y)), z(T(o.z)) {}
+  constexpr ZmQuaternionT(const ZmQuaternionT<U>& o)
+      : w(zm::ConvertScalar<T>(o.w)),
+        x(zm::ConvertScalar<T>(o.x)),
+        y(zm::ConvertScalar<T>(o.y)),
+        z(zm::ConvertScalar<T>(o.z)) {}
   // The rotation of a rotation matrix (see FromRotationMatrix).
   explicit ZmQuaternionT(const ZmMatrix3T<T>& rotation) { FromRotationMatrix(rotation); }
 
