@@ -45,8 +45,9 @@
 //   3. When a time-step limit is set (not the invalid marker -1e32) and in has more than one
 //      point, each interval i = 1 .. N-1 (numbered from 1: interval 8 joins points 7 and 8) has
 //      dt = x[i] - x[i-1]; the first one below the minimum fails with "Can't process filtering.
-//      The time step of interval %d is lower than %g", above the maximum with "Can't process
-//      filtering. The time step of interval %d is higher than %g". A decreasing abscissa gives
+//      The time step of interval %llu is lower than %g", above the maximum with "Can't process
+//      filtering. The time step of interval %llu is higher than %g" (the interval number printed
+//      as an unsigned 64-bit count, right beyond 2^31 points). A decreasing abscissa gives
 //      a negative step and so the lower-than message. A NaN step compares neither lower nor
 //      higher and passes: the kernel works on sample indices and never reads the abscissae.
 //      Without limits any abscissae are accepted and copied unchanged.
@@ -272,9 +273,9 @@ ZM_FILTER_CLASS(ZmFilterCosf, ZmFilterCosT<ZmFilterMAf>)
 // Compute(in, out): out becomes a copy of in, then on failure keeps it:
 //   "Can't process filtering. The window width %g is not a positive number" (width <= 0, NaN
 //   or infinite), "Can't process filtering. The window position %g is not between 0 and 1",
-//   "Unknown extrapolation type %d", "Can't process filtering. The abscissa of point %d is not
+//   "Unknown extrapolation type %d", "Can't process filtering. The abscissa of point %llu is not
 //   a finite number" (index from 0), "Can't process filtering. The abscissa decreases at
-//   interval %d" (numbered from 1 as for the time steps; equal abscissae are accepted, the
+//   interval %llu" (numbered from 1 as for the time steps; equal abscissae are accepted, the
 //   jump between them having no width). An empty curve gives an empty output.
 // NaN or infinite values make NaN or infinite the outputs whose window (or reflected window)
 // reaches a segment holding them; other outputs are unaffected.

@@ -57,9 +57,10 @@ class ZMCALC_API ZmMathSpectrumT {
   //   (window[1] < window[0]) included;
   // - "Window [%d, %d] is outside the signal of %llu points. Can't compute FFT" when
   //   window[0] < 0 or window[1] >= the point count;
-  // - "FFT length %llu is not a power of two between 2 and 4294967296. Can't compute FFT"
-  //   (0 and 1 included: a one-point transform has no frequency step);
-  // - "Non increasing abscissa values" unless Tn > 0 and Tx > 0 (NaN abscissas included);
+  // - "FFT length %llu is not a power of two between 1 and 4294967296. Can't compute FFT"
+  //   (0 included);
+  // - "Non increasing abscissa values" unless Tn > 0 and Tx > 0 (NaN abscissas included, and
+  //   nfft = 1: 1 is the power of two 2^0, but a one-point transform spans Tn = 0);
   // - "Not enough memory to compute an FFT of %llu points" when the work arrays or the results
   //   cannot be allocated.
   // signal may be the spectrum or phase array itself (it is read in full first); spectrum and

@@ -113,7 +113,9 @@ class ZMCALC_API ZmVector3T : public ZmVectorOps<ZmVector3T<T>, WbCoord3DT<T>> {
   // normal and an index of -1 instead of dividing by zero.
   static int GetIndexedNormalsCount(T step);
   static ZmVector3T GetIndexedNormal(T step, int index);
-  // The cell that holds this direction; -1 for an invalid or zero vector or an unusable step.
+  // The cell that holds this direction; -1 for an invalid or zero vector, a vector with an
+  // infinite or NaN component, one whose length overflows the class's precision (beyond about
+  // 1e154 in double, 1.8e19 in float), or an unusable step.
   int GetNormalIndex(T step) const;
   // The eight neighbours of a cell, wrapping in both directions; returns 0 (out untouched)
   // when the step is unusable or the index is outside the grid, else 1.

@@ -68,6 +68,8 @@ class ZmUnitSystem;
 // released once. Components are always plain dimensions.
 //
 // Denominators are positive; the sign of an exponent is the sign of its numerator.
+// Exponent arithmetic (the quotient constructor, + and -) saturates: a numerator or denominator
+// that would leave the int range is stored as INT_MAX or INT_MIN instead of wrapping around.
 class ZMCALC_API ZmUnitDim {
  public:
   ZmUnitDim();
@@ -133,7 +135,8 @@ class ZMCALC_API ZmUnitDim {
   const WbErrObj* GetSystemFromShortName(const WbString& name, ZmUnitSystem& system) const;
 
   // value scaled by factor raised to this dimension's exponent for type: repeated
-  // multiplications or divisions for an integer exponent, pow for a fractional one. A value
+  // multiplications or divisions for an integer exponent (up to 64 in magnitude; pow beyond,
+  // for a saturated exponent say), pow for a fractional one. A value
   // is returned unchanged when the exponent is not 0 and factor is the invalid factor -1e32
   // (a unit that cannot be converted), and for a type outside 0..4.
   float ScaleValue(float value, float factor, _ZmUnitType type) const;

@@ -165,8 +165,8 @@ const WbErrObj* ZmFilterMAT<Base>::CheckTimeSteps(const Curve& in, std::uint64_t
   const auto* p = in.GetData();
   for (std::uint64_t i = from > 0 ? from : 1; i < to; ++i) {
     const T dt = p[i].x - p[i - 1].x;
-    if (hasMin && dt < m_minStep) return Fail(zm::filter::kLowerStep, static_cast<int>(i), m_minStep);
-    if (hasMax && dt > m_maxStep) return Fail(zm::filter::kHigherStep, static_cast<int>(i), m_maxStep);
+    if (hasMin && dt < m_minStep) return Fail(zm::filter::kLowerStep, static_cast<unsigned long long>(i), m_minStep);
+    if (hasMax && dt > m_maxStep) return Fail(zm::filter::kHigherStep, static_cast<unsigned long long>(i), m_maxStep);
   }
   return nullptr;
 }

@@ -122,8 +122,8 @@ const WbErrObj* ZmFilterSWAT<Base>::CheckCurve(const Curve& in) const {
     return Fail(zm::filter::kUnknownExtrapolation, static_cast<int>(m_extrapolation));
   }
   for (std::uint64_t i = 0; i < in.GetSize(); ++i) {
-    if (!std::isfinite(in[i].x)) return Fail(zm::filter::kAbscissaNotFinite, static_cast<int>(i));
-    if (i > 0 && in[i].x < in[i - 1].x) return Fail(zm::filter::kAbscissaDecreases, static_cast<int>(i));
+    if (!std::isfinite(in[i].x)) return Fail(zm::filter::kAbscissaNotFinite, static_cast<unsigned long long>(i));
+    if (i > 0 && in[i].x < in[i - 1].x) return Fail(zm::filter::kAbscissaDecreases, static_cast<unsigned long long>(i));
   }
   return nullptr;
 }

@@ -105,8 +105,16 @@ ZmVector3T<T> ZmVector3T<T>::GetIndexedNormal(T step, int index) {
 template <class T>
 int ZmVector3T<T>::GetNormalIndex(T step) const {
   int rows = 0, columns = 0;
+  // An infinite or NaN component has no direction, and a finite vector whose length overflows
+  // normalises to zero: both get no cell rather than a made-up one.
+  const auto finite = [](const ZmVector3T& v) {
+    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+  };
   const ZmVector3T direction = this->GetDirection();
-  if (!GridShape(step, rows, columns) || !direction.IsValid()) return -1;
+  if (!GridShape(step, rows, columns) || !finite(*this) || !direction.IsValid() || !finite(direction) ||
+      direction.lengthSquared() == T(0)) {
+    return -1;
+  }
   T sine = direction.z;
   if (sine > T(1)) sine = T(1);
   if (sine < T(-1)) sine = T(-1);

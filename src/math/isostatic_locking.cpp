@@ -13,9 +13,9 @@ namespace {
 
 const wchar_t* const kCoincidentMessage =
     L"Two reference points are too close from each other to compute the isostatic locking";
-const wchar_t* const kIndexMessage = L"Reference point %d is not a point of the isostatic locking (%d points)";
+const wchar_t* const kIndexMessage = L"Reference point %d is not a point of the isostatic locking (%llu points)";
 const wchar_t* const kSizeMessage =
-    L"The isostatic locking needs one nominal point per current point (%d nominal, %d current)";
+    L"The isostatic locking needs one nominal point per current point (%llu nominal, %llu current)";
 
 template <class T>
 struct ReferenceTriple {
@@ -80,13 +80,13 @@ const WbErrObj* ZmPoint3T<T>::ComputeIsoStaticLocking(const WbArrayTempl<ZmPoint
                                                       WbArrayTempl<ZmPoint3T>& positions) {
   const std::uint64_t count = positions.GetSize();
   if (nominal.GetSize() != count) {
-    return WbSetError(WbLocalizeStringExW(kSizeMessage, 0), static_cast<int>(nominal.GetSize()),
-                      static_cast<int>(count));
+    return WbSetError(WbLocalizeStringExW(kSizeMessage, 0), static_cast<unsigned long long>(nominal.GetSize()),
+                      static_cast<unsigned long long>(count));
   }
   const int indices[3] = {i1, i2, i3};
   for (int k = 0; k < 3; ++k) {
     if (!IsIndexIn(indices[k], count, k > 0)) {
-      return WbSetError(WbLocalizeStringExW(kIndexMessage, 0), indices[k], static_cast<int>(count));
+      return WbSetError(WbLocalizeStringExW(kIndexMessage, 0), indices[k], static_cast<unsigned long long>(count));
     }
   }
 

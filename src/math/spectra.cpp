@@ -37,7 +37,7 @@ const WbErrObj* OutOfMemory(std::uint64_t nfft) {
 }
 
 bool IsTransformLength(std::uint64_t nfft) {
-  return nfft >= 2 && nfft <= ZmMathSpectrumT<double>::MAX_FFT_LENGTH && (nfft & (nfft - 1)) == 0;
+  return nfft >= 1 && nfft <= ZmMathSpectrumT<double>::MAX_FFT_LENGTH && (nfft & (nfft - 1)) == 0;
 }
 
 // The analysed window of a signal: its samples with the abscissa shifted to start at 0.
@@ -237,7 +237,7 @@ const WbErrObj* ZmMathSpectrumT<T>::ComputeFFT(const Curve& signal, const int* w
     return Fail(L"Window [%d, %d] is outside the signal of %llu points. Can't compute FFT", window[0], window[1],
                 static_cast<unsigned long long>(size));
   if (!IsTransformLength(nfft))
-    return Fail(L"FFT length %llu is not a power of two between 2 and 4294967296. Can't compute FFT",
+    return Fail(L"FFT length %llu is not a power of two between 1 and 4294967296. Can't compute FFT",
                 static_cast<unsigned long long>(nfft));
 
   const Window<T> samples{signal.GetData() + first, static_cast<std::uint64_t>(m)};

@@ -1,5 +1,9 @@
 // ZmUnitDim: construction, ownership of the quotient components, exponent arithmetic and
 // value scaling.
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+
 #include "foundation/build_info.h"
 #include "units/units_internal.h"
 #include "zemcalc/ZmUnitDim.h"
@@ -7,6 +11,22 @@
 ZM_BUILD_INFO(unit_dim)
 
 using zm::units::kTypeCount;
+
+namespace {
+// Exponent arithmetic saturates: a part that would leave the int range becomes INT_MAX or
+// INT_MIN instead of wrapping (no real dimension comes near; a wrapped exponent would flip sign).
+int Saturated(std::int64_t value) {
+  return static_cast<int>(std::min<std::int64_t>(std::max<std::int64_t>(value, INT_MIN), INT_MAX));
+}
+// a * b + c * d with every part an int: the products fit in 64 bits; their sum is saturated
+// before it could overflow.
+int SaturatedSumOfProducts(int a, int b, int c, int d) {
+  const std::int64_t p = std::int64_t(a) * b, q = std::int64_t(c) * d;
+  if (p > 0 && q > INT64_MAX - p) return INT_MAX;
+  if (p < 0 && q < INT64_MIN - p) return INT_MIN;
+  return Saturated(p + q);
+}
+}  // namespace
 
 ZmUnitDim::ZmUnitDim()
     : numerators{0, 0, 0, 0, 0}, denominators{1, 1, 1, 1, 1}, perNumerator(nullptr), perDenominator(nullptr) {}
@@ -24,12 +44,12 @@ ZmUnitDim::ZmUnitDim(const ZmUnitDim& a, const ZmUnitDim& b)
       perDenominator(new ZmUnitDim(b)) {
   for (int t = 0; t < kTypeCount; ++t) {
     if (a.denominators[t] == 1 && b.denominators[t] == 1) {
-      numerators[t] = a.numerators[t] - b.numerators[t];
+      numerators[t] = Saturated(std::int64_t(a.numerators[t]) - b.numerators[t]);
       denominators[t] = 1;
     } else {
       // The fractional branch adds the second exponent: kept as established.
-      numerators[t] = a.numerators[t] * b.denominators[t] + a.denominators[t] * b.numerators[t];
-      denominators[t] = a.denominators[t] * b.denominators[t];
+      numerators[t] = SaturatedSumOfProducts(a.numerators[t], b.denominators[t], a.denominators[t], b.numerators[t]);
+      denominators[t] = SaturatedSumOfProducts(a.denominators[t], b.denominators[t], 0, 0);
     }
   }
 }
@@ -70,7 +90,9 @@ ZmUnitDim ZmUnitDim::operator+(const ZmUnitDim& other) const {
   result.templDimName.Empty();
   const ZmUnitDim& addend = other.perNumerator ? *other.perNumerator : other;
   ZmUnitDim& target = result.perNumerator ? *result.perNumerator : result;
-  for (int t = 0; t < kTypeCount; ++t) target.numerators[t] += addend.numerators[t];
+  for (int t = 0; t < kTypeCount; ++t) {
+    target.numerators[t] = Saturated(std::int64_t(target.numerators[t]) + addend.numerators[t]);
+  }
   return result;
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 #include <zemcalc/zemcalc.h>
 
@@ -173,6 +174,16 @@ TYPED_TEST(Vector3Twins, DirectionGridIndexInvertsTheNormal) {
   // row 1), longitude 0 into column 2: 1 * 4 + 2. Longitude 180 is clamped to the last column.
   EXPECT_EQ(V(0, 0, 1).GetNormalIndex(TypeParam(90)), 6);
   EXPECT_EQ(V(-1, 0, 0).GetNormalIndex(TypeParam(90)), 7);
+
+  // No direction, no cell: infinite or NaN components, and a length that overflows (1e30
+  // squared exceeds the float range; 1e200 squared the double range) would normalise to NaN or
+  // zero. A large length that does not overflow still finds its cell (x axis: latitude 0 is
+  // (0 + 90) / 90 = row 1, longitude 0 is (0 + 180) / 90 = column 2: 1 * 4 + 2).
+  const TypeParam inf = std::numeric_limits<TypeParam>::infinity(), nan = std::numeric_limits<TypeParam>::quiet_NaN();
+  const TypeParam overflowing = sizeof(TypeParam) == 4 ? TypeParam(1e30) : TypeParam(1e200);
+  const V noCell[] = {V(inf, 0, 0), V(0, 0, inf), V(-inf, inf, 1), V(nan, 0, 1), V(overflowing, 0, 0)};
+  for (const V& v : noCell) EXPECT_EQ(v.GetNormalIndex(TypeParam(10)), -1) << v.x << " " << v.z;
+  EXPECT_EQ(V(TypeParam(1e18), 0, 0).GetNormalIndex(TypeParam(90)), 6);
 }
 
 TEST(Vector3, DirectionGridNeighboursWrap) {

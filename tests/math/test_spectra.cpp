@@ -289,10 +289,10 @@ TYPED_TEST(SpectrumTwins, FftRefusesBadWindowsLengthsAndAbscissas) {
   expectRefused(negative, 64, L"Window [-1, 5] is outside the signal of 20 points. Can't compute FFT", signal);
   expectRefused(beyond, 64, L"Window [10, 20] is outside the signal of 20 points. Can't compute FFT", signal);
   expectRefused(valid, 64, L"Window [0, 19] is outside the signal of 0 points. Can't compute FFT", Curve<T>());
-  for (std::uint64_t nfft : {std::uint64_t(0), std::uint64_t(1), std::uint64_t(12), std::uint64_t(100),
+  for (std::uint64_t nfft : {std::uint64_t(0), std::uint64_t(12), std::uint64_t(100),
                              std::uint64_t(1) << 33, ~std::uint64_t(0)}) {
     wchar_t message[128];
-    std::swprintf(message, 128, L"FFT length %llu is not a power of two between 2 and 4294967296. Can't compute FFT",
+    std::swprintf(message, 128, L"FFT length %llu is not a power of two between 1 and 4294967296. Can't compute FFT",
                   static_cast<unsigned long long>(nfft));
     expectRefused(valid, nfft, message, signal);
   }
@@ -304,6 +304,8 @@ TYPED_TEST(SpectrumTwins, FftRefusesBadWindowsLengthsAndAbscissas) {
   expectRefused(three, 8, nonIncreasing, Sampled<T>({0, 1, 0}, {1, 2, 3}));
   expectRefused(three, 8, nonIncreasing, Sampled<T>({3, 2, 1}, {1, 2, 3}));
   expectRefused(three, 8, nonIncreasing, Sampled<T>({0, 1, std::nan("")}, {1, 2, 3}));
+  // nfft = 1 is a power of two (2^0), but its span Tn = (1 - 1) dt is 0.
+  expectRefused(valid, 1, nonIncreasing, signal);
 }
 
 TYPED_TEST(SpectrumTwins, FftMayWriteOverItsSignal) {

@@ -217,7 +217,7 @@ TYPED_TEST(TransmissibilityTwins, RefusesWhatItCannotCompute) {
   // ComputeFFT's errors pass through: a length that is not a power of two, and too few samples.
   refused(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), absent, 1, absent, absent, absent,
                                            100, result, nullptr, nullptr, nullptr),
-          L"FFT length 100 is not a power of two between 2 and 4294967296. Can't compute FFT", result);
+          L"FFT length 100 is not a power of two between 1 and 4294967296. Can't compute FFT", result);
   const Curve<T> twoPoints = {ZmPoint2T<T>(T(0), T(1)), ZmPoint2T<T>(T(kStep), T(2))};
   refused(Math<T>::ComputeTransmissibility(twoPoints, twoPoints, absent, absent, T(kStep), absent, 1, absent, absent,
                                            absent, 0, result, nullptr, nullptr, nullptr),

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <zemcalc/zemcalc.h>
 
+#include <climits>
+#include <limits>
 #include <string>
 
 namespace {
@@ -112,6 +114,46 @@ TEST(UnitDim, QuotientConstructorSubtractsIntegersAndAddsFractions) {
   EXPECT_EQ(q.GetDenominator(ZmUnitTypeTime), 1);
   ASSERT_EQ(q.IsQuotient(), 1);
   EXPECT_EQ(q.GetPerNumerator()->GetDenominator(ZmUnitTypeLength), 2);
+}
+
+// Exponents that would leave the int range saturate instead of wrapping (a wrapped INT_MAX + 1
+// would read as a huge negative exponent), and scaling by a saturated exponent stays cheap.
+TEST(UnitDim, ExponentArithmeticSaturates) {
+  struct Side {
+    int num, den;
+  };
+  struct Row {
+    Side a, b;
+    int quotientNum, quotientDen, sumNum;
+  } rows[] = {
+      {{INT_MAX, 1}, {-1, 1}, INT_MAX, 1, INT_MAX - 1},  // INT_MAX - (-1); the sum INT_MAX + (-1) fits
+      {{INT_MIN, 1}, {1, 1}, INT_MIN, 1, INT_MIN + 1},
+      {{INT_MAX, 1}, {INT_MAX, 1}, 0, 1, INT_MAX},
+      {{INT_MIN, 1}, {INT_MIN, 1}, 0, 1, INT_MIN},
+      // Fractions: numerator a.num * b.den + a.den * b.num, denominator a.den * b.den.
+      {{INT_MAX, 2}, {1, 2}, INT_MAX, 4, INT_MAX},         // 2^32 - 2 + 2
+      {{INT_MIN, 2}, {INT_MIN, 2}, INT_MIN, 4, INT_MIN},   // -2^32 - 2^32
+      {{INT_MIN, INT_MIN}, {INT_MIN, INT_MIN}, INT_MAX, INT_MAX, INT_MIN},  // 2^62 + 2^62 passes even 64 bits
+      {{1, INT_MAX}, {1, 3}, INT_MAX, INT_MAX, 2},         // 3 + INT_MAX; denominator 3 * INT_MAX
+      {{-3, 2}, {INT_MAX, 2}, INT_MAX, 4, INT_MAX - 3},    // -6 + 2 * INT_MAX saturates; -3 + INT_MAX fits
+  };
+  for (const Row& r : rows) {
+    ZmUnitDim a, b;
+    a.SetTypeDimension(ZmUnitTypeTime, r.a.num, r.a.den);
+    b.SetTypeDimension(ZmUnitTypeTime, r.b.num, r.b.den);
+    const ZmUnitDim q(a, b), sum = a + b;
+    SCOPED_TRACE(std::to_string(r.a.num) + "/" + std::to_string(r.a.den) + " with " + std::to_string(r.b.num));
+    EXPECT_EQ(q.GetNumerator(ZmUnitTypeTime), r.quotientNum);
+    EXPECT_EQ(q.GetDenominator(ZmUnitTypeTime), r.quotientDen);
+    EXPECT_EQ(sum.GetNumerator(ZmUnitTypeTime), r.sumNum);
+  }
+  ZmUnitDim huge;
+  huge.SetTypeDimension(ZmUnitTypeLength, INT_MAX, 1);
+  EXPECT_EQ(huge.ScaleValue(3.0, 1.0, ZmUnitTypeLength), 3.0);
+  EXPECT_EQ(huge.ScaleValue(3.0f, 2.0f, ZmUnitTypeLength), std::numeric_limits<float>::infinity());
+  huge.SetTypeDimension(ZmUnitTypeLength, INT_MIN, 1);
+  EXPECT_EQ(huge.ScaleValue(3.0, 2.0, ZmUnitTypeLength), 0.0);
+  EXPECT_EQ(huge.ScaleValue(3.0, -1.0, ZmUnitTypeLength), 3.0);  // (-1)^(-2^31) = 1
 }
 
 TEST(UnitDim, CopyDropsComponentsAssignmentDuplicatesThem) {
