@@ -23,6 +23,7 @@ template <class T, zm::AngleUnit Unit>
 class ZMCALC_API ZmAngleT {
 public:
   static_assert(std::is_floating_point<T>::value, "angles are float or double");
+  using Scalar = T;
   using Other = ZmAngleT<T, Unit == zm::AngleUnit::Degree ? zm::AngleUnit::Radian : zm::AngleUnit::Degree>;
 
   constexpr ZmAngleT() = default;

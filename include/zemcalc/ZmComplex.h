@@ -12,6 +12,7 @@ template <class T>
 class ZMCALC_API ZmComplexNumberT {
 public:
   static_assert(std::is_floating_point<T>::value, "complex numbers are float or double");
+  using Scalar = T;
 
   constexpr ZmComplexNumberT() = default;
   template <class A, class B, std::enable_if_t<std::is_arithmetic<A>::value && std::is_arithmetic<B>::value, int> = 0>

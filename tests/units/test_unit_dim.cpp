@@ -118,34 +118,24 @@ TEST(UnitDim, QuotientConstructorSubtractsIntegersAndAddsFractions) {
 
 // Exponents that would leave the int range saturate instead of wrapping (a wrapped INT_MAX + 1
 // would read as a huge negative exponent), and scaling by a saturated exponent stays cheap.
+// Columns: a (num, den), b (num, den), then the quotient's num and den and the sum's num.
+// Fractions: num a.num * b.den + a.den * b.num, den a.den * b.den.
 TEST(UnitDim, ExponentArithmeticSaturates) {
-  struct Side {
-    int num, den;
+  const int rows[][7] = {
+      {INT_MAX, 1, -1, 1, INT_MAX, 1, INT_MAX - 1},        {INT_MIN, 1, 1, 1, INT_MIN, 1, INT_MIN + 1},
+      {INT_MAX, 1, INT_MAX, 1, 0, 1, INT_MAX},             {INT_MIN, 1, INT_MIN, 1, 0, 1, INT_MIN},
+      {INT_MAX, 2, 1, 2, INT_MAX, 4, INT_MAX},             {1, INT_MAX, 1, 3, INT_MAX, INT_MAX, 2},
+      {-3, 2, INT_MAX, 2, INT_MAX, 4, INT_MAX - 3},        // -6 + 2 INT_MAX saturates, -3 + INT_MAX fits
+      {INT_MIN, INT_MIN, INT_MIN, INT_MIN, INT_MAX, INT_MAX, INT_MIN},  // 2^62 + 2^62 passes even 64 bits
   };
-  struct Row {
-    Side a, b;
-    int quotientNum, quotientDen, sumNum;
-  } rows[] = {
-      {{INT_MAX, 1}, {-1, 1}, INT_MAX, 1, INT_MAX - 1},  // INT_MAX - (-1); the sum INT_MAX + (-1) fits
-      {{INT_MIN, 1}, {1, 1}, INT_MIN, 1, INT_MIN + 1},
-      {{INT_MAX, 1}, {INT_MAX, 1}, 0, 1, INT_MAX},
-      {{INT_MIN, 1}, {INT_MIN, 1}, 0, 1, INT_MIN},
-      // Fractions: numerator a.num * b.den + a.den * b.num, denominator a.den * b.den.
-      {{INT_MAX, 2}, {1, 2}, INT_MAX, 4, INT_MAX},         // 2^32 - 2 + 2
-      {{INT_MIN, 2}, {INT_MIN, 2}, INT_MIN, 4, INT_MIN},   // -2^32 - 2^32
-      {{INT_MIN, INT_MIN}, {INT_MIN, INT_MIN}, INT_MAX, INT_MAX, INT_MIN},  // 2^62 + 2^62 passes even 64 bits
-      {{1, INT_MAX}, {1, 3}, INT_MAX, INT_MAX, 2},         // 3 + INT_MAX; denominator 3 * INT_MAX
-      {{-3, 2}, {INT_MAX, 2}, INT_MAX, 4, INT_MAX - 3},    // -6 + 2 * INT_MAX saturates; -3 + INT_MAX fits
-  };
-  for (const Row& r : rows) {
+  for (const auto& r : rows) {
     ZmUnitDim a, b;
-    a.SetTypeDimension(ZmUnitTypeTime, r.a.num, r.a.den);
-    b.SetTypeDimension(ZmUnitTypeTime, r.b.num, r.b.den);
+    a.SetTypeDimension(ZmUnitTypeTime, r[0], r[1]);
+    b.SetTypeDimension(ZmUnitTypeTime, r[2], r[3]);
     const ZmUnitDim q(a, b), sum = a + b;
-    SCOPED_TRACE(std::to_string(r.a.num) + "/" + std::to_string(r.a.den) + " with " + std::to_string(r.b.num));
-    EXPECT_EQ(q.GetNumerator(ZmUnitTypeTime), r.quotientNum);
-    EXPECT_EQ(q.GetDenominator(ZmUnitTypeTime), r.quotientDen);
-    EXPECT_EQ(sum.GetNumerator(ZmUnitTypeTime), r.sumNum);
+    EXPECT_EQ(q.GetNumerator(ZmUnitTypeTime), r[4]) << r[0] << "/" << r[1] << " with " << r[2] << "/" << r[3];
+    EXPECT_EQ(q.GetDenominator(ZmUnitTypeTime), r[5]) << r[0] << "/" << r[1] << " with " << r[2] << "/" << r[3];
+    EXPECT_EQ(sum.GetNumerator(ZmUnitTypeTime), r[6]) << r[0] << "/" << r[1] << " with " << r[2] << "/" << r[3];
   }
   ZmUnitDim huge;
   huge.SetTypeDimension(ZmUnitTypeLength, INT_MAX, 1);
