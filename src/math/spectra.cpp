@@ -4,9 +4,11 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
+#include <exception>
 #include <new>
 
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 #include "math/fft_transform.h"
 #include "math/simd_clones.h"
 #include "zemcalc/ZmAngle.h"
@@ -275,6 +277,7 @@ void ZmMathSpectrumT<T>::ComputeCorrelation(const Curve& a, const Curve& b, unsi
     return;
   }
   try {
+    const zm::BoundaryCall boundary;
     // Contiguous copies, so that out may be a or b and the sums read unit-stride runs.
     WbArrayTempl<T> ay, ax, by;
     ay.SetSize(n);
@@ -298,7 +301,8 @@ void ZmMathSpectrumT<T>::ComputeCorrelation(const Curve& a, const Curve& b, unsi
       out.SetSize(n);
       CircularCorrelation(ay, ax, by, out.GetData());
     }
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
+    if (zm::BoundaryCall::Nested()) throw;
     out = Curve();
   }
 }
