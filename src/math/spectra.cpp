@@ -251,8 +251,8 @@ const WbErrObj* ZmMathSpectrumT<T>::ComputeFFT(const Curve& signal, const int* w
   const T df = T(1) / tn;
 
   const zm::fft::Workspace work(nfft);
-  if (!work.re) return OutOfMemory(nfft);
   try {
+    if (!work.re) throw std::bad_alloc();
     WbArrayTempl<std::uint64_t> reversalTables;
     LoadSamples(samples, windowType, abscissas.largest, nfft, work, reversalTables);
     zm::fft::Transform(work, nfft);
@@ -261,7 +261,7 @@ const WbErrObj* ZmMathSpectrumT<T>::ComputeFFT(const Curve& signal, const int* w
     if (phase) phase->SetSize(nfft);
     WriteSpectra(work, nfft, divideByCount, windowType, dt, tx, df, spectrum.GetData(),
                  phase ? phase->GetData() : nullptr);
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
     spectrum = Curve();
     if (phase) *phase = Curve();
     return OutOfMemory(nfft);

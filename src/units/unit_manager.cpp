@@ -161,7 +161,8 @@ unsigned char ZmUnitManager::FindEquivalentUnit(const ZmUnitDim& dim, const ZmUn
 }
 
 unsigned char ZmUnitManager::FindEquivalentUnitByName(const wchar_t* name, ZmUnitDim& dim, ZmUnitSystem& system,
-                                                      const ZmUnitDim* filter) const {
+                                                      const ZmUnitDim* filter) const try {
+  const zm::BoundaryCall boundary;
   for (std::uint64_t i = 0; i < m_equivalents.GetSize(); ++i) {
     const UnitEquivName& unit = *m_equivalents[i];
     if (unit.name.CompareNoCase(name) != 0) continue;
@@ -170,6 +171,9 @@ unsigned char ZmUnitManager::FindEquivalentUnitByName(const wchar_t* name, ZmUni
     system = unit.system;
     return 1;
   }
+  return 0;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
   return 0;
 }
 
