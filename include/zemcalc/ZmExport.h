@@ -21,6 +21,7 @@
 //   empty, its array emptied;
 // - a function returning a text returns the empty text; one returning an index returns -1;
 // - WbRuntimeClass::CreateObject returns null.
-// The error record itself needs no memory (WbSetError). Constructors and copies of the value
-// classes that hold text or arrays (ZmUnitDim, the filters' kernels) report a lack of memory as
-// the standard containers do, with std::bad_alloc.
+// The error record itself needs no memory (WbSetError). Constructors and copies of the values
+// that hold text or arrays (WbString, the arrays, ZmUnitDim) report a lack of memory as the
+// standard containers do, with std::bad_alloc; they leak nothing and leave an assigned object
+// as it was. A filter whose kernel could not be allocated refuses to compute (SetKernelSize).

@@ -209,7 +209,8 @@ unsigned char ZmMathIntersectT<T>::ProjectInTriangle(const Point3& p, const Poin
 template <class T>
 int ZmMathIntersectT<T>::ComputeIntersectionCurveToPlan(const WbArrayTempl<Point3>& curve, const Point3& planePoint,
                                                         const Vector3& planeNormal, const Point3& limitPoint,
-                                                        const Vector3& limitDirection, WbArrayTempl<Point3>& result) try {
+                                                        const Vector3& limitDirection,
+                                                        WbArrayTempl<Point3>& result) try {
   const zm::BoundaryCall boundary;
   result.RemoveAll();
   Vector3 normal = planeNormal;

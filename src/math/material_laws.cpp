@@ -174,7 +174,8 @@ unsigned char ZmMathMaterialT<T>::ComputePowerCurvePoints(Curve& curve, T a, T b
 }
 
 template <class T>
-unsigned char ZmMathMaterialT<T>::ComputeKinematicCurvePoints(Curve& curve, T y0, T rate, T amplitude, T maxStress) try {
+unsigned char ZmMathMaterialT<T>::ComputeKinematicCurvePoints(Curve& curve, T y0, T rate, T amplitude,
+                                                              T maxStress) try {
   const zm::BoundaryCall boundary;
   curve.SetSize(kSamplerPoints);
   for (int i = 0; i < kSamplerPoints; ++i) {

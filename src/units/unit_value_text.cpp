@@ -175,7 +175,8 @@ unsigned char ZmUnitSystem::FormatDimensionalValues(const WbArrayTempl<float>& v
   return 0;
 }
 
-unsigned char ZmUnitSystem::String2DimensionalValue(const WbString& text, const ZmUnitDim& dim, float& value) const try {
+unsigned char ZmUnitSystem::String2DimensionalValue(const WbString& text, const ZmUnitDim& dim, float& value) const
+    try {
   const zm::BoundaryCall boundary;
   return ReadValue(*this, text, dim, value);
 } catch (const std::exception&) {
@@ -184,7 +185,8 @@ unsigned char ZmUnitSystem::String2DimensionalValue(const WbString& text, const 
   return 0;
 }
 
-unsigned char ZmUnitSystem::String2DimensionalValue(const WbString& text, const ZmUnitDim& dim, double& value) const try {
+unsigned char ZmUnitSystem::String2DimensionalValue(const WbString& text, const ZmUnitDim& dim, double& value) const
+    try {
   const zm::BoundaryCall boundary;
   return ReadValue(*this, text, dim, value);
 } catch (const std::exception&) {
