@@ -20,6 +20,7 @@
 // - a function returning 1/0 returns 0; its out-value is then the invalid marker, its text
 //   empty, its array emptied;
 // - a function returning a text returns the empty text; one returning an index returns -1;
+//   one returning a number returns the invalid marker (its text out-value emptied);
 // - WbRuntimeClass::CreateObject returns null.
 // The error record itself needs no memory (WbSetError). Constructors and copies of the values
 // that hold text or arrays (WbString, the arrays, ZmUnitDim) report a lack of memory as the

@@ -1,13 +1,12 @@
-// Each entry point of the table with its n-th allocation refused (once, and from then on), for
-// every n: nothing thrown, the full result or the documented failure result, nothing leaked.
-// operator new and the base library's memory functions are replaced: a program of its own.
+// Each entry point with its n-th allocation refused (once, and from then on), for every n: nothing
+// thrown, the full or the documented failure result, nothing leaked. A program of its own.
 #include <gtest/gtest.h>
 #include <wbcore/WbMem.h>
 #include <zemcalc/zemcalc.h>
 
 #include <cstdlib>
+#include <cwchar>
 #include <functional>
-#include <limits>
 #include <memory>
 #include <new>
 #include <sstream>
@@ -35,47 +34,35 @@ void* operator new(std::size_t size) {
   if (void* block = hook::Take(size)) return block;
   throw std::bad_alloc();
 }
-void* operator new[](std::size_t size) { return operator new(size); }
 void operator delete(void* block) noexcept { hook::Give(block); }
-void operator delete[](void* block) noexcept { hook::Give(block); }
 void operator delete(void* block, std::size_t) noexcept { hook::Give(block); }
-void operator delete[](void* block, std::size_t) noexcept { hook::Give(block); }
 void* WbMemAlloc(std::size_t size) { return hook::Take(size); }
 void* WbMemCalloc(std::size_t count, std::size_t size) { return hook::Take(count * size); }
 void WbMemFree(void* block) { hook::Give(block); }
 
 // What a call gave back, as text.
-std::ostream& operator<<(std::ostream& out, const wchar_t* text) {
-  for (; text && *text; ++text) out << static_cast<char>(*text);
-  return out;
-}
+std::ostream& operator<<(std::ostream& out, const wchar_t* t) { return out << std::string(t, t + std::wcslen(t)); }
 std::ostream& operator<<(std::ostream& out, const WbString& text) { return out << '\'' << text.GetString() << '\''; }
-std::ostream& operator<<(std::ostream& out, const WbErrObj* error) {
-  return out << (error ? error->GetMessage() : L"ok");
-}
+std::ostream& operator<<(std::ostream& out, const WbErrObj* e) { return out << (e ? e->GetMessage() : L"ok"); }
 std::ostream& operator<<(std::ostream& out, const WbObject&) { return out << "filter"; }
 std::ostream& operator<<(std::ostream& out, const ZmUnitDim& dim) { return out << dim.GetDimName(nullptr); }
-template <class T>
-std::ostream& operator<<(std::ostream& out, const ZmPoint2T<T>& p) {
-  return out << p.x << ',' << p.y;
-}
-template <class T>
-std::ostream& operator<<(std::ostream& out, const WbArrayTempl<T>& array) {
+// Arrays of numbers or points with their items, lists of objects by their count.
+template <template <class> class Array, class T>
+auto operator<<(std::ostream& out, const Array<T>& array) -> decltype(array.GetSize(), out) {
   out << array.GetSize() << '[';
-  for (const T& item : array) out << item << ' ';
+  if constexpr (std::is_same<Array<T>, WbArrayTempl<T>>::value) {
+    for (const T& item : array) {
+      if constexpr (std::is_arithmetic<T>::value) out << item << ' ';
+      if constexpr (!std::is_arithmetic<T>::value) out << item.x << ',' << item.y << ' ';
+    }
+  }
   return out << ']';
 }
-template <class T>
-std::ostream& operator<<(std::ostream& out, const WbObjectArrayTempl<T>& list) {
-  return out << list.GetSize() << " objects";
-}
-
-namespace {
 
 template <class... Items>
 std::string Describe(const Items&... items) {
   std::ostringstream out;
-  out.precision(std::numeric_limits<double>::max_digits10);
+  out.precision(17);  // every double apart
   ((out << items << " | "), ...);
   return out.str();
 }
@@ -93,114 +80,90 @@ Curve<T> Signal(int n) {
   return curve;
 }
 
-// An entry point: make() gives its inputs, call(inputs...) calls it (refusals count only there);
-// run() describes the result and every input after the call. failure is the start of that
-// description when memory ran out.
+// run() calls call(inputs...) on a copy of the inputs (refusals count only there) and describes
+// the result and the inputs after it; failure is the start of that description without memory.
 struct EntryPoint {
-  std::string name;
+  template <class Inputs, class Call>
+  EntryPoint(std::string name, std::string failure, Inputs given, Call call) : name(name), failure(failure) {
+    run = [given, call] {
+      Inputs inputs = given;
+      hook::armed = true;
+      const auto result = std::apply(call, inputs);
+      hook::armed = false;
+      return Describe(result) + std::apply([](const auto&... items) { return Describe(items...); }, inputs);
+    };
+  }
+  std::string name, failure;
   std::function<std::string()> run;
-  std::string failure;
 };
-template <class Make, class Call>
-EntryPoint Entry(const std::string& name, const std::string& failure, Make make, Call call) {
-  return {name,
-          [make, call] {
-            auto inputs = make();
-            hook::armed = true;
-            const auto result = std::apply(call, inputs);
-            hook::armed = false;
-            return Describe(result) + std::apply([](const auto&... items) { return Describe(items...); }, inputs);
-          },
-          failure};
-}
 
 template <class T>
 std::vector<EntryPoint> NumericRows(const std::string& twin) {
   using P = ZmPoint2T<T>;
   const T absent = zm::Invalid<T>();
   // A curve and an output array holding stale points; a signal to filter.
-  const auto curveOut = [] { return std::make_tuple(Signal<T>(200), Signal<T>(2), WbArrayTempl<int>()); };
+  const auto curveOut = std::make_tuple(Signal<T>(200), Signal<T>(2), WbArrayTempl<int>());
   const std::string emptied = Describe(0, Signal<T>(200), Curve<T>(), WbArrayTempl<int>());
-  const auto filtering = [](auto filter) {
-    return [=] { return std::make_tuple(filter, Signal<T>(300), Curve<T>()); };
-  };
+  const auto filtering = [](auto filter) { return std::make_tuple(filter, Signal<T>(300), Curve<T>()); };
   const auto filter = [](auto& f, auto& in, auto& out) { return f.Compute(in, out); };
-  const std::string filterFailure = "Not enough memory to filter";
-  // A failed transmissibility keeps its lists in step (with the stages made before) and result untouched.
-  const auto stages = [] {
-    return std::make_tuple(Signal<T>(400), WbObjectArrayTempl<Curve<T>>(), WbObjectArrayTempl<WbString>(), Curve<T>());
-  };
-  const auto transmissibility = [absent](int method) {
-    return [absent, method](auto& in, auto& curves, auto& titles, auto& result) {
-      const WbErrObj* error = ZmMathTransmissibilityT<T>::ComputeTransmissibility(
-          in, in, T(0), absent, T(2e-4), absent, method, absent, absent, absent, 0, result, &curves, &titles, nullptr);
-      return error ? (curves.GetSize() == titles.GetSize() && result.IsEmpty() ? "in step" : "out of step") : "done";
-    };
+  // A failed transmissibility keeps its lists in step (the stages made before stay), result untouched.
+  const auto stages =
+      std::make_tuple(Signal<T>(400), WbObjectArrayTempl<Curve<T>>(), WbObjectArrayTempl<WbString>(), Curve<T>());
+  const auto transmissibility = [absent](auto& in, auto& curves, auto& titles, auto& result) {
+    const WbErrObj* error = ZmMathTransmissibilityT<T>::ComputeTransmissibility(
+        in, in, T(0), absent, T(2e-4), absent, 2, absent, absent, absent, 0, result, &curves, &titles, nullptr);
+    return error ? (curves.GetSize() == titles.GetSize() && result.IsEmpty() ? "in step" : "out of step") : "done";
   };
   const int window[2] = {0, 199};
   return {
-      Entry("EvaluateConvexShape" + twin, emptied, curveOut,
-            [](auto& in, auto& out, auto& i) { return P::EvaluateConvexShape(in, out, &i); }),
-      Entry(
-          "ExtractXRange" + twin, Describe(0, Signal<T>(200)), [] { return std::make_tuple(Signal<T>(200)); },
-          [](auto& c) { return P::ExtractXRange(c, T(0.00305), T(0.0101), T(0)); }),
-      Entry("ComputeFFT" + twin,
-            Describe(L"Not enough memory to compute an FFT of 256 points", Signal<T>(200), Curve<T>()), curveOut,
-            [window](auto& in, auto& out, auto&) {
-              return ZmMathSpectrumT<T>::ComputeFFT(in, window, 1, 256, out, 1, nullptr);
-            }),
-      Entry("ComputeTransmissibility direct" + twin, "in step", stages, transmissibility(1)),
-      Entry("ComputeTransmissibility correlation" + twin, "in step", stages, transmissibility(2)),
-      Entry("ZmFilterMVA" + twin, filterFailure,
-            filtering(TwinOf<T, ZmFilterMVAd, ZmFilterMVAf>(9, ZmExtrapolationReflection)), filter),
-      Entry("ZmFilterSWA" + twin, filterFailure, filtering(TwinOf<T, ZmFilterSWAd, ZmFilterSWAf>(T(0.002), T(0.5))),
-            filter),
+      EntryPoint("EvaluateConvexShape" + twin, emptied, curveOut,
+                 [](auto& in, auto& out, auto& i) { return P::EvaluateConvexShape(in, out, &i); }),
+      EntryPoint("ExtractXRange" + twin, Describe(0, Signal<T>(200)), std::make_tuple(Signal<T>(200)),
+                 [](auto& c) { return P::ExtractXRange(c, T(0.00305), T(0.0101), T(0)); }),
+      EntryPoint("ComputeFFT" + twin,
+                 Describe(L"Not enough memory to compute an FFT of 256 points", Signal<T>(200), Curve<T>()), curveOut,
+                 [window](auto& in, auto& out, auto&) {
+                   return ZmMathSpectrumT<T>::ComputeFFT(in, window, 1, 256, out, 1, nullptr);
+                 }),
+      EntryPoint("ComputeTransmissibility" + twin, "in step", stages, transmissibility),
+      EntryPoint("ZmFilterMVA" + twin, "Not enough memory to filter",
+                 filtering(TwinOf<T, ZmFilterMVAd, ZmFilterMVAf>(9, ZmExtrapolationReflection)), filter),
   };
 }
 
-// The units and the base library. Texts are made before the call: only the library's own
-// allocations are refused.
+// Units and the base library; texts are made before the call, refusals hit the library only.
 std::vector<EntryPoint> UnitAndBaseRows() {
   const ZmUnitSystem mm(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
   static ZmUnitSystem system;  // written by the calls, never read
-  const auto given = [](const wchar_t* text) { return [=] { return std::make_tuple(WbString(text)); }; };
+  const auto given = [](const wchar_t* text) { return std::make_tuple(WbString(text)); };
   const auto noMemory = [](const wchar_t* text) { return Describe(L"Not enough memory", WbString(text)); };
   return {
-      Entry("CSMSolverStringToSystem", noMemory(L"UNIT MM TON S KELVIN"), given(L"UNIT MM TON S KELVIN"),
-            [](auto& t) { return ZmUnitMgr.CSMSolverStringToSystem(t, system, 1); }),
-      Entry("GetSystemFromShortName", noMemory(L"N/mm"), given(L"N/mm"),
-            [](auto& t) { return ZmUnitDimForcePerLength.GetSystemFromShortName(t, system); }),
-      Entry("FormatDimensionalValue", Describe(0, WbString()), given(L"stale"),
-            [=](auto& t) { return int(mm.FormatDimensionalValue(2e5f, ZmUnitDimForcePerLength, t)); }),
-      Entry("String2DimensionalValue", Describe(-double(zm::kInvalid)), given(L"2.5 GPa"),
-            [=](auto& t) {
-              double value = 0;
-              return mm.String2DimensionalValue(t, ZmUnitDimPressure, value) ? value : -value;
-            }),
-      Entry(
-          "GetCompatibleEquivUnits", Describe(0, WbObjectArrayTempl<WbString>(), WbArrayTempl<float>(), -1),
-          [] { return std::make_tuple(WbObjectArrayTempl<WbString>(), WbArrayTempl<float>{7.0f}, 7); },
-          [=](auto& names, auto& factors, int& index) {
-            return mm.GetCompatibleEquivUnits(ZmUnitDimPressure, names, factors, 1.0f, &index);
-          }),
-      Entry(
-          "WbRuntimeClass::CreateObject", Describe(L"null"), [] { return std::make_tuple(); },
-          [] {
-            const std::unique_ptr<WbObject> made(WbRuntimeClass::CreateObject(L"ZmFilterCFC60_10kHzd"));
-            return made ? made->GetRuntimeClass()->GetClassName() : L"null";
-          }),
+      EntryPoint("CSMSolverStringToSystem", noMemory(L"UNIT MM TON S KELVIN"), given(L"UNIT MM TON S KELVIN"),
+                 [](auto& t) { return ZmUnitMgr.CSMSolverStringToSystem(t, system, 1); }),
+      EntryPoint("GetSystemFromShortName", noMemory(L"N/mm"), given(L"N/mm"),
+                 [](auto& t) { return ZmUnitDimForcePerLength.GetSystemFromShortName(t, system); }),
+      EntryPoint("FormatDimensionalValue", Describe(0, WbString()), given(L"stale"),
+                 [=](auto& t) { return int(mm.FormatDimensionalValue(2e5f, ZmUnitDimForcePerLength, t)); }),
+      EntryPoint("String2DimensionalValue", Describe(-double(zm::kInvalid)), given(L"2.5 GPa"),
+                 [=](auto& t) {
+                   double v = 0;
+                   return mm.String2DimensionalValue(t, ZmUnitDimPressure, v) ? v : -v;
+                 }),
+      EntryPoint("GetCompatibleEquivUnits", Describe(0, WbObjectArrayTempl<WbString>(), WbArrayTempl<float>(), -1),
+                 std::make_tuple(WbObjectArrayTempl<WbString>(), WbArrayTempl<float>{7.0f}, 7),
+                 [=](auto& names, auto& factors, int& index) {
+                   return mm.GetCompatibleEquivUnits(ZmUnitDimPressure, names, factors, 1.0f, &index);
+                 }),
+      EntryPoint("WbRuntimeClass::CreateObject", Describe(L"null"), std::make_tuple(),
+                 [] {
+                   const std::unique_ptr<WbObject> made(WbRuntimeClass::CreateObject(L"ZmFilterCFC60_10kHzd"));
+                   return made ? made->GetRuntimeClass()->GetClassName() : L"null";
+                 }),
       // Copies of a dimension report a lack of memory as a standard container does.
-      Entry(
-          "ZmUnitDim quotient", "threw std::bad_alloc", [] { return std::make_tuple(); },
-          [] { return ZmUnitDim(ZmUnitDimForce, ZmUnitDimLength); }),
-      Entry(
-          "ZmUnitDim::operator=", "threw std::bad_alloc", [] { return std::make_tuple(ZmUnitDim(ZmUnitDimMass)); },
-          [](auto& dim) { return dim = ZmUnitDimForcePerLength, 0; }),
-      // A message longer than the record is formatted on the heap first.
-      Entry(
-          "WbSetError", Describe(L"Not enough memory"),
-          [] { return std::make_tuple(WbString(std::wstring(3000, L'u'))); },
-          [](auto& unit) { return WbSetError(L"Unsupported unit '%s'", unit)->GetMessage(); }),
+      EntryPoint("ZmUnitDim::operator=", "threw std::bad_alloc", std::make_tuple(ZmUnitDim(ZmUnitDimMass)),
+                 [](auto& dim) { return dim = ZmUnitDimForcePerLength, 0; }),
+      EntryPoint("WbSetError", Describe(L"Not enough memory"), std::make_tuple(WbString(std::wstring(3000, L'u'))),
+                 [](auto& unit) { return WbSetError(L"Unsupported unit '%s'", unit)->GetMessage(); }),
   };
 }
 
@@ -216,7 +179,6 @@ TEST(OutOfMemory, EveryEntryPointKeepsItsPromiseWhateverAllocationFails) {
     const std::string full = row.run();
     const std::uint64_t allocations = hook::seen;
     ASSERT_GT(allocations, 0u) << row.name << " allocates nothing: the row tests nothing";
-    ASSERT_NE(full.compare(0, row.failure.size(), row.failure), 0) << row.name << ": full result " << full;
     for (const bool persistent : {false, true}) {
       for (std::uint64_t n = 1; n <= allocations; ++n, ++runs) {
         hook::seen = 0, hook::failAt = n, hook::persistent = persistent;
@@ -241,5 +203,3 @@ TEST(OutOfMemory, EveryEntryPointKeepsItsPromiseWhateverAllocationFails) {
   std::printf("%zu entry points, %llu runs with an allocation refused, %llu of them failed as documented\n",
               rows.size(), static_cast<unsigned long long>(runs), static_cast<unsigned long long>(failures));
 }
-
-}  // namespace
