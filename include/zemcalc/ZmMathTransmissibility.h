@@ -85,8 +85,10 @@ class ZMCALC_API ZmMathTransmissibilityT {
   //    yields nothing, result is empty.
   // Returns null on success. On failure result and *phaseDifference are unchanged, and the
   // curves and titles appended before the failing stage stay. Running out of memory fails with
-  // "Not enough memory to compute the transmissibility". result, phaseDifference and the
-  // signals may be the same arrays.
+  // "Not enough memory to compute the transmissibility" (or with the FFT's or the smoothing
+  // filter's own out-of-memory message, passed on). curves and titles stay in step: a stage
+  // enters both lists or neither. result, phaseDifference and the signals may be the same
+  // arrays.
   static const WbErrObj* ComputeTransmissibility(const Curve& input, const Curve& output, T alignAbscissa,
                                                  T samplingStart, T samplingStep, T frequencyMin, int method,
                                                  T frequencyMax, T envelopeStep, T resultStep, unsigned int nfft,
