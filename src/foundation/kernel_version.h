@@ -9,6 +9,8 @@
 // resolved by the loader, so sanitizers that start with the program see nothing run before
 // them). Helpers that Run calls must be inline, so that they are built into both versions.
 
+#include <utility>
+
 #if defined(ZEMCALC_KERNEL_VERSIONS) && defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
 #define ZM_HAS_KERNEL_VERSIONS 1
 #define ZM_TARGET_AVX2 __attribute__((target("avx2")))
@@ -18,8 +20,6 @@
 #define ZM_TARGET_AVX2
 #define ZM_TARGET_AVX512
 #endif
-
-#include <utility>
 
 #define ZM_KERNEL_BODY static inline __attribute__((always_inline))
 
