@@ -162,6 +162,11 @@ TYPED_TEST(TransmissibilityTwins, HandsBackEveryStageWithItsTitleInOrder) {
   ASSERT_GT(phase.GetSize(), 100u);
   EXPECT_GE(phase[0].x, T(2));
   EXPECT_LE(phase[phase.GetSize() - 1].x, T(200));
+  // Each difference is the output phase minus the input phase, both read at its frequency by a
+  // search from the first point (curves 11 and 12).
+  for (std::uint64_t k = 0; k < phase.GetSize(); ++k) {
+    ASSERT_EQ(phase[k].y, ValueAt(*curves[12], phase[k].x) - ValueAt(*curves[11], phase[k].x)) << k;
+  }
   // Resampled at 1 Hz from the first frequency kept.
   ASSERT_GT(result.GetSize(), 100u);
   EXPECT_NEAR(result[1].x - result[0].x, 1.0, 1e-4);
