@@ -76,7 +76,9 @@ enum ZmElementMetric : int {
   // Signed volume, exact for the element's own (trilinear, bilinear-faced) shape: tet
   // (p3 - p0) . ((p1 - p0) x (p2 - p0)) / 6; hex, wedge and pyramid as the sum of the tetrahedra
   // from the node average to each face, a quadrilateral face split into four triangles about
-  // its node average (Verdict's hex volume). Negative when inside out.
+  // its node average (the hex volume of current Verdict; VTK 9.1's is the one-point value
+  // det(centre Jacobian) * 8, which is not the volume of a distorted hex). Negative when inside
+  // out.
   ZmMetricVolume,
   // Verdict aspect ratio. tri Lmax (L0 + L1 + L2) / (2 sqrt(3) 2A); quad
   // Lmax (L0 + L1 + L2 + L3) / (2 (|e0 x e1| + |e2 x e3|)); tet
