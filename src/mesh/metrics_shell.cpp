@@ -161,7 +161,8 @@ double QuadWarpageVerdict(const V3* p) {
   V3 n[4] = {Cross(q.e[3], q.e[0]), Cross(q.e[0], q.e[1]), Cross(q.e[1], q.e[2]), Cross(q.e[2], q.e[3])};
   for (V3& v : n)
     if (Normalize(v) < kTiny) return kInvalid;
-  return std::pow(std::min(Dot(n[0], n[2]), Dot(n[1], n[3])), 3);
+  const double smaller = std::min(Dot(n[0], n[2]), Dot(n[1], n[3]));
+  return smaller * smaller * smaller;
 }
 
 double QuadStretch(const V3* p) {

@@ -222,24 +222,20 @@ const int kHexCorners[8][4] = {{0, 1, 3, 4}, {1, 2, 0, 5}, {2, 3, 1, 6}, {3, 0, 
 struct Frame {
   V3 xi, eta, zeta;
 };
-Frame CornerFrame(const V3* p, int corner) {
+inline Frame CornerFrame(const V3* p, int corner) {
   const int* c = kHexCorners[corner];
-  return {p[c[1]] - p[c[0]], p[c[2]] - p[c[0]], p[c[3]] - p[c[0]]};
+  const V3 origin = p[c[0]];
+  return {p[c[1]] - origin, p[c[2]] - origin, p[c[3]] - origin};
 }
 
-// Sum of the nodes with sign +1 for the listed ones and -1 for the others.
-V3 SignedSum(const V3* p, const int (&plus)[4]) {
-  V3 s{0.0, 0.0, 0.0};
-  for (int i = 0; i < 8; ++i) {
-    const bool positive = i == plus[0] || i == plus[1] || i == plus[2] || i == plus[3];
-    s = positive ? s + p[i] : s - p[i];
-  }
-  return s;
+// p[a] + p[b] + p[c] + p[d] - p[e] - p[f] - p[g] - p[h], summed in that order.
+inline V3 SignedSum(const V3* p, int a, int b, int c, int d, int e, int f, int g, int h) {
+  return p[a] + p[b] + p[c] + p[d] - p[e] - p[f] - p[g] - p[h];
 }
 // The principal axes (twice the mean edge vectors) and the cross derivatives.
-V3 Axis1(const V3* p) { return SignedSum(p, {1, 2, 5, 6}); }
-V3 Axis2(const V3* p) { return SignedSum(p, {2, 3, 6, 7}); }
-V3 Axis3(const V3* p) { return SignedSum(p, {4, 5, 6, 7}); }
+V3 Axis1(const V3* p) { return SignedSum(p, 1, 2, 5, 6, 0, 3, 4, 7); }
+V3 Axis2(const V3* p) { return SignedSum(p, 2, 3, 6, 7, 0, 1, 4, 5); }
+V3 Axis3(const V3* p) { return SignedSum(p, 4, 5, 6, 7, 0, 1, 2, 3); }
 Frame CentreFrame(const V3* p) { return {Axis1(p), Axis2(p), Axis3(p)}; }
 
 double HexSkew(const V3* p) {
@@ -251,8 +247,8 @@ double HexSkew(const V3* p) {
 
 double HexTaper(const V3* p) {
   const double l1 = Length(Axis1(p)), l2 = Length(Axis2(p)), l3 = Length(Axis3(p));
-  const double cross[3] = {Length(SignedSum(p, {0, 2, 4, 6})), Length(SignedSum(p, {0, 3, 5, 6})),
-                           Length(SignedSum(p, {0, 1, 6, 7}))};
+  const double cross[3] = {Length(SignedSum(p, 0, 2, 4, 6, 1, 3, 5, 7)), Length(SignedSum(p, 0, 3, 5, 6, 1, 2, 4, 7)),
+                           Length(SignedSum(p, 0, 1, 6, 7, 2, 3, 4, 5))};
   const double shortest[3] = {std::min(l1, l2), std::min(l1, l3), std::min(l2, l3)};
   double taper = 0.0;
   for (int i = 0; i < 3; ++i) {
@@ -334,23 +330,22 @@ double HexJacobian(const V3* p) {
   return smallest;
 }
 
-// Determinant over the product of the lengths; false for a zero edge.
-bool ScaledDeterminant(const Frame& f, double& value) {
-  const double l1 = Length2(f.xi), l2 = Length2(f.eta), l3 = Length2(f.zeta);
-  if (l1 <= kTiny || l2 <= kTiny || l3 <= kTiny) return false;
-  value = Dot(f.xi, Cross(f.eta, f.zeta)) / std::sqrt(l1 * l2 * l3);
-  return true;
-}
-
+// The smallest determinant over the product of its edge lengths, over the centre frame and the
+// eight corners, each formed as det / sqrt(l1^2 l2^2 l3^2) as Verdict forms it. The frames are
+// evaluated without an early exit so that the square roots and divisions overlap. A zero edge:
+// invalid.
 double HexScaledJacobian(const V3* p) {
-  double smallest;
-  if (!ScaledDeterminant(CentreFrame(p), smallest)) return kInvalid;
-  for (int c = 0; c < 8; ++c) {
-    double value;
-    if (!ScaledDeterminant(CornerFrame(p, c), value)) return kInvalid;
-    smallest = std::min(smallest, value);
+  Frame frames[9];
+  frames[0] = CentreFrame(p);
+  for (int c = 0; c < 8; ++c) frames[c + 1] = CornerFrame(p, c);
+  double smallest = 1.0e300;
+  bool degenerate = false;
+  for (const Frame& f : frames) {
+    const double l1 = Length2(f.xi), l2 = Length2(f.eta), l3 = Length2(f.zeta);
+    degenerate = degenerate || l1 <= kTiny || l2 <= kTiny || l3 <= kTiny;
+    smallest = std::min(smallest, Dot(f.xi, Cross(f.eta, f.zeta)) / std::sqrt(l1 * l2 * l3));
   }
-  return smallest;
+  return degenerate ? kInvalid : smallest;
 }
 
 double HexCondition(const V3* p) {
