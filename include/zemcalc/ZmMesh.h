@@ -97,19 +97,29 @@ enum ZmElementMetric : int {
   // tet: smallest dihedral angle in degrees (Verdict's tet minimum angle).
   ZmMetricMinDihedralAngle,
   // Verdict Jacobian: quad the smallest corner area n . (e(i-1) x e(i)) with n the unit mean
-  // normal; tet 6V; hex the smallest of the eight corner determinants and the centre one / 64.
+  // normal; tet 6V; hex the smallest of the eight corner determinants and the centre one / 64;
+  // wedge the smallest of its six corner determinants; pyramid the smallest determinant of the
+  // tetrahedra (0 1 2 4), (0 2 3 4), (0 1 3 4), (1 2 3 4).
   ZmMetricJacobian,
   // Verdict scaled Jacobian: the smallest corner determinant over the product of its edge
-  // lengths (tri 2A / (sqrt(3)/2 * largest product of two edge lengths), unsigned; tet scaled so
-  // that the regular one gives 1). A zero edge gives 0 (tri, quad) or invalid (hex).
+  // lengths (tri 2A / (sqrt(3)/2 * largest product of two edge lengths), unsigned; tet, wedge
+  // scaled so that the regular one gives 1; pyramid sqrt(2) times the smallest of its
+  // tetrahedra's, 0 when not positive and folded to 2 - x above 1). A zero edge gives 0 (tri,
+  // quad) or invalid (hex, wedge).
   ZmMetricScaledJacobian,
   // Verdict condition number of the corner Jacobians (1 for the ideal element, larger worse).
   ZmMetricCondition,
-  // Verdict shape (1 ideal, 0 degenerate or inverted).
+  // Verdict shape (1 ideal, 0 degenerate or inverted). Wedge: 3 (2 det / sqrt(3))^(2/3) over the
+  // corner's squared edges, 0 as soon as a corner is not positive (VTK 9.1 passes over such a
+  // corner and scores an inverted wedge 1). Pyramid: the base's quad shape times the cosine of
+  // the apex's tilt from the base normal times height / ideal height (or its inverse), the
+  // ideal height being the longest edge / sqrt(2) (Verdict starts that longest-edge search from
+  // the shorter of the first two edges; here all eight count).
   ZmMetricShape,
   // Equiangle skew: max((Amax - A0) / (180 - A0), (A0 - Amin) / A0) over the face angles
-  // (A0 = 60 for triangles, 90 for quads; tet adds its dihedral angles against
-  // acos(1/3)). 0 ideal, 1 degenerate (a zero edge gives 1).
+  // (A0 = 60 for triangles, 90 for quads, also for a quad whose nodes 2 and 3 coincide; tet adds
+  // its dihedral angles against acos(1/3); wedge, pyramid and hex take the largest over their
+  // faces). 0 ideal, 1 degenerate (a zero edge gives 1).
   ZmMetricEquiangleSkew,
   // Verdict skew: quad |a1 . a2| of the unit principal axes; hex the largest over axis pairs.
   ZmMetricSkew,

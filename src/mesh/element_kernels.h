@@ -78,17 +78,39 @@ KernelList TriKernels();
 KernelList QuadKernels();
 KernelList TetKernels();
 KernelList HexKernels();
+KernelList WedgeKernels();
+KernelList PyramidKernels();
 
 // Shared geometry.
 double TriArea(const V3* p);
 double QuadArea(const V3* p);       // 0.5 |(p2 - p0) x (p3 - p1)|
 double FaceArea(const V3* p, const Face& face);
 double SolidVolume(const V3* p, const Topology& topology);
+// |V| over the largest face area.
+double SolidCharacteristicLength(const V3* p, const Topology& topology);
 double EdgeRatio(const V3* p, const Topology& topology);
+// The metrics every solid shares, for the element type Type.
+template <ZmElementType Type>
+double VolumeOf(const V3* p) {
+  return SolidVolume(p, TopologyOf(Type));
+}
+template <ZmElementType Type>
+double EdgeRatioOf(const V3* p) {
+  return EdgeRatio(p, TopologyOf(Type));
+}
+template <ZmElementType Type>
+double CharacteristicLengthOf(const V3* p) {
+  return SolidCharacteristicLength(p, TopologyOf(Type));
+}
 // Smallest and largest corner angles of a quad in degrees (Verdict's rules), false when an
 // edge has zero length.
 bool QuadMinMaxAngle(const V3* p, double& minAngle, double& maxAngle);
 bool TriMinMaxAngle(const V3* p, double& minAngle, double& maxAngle);
+// Verdict's quad shape and tet scaled Jacobian, which the pyramid metrics are built from.
+double QuadShape(const V3* p);
+double TetScaledJacobian(const V3* p);
+// Equiangle skew of one face: a triangle's angles against 60 degrees, a quad's against 90.
+double FaceEquiangleSkew(const V3* p, const Face& face);
 // Closest point of the triangle a b c to q; wb and wc receive the weights of b and c.
 V3 ClosestPointOnTriangle(V3 q, V3 a, V3 b, V3 c, double& wb, double& wc);
 

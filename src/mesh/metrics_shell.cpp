@@ -185,7 +185,6 @@ double QuadMaxAngle(const V3* p) {
 double QuadEquiangleSkew(const V3* p) {
   double lo, hi;
   if (!QuadMinMaxAngle(p, lo, hi)) return 1.0;
-  if (IsCollapsedQuad(p)) return std::max((hi - 60.0) / 120.0, (60.0 - lo) / 60.0);
   return std::max((hi - 90.0) / 90.0, (90.0 - lo) / 90.0);
 }
 
@@ -221,6 +220,8 @@ double QuadCondition(const V3* p) {
   return largest / 2.0;
 }
 
+}  // namespace
+
 double QuadShape(const V3* p) {
   const QuadEdges q(p);
   const CornerAreas c(q);
@@ -234,6 +235,8 @@ double QuadShape(const V3* p) {
   smallest *= 2.0;
   return smallest < kTiny ? 0.0 : smallest;
 }
+
+namespace {
 
 double QuadOddy(const V3* p) {
   double largest = 0.0;

@@ -90,6 +90,8 @@ double TetMinDihedralAngle(const V3* p) {
   return *std::min_element(a, a + 6);
 }
 
+}  // namespace
+
 double TetScaledJacobian(const V3* p) {
   const TetSides t(p);
   const V3* s = t.s;
@@ -106,6 +108,8 @@ double TetScaledJacobian(const V3* p) {
   if (lengthProduct < kTiny) return kInvalid;
   return kRoot2 * jacobian / lengthProduct;
 }
+
+namespace {
 
 double TetCondition(const V3* p) {
   const V3 side0 = p[1] - p[0], side2 = p[0] - p[2], side3 = p[3] - p[0];

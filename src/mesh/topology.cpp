@@ -28,37 +28,9 @@ const Topology kTopologies[ZmElementTypeCount] = {
 
 double BeamLength(const V3* p) { return Length(p[1] - p[0]); }
 
-// |V| over the largest face area.
-double SolidCharacteristicLength(const V3* p, const Topology& topology) {
-  double largest = 0.0;
-  for (int f = 0; f < topology.faceCount; ++f) largest = std::max(largest, FaceArea(p, topology.faces[f]));
-  if (!(largest > 0.0)) return kInvalid;
-  return std::fabs(SolidVolume(p, topology)) / largest;
-}
-
-template <ZmElementType Type>
-double VolumeOf(const V3* p) {
-  return SolidVolume(p, kTopologies[Type]);
-}
-template <ZmElementType Type>
-double EdgeRatioOf(const V3* p) {
-  return EdgeRatio(p, kTopologies[Type]);
-}
-template <ZmElementType Type>
-double CharacteristicLengthOf(const V3* p) {
-  return SolidCharacteristicLength(p, kTopologies[Type]);
-}
 
 const KernelEntry kBeam[] = {{ZmMetricCharacteristicLength, BeamLength},
                              {ZmMetricCharacteristicLengthEdges, BeamLength}};
-const KernelEntry kWedge[] = {{ZmMetricVolume, VolumeOf<ZmElementWedge6>},
-                              {ZmMetricEdgeRatio, EdgeRatioOf<ZmElementWedge6>},
-                              {ZmMetricCharacteristicLength, CharacteristicLengthOf<ZmElementWedge6>},
-                              {ZmMetricCharacteristicLengthEdges, CharacteristicLengthOf<ZmElementWedge6>}};
-const KernelEntry kPyramid[] = {{ZmMetricVolume, VolumeOf<ZmElementPyramid5>},
-                                {ZmMetricEdgeRatio, EdgeRatioOf<ZmElementPyramid5>},
-                                {ZmMetricCharacteristicLength, CharacteristicLengthOf<ZmElementPyramid5>},
-                                {ZmMetricCharacteristicLengthEdges, CharacteristicLengthOf<ZmElementPyramid5>}};
 const KernelEntry kHexExtra[] = {{ZmMetricCharacteristicLength, CharacteristicLengthOf<ZmElementHex8>},
                                  {ZmMetricCharacteristicLengthEdges, CharacteristicLengthOf<ZmElementHex8>}};
 
@@ -78,8 +50,8 @@ struct KernelTable {
     Fill(ZmElementTri3, TriKernels());
     Fill(ZmElementQuad4, QuadKernels());
     Fill(ZmElementTet4, TetKernels());
-    Fill(ZmElementPyramid5, ListOf(kPyramid));
-    Fill(ZmElementWedge6, ListOf(kWedge));
+    Fill(ZmElementPyramid5, PyramidKernels());
+    Fill(ZmElementWedge6, WedgeKernels());
     Fill(ZmElementHex8, HexKernels());
     Fill(ZmElementHex8, ListOf(kHexExtra));
   }
@@ -93,6 +65,25 @@ MetricKernel KernelOf(ZmElementType type, ZmElementMetric metric) {
   static const KernelTable table;
   if (type < 0 || type >= ZmElementTypeCount || metric < 0 || metric >= ZmMetricCount) return nullptr;
   return table.kernels[type][metric];
+}
+
+double SolidCharacteristicLength(const V3* p, const Topology& topology) {
+  double largest = 0.0;
+  for (int f = 0; f < topology.faceCount; ++f) largest = std::max(largest, FaceArea(p, topology.faces[f]));
+  if (!(largest > 0.0)) return kInvalid;
+  return std::fabs(SolidVolume(p, topology)) / largest;
+}
+
+double FaceEquiangleSkew(const V3* p, const Face& face) {
+  const int* n = face.n;
+  const V3 nodes[4] = {p[n[0]], p[n[1]], p[n[2]], p[n[3]]};
+  double lo, hi;
+  if (face.count == 3) {
+    if (!TriMinMaxAngle(nodes, lo, hi)) return 1.0;
+    return std::max((hi - 60.0) / 120.0, (60.0 - lo) / 60.0);
+  }
+  if (!QuadMinMaxAngle(nodes, lo, hi)) return 1.0;
+  return std::max((hi - 90.0) / 90.0, (90.0 - lo) / 90.0);
 }
 
 double FaceArea(const V3* p, const Face& face) {
