@@ -41,8 +41,8 @@
 // under a condition number) the invalid marker -1e32f (widened) comes back. Verdict clamps
 // the same cases to +-1e30 instead; where Verdict's degenerate answer is a meaningful limit
 // (a scaled Jacobian or shape of 0) it is kept. NaN or infinite coordinates give the invalid
-// marker or NaN-free limits, never a crash; nothing here allocates except the penetration
-// search, and nothing reports errors through WbSetError: results are in-band.
+// marker or NaN-free limits, never a crash; nothing here allocates except SmallestValues and
+// the penetration search, and nothing reports errors through WbSetError: results are in-band.
 #include <cstdint>
 
 #include <wbcore/WbArray.h>

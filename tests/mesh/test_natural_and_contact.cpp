@@ -150,6 +150,28 @@ TEST(NaturalCoordinates, SingularAndBadElementsAreStatedNotNaN) {
   EXPECT_EQ(f.inside, 0);
 }
 
+// Both twins run one double implementation: on coordinates exact in float, the float results are
+// the double ones rounded.
+TEST(NaturalCoordinates, FloatTwinIsTheDoubleResultRounded) {
+  const double nodes[8][3] = {{0, 0, 0}, {2.5, 0.25, 0}, {2.75, 2, 0.5}, {0.25, 1.75, 0},
+                              {0, 0.5, 2}, {2, 0, 2.25}, {2.5, 2.5, 2}, {0.5, 2, 1.75}};
+  std::vector<Pd> wide;
+  std::vector<ZmPoint3f> narrow;
+  for (const auto& n : nodes) {
+    wide.emplace_back(n[0], n[1], n[2]);
+    narrow.emplace_back(n[0], n[1], n[2]);
+  }
+  const auto d = M::ComputeNaturalCoordinates(ZmElementHex8, wide.data(), Pd(1.25, 0.75, 1.5));
+  const auto f = ZmMeshf::ComputeNaturalCoordinates(ZmElementHex8, narrow.data(), ZmPoint3f(1.25f, 0.75f, 1.5f));
+  EXPECT_EQ(f.natural, ZmPoint3f(float(d.natural.x), float(d.natural.y), float(d.natural.z)));
+  EXPECT_EQ(f.iterations, d.iterations);
+  ZmMeshf::Penetration pf;
+  M::Penetration pd;
+  ASSERT_EQ(ZmMeshf::ComputePenetration(ZmElementQuad4, narrow.data(), ZmPoint3f(1, 1, 0.5f), 0.5f, 1, pf), 1);
+  ASSERT_EQ(M::ComputePenetration(ZmElementQuad4, wide.data(), Pd(1, 1, 0.5), 0.5, 1, pd), 1);
+  EXPECT_EQ(pf.depth, float(pd.depth));
+}
+
 TEST(Penetration, NodeAgainstTriangleAndQuadSegments) {
   const std::vector<Pd> quad = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
   const struct {

@@ -194,37 +194,30 @@ HEX_EDGES = [[0, 1], [1, 2], [2, 3], [3, 0], [4, 5], [5, 6], [6, 7], [7, 4], [0,
 TET_EDGES = [[0, 1], [1, 2], [2, 0], [0, 3], [1, 3], [2, 3]]
 
 
-def hex_equiangle_skew(p):
-    lo, hi = 360.0, 0.0
-    for f in HEX_FACES:
-        q = p[f]
-        if has_zero_edge(q):
-            return 1.0
-        flo, fhi, _ = quad_min_max(q)
-        lo, hi = min(lo, flo), max(hi, fhi)
-    return equiangle(lo, hi, 90.0)
-
-
 def hex_edge_ratio(p):
     lengths = [np.linalg.norm(p[b] - p[a]) for a, b in HEX_EDGES]
     return max(lengths) / min(lengths) if min(lengths) > 0 else None
 
 
-HEX_REFERENCE = np.array([[-1, -1, -1], [1, -1, -1], [1, 1, -1], [-1, 1, -1],
-                          [-1, -1, 1], [1, -1, 1], [1, 1, 1], [-1, 1, 1]], dtype=float)
+GAUSS = (-1.0 / math.sqrt(3.0), 1.0 / math.sqrt(3.0))
 
 
 def hex_volume(p):
-    g = 1.0 / math.sqrt(3.0)
+    """2x2x2 Gauss integration of the trilinear map's Jacobian determinant (exact: it is a
+    polynomial of degree 2 in each natural coordinate)."""
     volume = 0.0
-    for r in (-g, g):
-        for s in (-g, g):
-            for t in (-g, g):
-                a, b, c = HEX_REFERENCE.T
+    for r in GAUSS:
+        for s in GAUSS:
+            for t in GAUSS:
+                a, b, c = HEX_SIGNS.T
                 dn = np.stack([a * (1 + b * s) * (1 + c * t), b * (1 + a * r) * (1 + c * t),
                                c * (1 + a * r) * (1 + b * s)], axis=1) / 8.0
                 volume += np.linalg.det(p.T @ dn)
     return volume
+
+
+HEX_SIGNS = np.array([[-1, -1, -1], [1, -1, -1], [1, 1, -1], [-1, 1, -1],
+                      [-1, -1, 1], [1, -1, 1], [1, 1, 1], [-1, 1, 1]], dtype=float)
 
 
 def tet_volume(p):
@@ -279,8 +272,7 @@ def faces_equiangle_skew(p, faces):
 def wedge_volume(p):
     """2-point Gauss in t times the 3-point (degree 2) triangle rule: exact for the prism map."""
     volume = 0.0
-    g = 1.0 / math.sqrt(3.0)
-    for t in (-g, g):
+    for t in GAUSS:
         for r, s in ((1 / 6, 1 / 6), (2 / 3, 1 / 6), (1 / 6, 2 / 3)):
             lower, upper = 0.5 * (1 - t), 0.5 * (1 + t)
             bottom = p[0] * (1 - r - s) + p[1] * r + p[2] * s
@@ -294,12 +286,11 @@ def wedge_volume(p):
 
 def pyramid_volume(p):
     """The base's bilinear sheet joined to the apex: x = (1 - t) B(r, s) + t apex, 2-point Gauss."""
-    g = 1.0 / math.sqrt(3.0)
     corners = [(-1, -1), (1, -1), (1, 1), (-1, 1)]
     volume = 0.0
-    for r in (-g, g):
-        for s in (-g, g):
-            for tt in (-g, g):
+    for r in GAUSS:
+        for s in GAUSS:
+            for tt in GAUSS:
                 t = 0.5 * (1 + tt)
                 b = sum(0.25 * (1 + r * a) * (1 + s * c) * p[i] for i, (a, c) in enumerate(corners))
                 br = sum(0.25 * a * (1 + s * c) * p[i] for i, (a, c) in enumerate(corners))
@@ -370,7 +361,7 @@ EXTRA = {
     "tri": [("EquiangleSkew", tri_equiangle_skew)],
     "quad": [("EquiangleSkew", quad_equiangle_skew)],
     "tet": [("MeanRatio", tet_mean_ratio), ("EquiangleSkew", tet_equiangle_skew)],
-    "hex": [("EquiangleSkew", hex_equiangle_skew), ("EdgeRatio", hex_edge_ratio), ("Volume", hex_volume)],
+    "hex": [("EquiangleSkew", lambda p: faces_equiangle_skew(p, HEX_FACES)), ("EdgeRatio", hex_edge_ratio), ("Volume", hex_volume)],
     "wedge": [("Volume", wedge_volume), ("EquiangleSkew", lambda p: faces_equiangle_skew(p, WEDGE_FACES))],
     "pyramid": [("Volume", pyramid_volume), ("Jacobian", pyramid_jacobian), ("ScaledJacobian", pyramid_scaled_jacobian),
                 ("Shape", pyramid_shape), ("EquiangleSkew", lambda p: faces_equiangle_skew(p, PYRAMID_FACES))],
