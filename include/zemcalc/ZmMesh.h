@@ -282,9 +282,12 @@ class ZMCALC_API ZmMeshT {
   // (0 when the array is null), segmentThickness[j] that of segment j (0 when null). A segment's
   // own nodes are never tested against it. The segments are binned on a uniform grid whose cell
   // is the average segment size, so the cost grows as the number of nodes and segments, not
-  // their product. Results are appended to `out` ordered by node, then segment. Returns the
-  // number appended; bad connectivity (unknown type, index out of range) appends nothing and
-  // returns 0.
+  // their product (a sort of the (cell, segment) pairs, then a binary search per node); the
+  // index takes about 100 bytes per segment plus 16 per (cell, segment) pair, at most 8 pairs for
+  // a segment of average size. A segment spanning more than 8 cells along an axis is not binned but
+  // tested against every node. Results are appended to `out` ordered by node, then segment.
+  // Returns the number appended; bad connectivity (unknown type, index out of range) appends
+  // nothing and returns 0.
   static std::uint64_t FindPenetrations(const Point* nodes, std::uint64_t nodeCount, const std::uint64_t* queryNodes,
                                         std::uint64_t queryCount, const T* nodeThickness,
                                         const ZmElementType* segmentTypes, const std::int64_t* segmentConnectivity,

@@ -65,9 +65,9 @@ void Fill(const Contact& c, double contactDistance, ZmPenetrationT<T>& out) {
 
 bool IsSegmentType(ZmElementType type) { return type == ZmElementTri3 || type == ZmElementQuad4; }
 
-// A segment's nodes and its box widened by the reach of a contact.
+// A segment's node indices and its box widened by the reach of a contact (its coordinates are
+// gathered again when a node is tested against it, which keeps the index small).
 struct Segment {
-  V3 p[4];
   std::int64_t ids[4];
   ZmElementType type;
   double halfThickness;
@@ -132,15 +132,16 @@ std::uint64_t ZmMeshT<T>::FindPenetrations(const Point* nodes, std::uint64_t nod
       g.ids[i] = segmentConnectivity[position + static_cast<std::uint64_t>(i)];
       if (g.ids[i] < 0 || static_cast<std::uint64_t>(g.ids[i]) >= nodeCount) return 0;
     }
-    usable[s] = GatherNodes(nodes, nodeCount, segmentConnectivity + position, n, g.p) ? 1 : 0;
+    V3 p[4];
+    usable[s] = GatherNodes(nodes, nodeCount, segmentConnectivity + position, n, p) ? 1 : 0;
     position += static_cast<std::uint64_t>(n);
     const double t = segmentThickness ? double(segmentThickness[s]) : 0.0;
     g.halfThickness = std::isfinite(t) ? 0.5 * std::fabs(t) : 0.0;
     if (!usable[s]) continue;
-    g.lo = g.hi = g.p[0];
+    g.lo = g.hi = p[0];
     for (int i = 1; i < n; ++i) {
-      g.lo = {std::min(g.lo.x, g.p[i].x), std::min(g.lo.y, g.p[i].y), std::min(g.lo.z, g.p[i].z)};
-      g.hi = {std::max(g.hi.x, g.p[i].x), std::max(g.hi.y, g.p[i].y), std::max(g.hi.z, g.p[i].z)};
+      g.lo = {std::min(g.lo.x, p[i].x), std::min(g.lo.y, p[i].y), std::min(g.lo.z, p[i].z)};
+      g.hi = {std::max(g.hi.x, p[i].x), std::max(g.hi.y, p[i].y), std::max(g.hi.z, p[i].z)};
     }
     const double reach = g.halfThickness + maxNodeHalf;
     g.lo = g.lo - V3{reach, reach, reach};
@@ -189,9 +190,11 @@ std::uint64_t ZmMeshT<T>::FindPenetrations(const Point* nodes, std::uint64_t nod
       const int n = TopologyOf(g.type).nodes;
       if (std::find(g.ids, g.ids + n, static_cast<std::int64_t>(node)) != g.ids + n) continue;
       if (q.x < g.lo.x || q.y < g.lo.y || q.z < g.lo.z || q.x > g.hi.x || q.y > g.hi.y || q.z > g.hi.z) continue;
+      V3 p[4];
       Contact c;
       const double contactDistance = nodeHalf + g.halfThickness;
-      if (!ClosestOnSegment(g.type, g.p, q, c) || !(c.distance < contactDistance)) continue;
+      GatherNodes(nodes, nodeCount, g.ids, n, p);
+      if (!ClosestOnSegment(g.type, p, q, c) || !(c.distance < contactDistance)) continue;
       Penetration found;
       Fill(c, contactDistance, found);
       found.node = node;

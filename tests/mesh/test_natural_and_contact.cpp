@@ -224,6 +224,14 @@ TEST(Penetration, GridSearchFindsWhatTheAllPairsLoopFinds) {
       thickness.push_back(t(rng));
     }
   }
+  // One segment across the whole box: too large to bin, tested against every node.
+  types.push_back(ZmElementTri3);
+  segmentThickness.push_back(0.5);
+  for (const Pd& corner : {Pd(-1, -1, 5), Pd(11, -1, 5.5), Pd(5, 11, 4.5)}) {
+    connectivity.push_back(static_cast<std::int64_t>(nodes.size()));
+    nodes.push_back(corner);
+    thickness.push_back(0.0);
+  }
   for (int i = 0; i < 3000; ++i) {
     nodes.emplace_back(u(rng), u(rng), u(rng));
     thickness.push_back(t(rng));
