@@ -282,7 +282,7 @@ class ZMCALC_API ZmMeshT {
   // (0 when the array is null), segmentThickness[j] that of segment j (0 when null). A segment's
   // own nodes are never tested against it. The segments are binned on a uniform grid whose cell
   // is the average segment size, so the cost grows as the number of nodes and segments, not
-  // their product (a sort of the (cell, segment) pairs, then a binary search per node); the
+  // their product (a sort of the (cell, segment) pairs, then a hash lookup per node); the
   // index takes about 100 bytes per segment plus 16 per (cell, segment) pair, at most 8 pairs for
   // a segment of average size. A segment spanning more than 8 cells along an axis is not binned but
   // tested against every node. Results are appended to `out` ordered by node, then segment.

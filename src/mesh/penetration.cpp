@@ -90,6 +90,48 @@ std::uint64_t CellKey(std::int64_t i, std::int64_t j, std::int64_t k) {
   return h;
 }
 
+// The sorted (cell key, segment) pairs and an open-addressing table from a cell key to its run
+// of pairs, so that a node finds its cell's segments with one or two probes.
+class CellIndexTable {
+ public:
+  explicit CellIndexTable(std::vector<std::pair<std::uint64_t, std::uint64_t>>& pairs) : pairs_(pairs) {
+    std::sort(pairs_.begin(), pairs_.end());
+    std::size_t runs = 0;
+    for (std::size_t i = 0; i < pairs_.size(); ++i) runs += i == 0 || pairs_[i].first != pairs_[i - 1].first;
+    std::size_t size = 16;
+    while (size < 2 * runs) size *= 2;
+    slots_.assign(size, Slot{0, 0, 0});
+    for (std::size_t i = 0; i < pairs_.size();) {
+      std::size_t end = i;
+      while (end < pairs_.size() && pairs_[end].first == pairs_[i].first) ++end;
+      std::size_t h = Home(pairs_[i].first);
+      while (slots_[h].count) h = (h + 1) & (slots_.size() - 1);
+      slots_[h] = Slot{pairs_[i].first, i, end - i};
+      i = end;
+    }
+  }
+  // The pairs of the cell `key`: [first, first + count).
+  void Find(std::uint64_t key, std::size_t& first, std::size_t& count) const {
+    for (std::size_t h = Home(key);; h = (h + 1) & (slots_.size() - 1)) {
+      if (!slots_[h].count || slots_[h].key == key) {
+        first = slots_[h].first;
+        count = slots_[h].count;
+        return;
+      }
+    }
+  }
+  std::uint64_t SegmentAt(std::size_t i) const { return pairs_[i].second; }
+
+ private:
+  struct Slot {
+    std::uint64_t key;
+    std::size_t first, count;
+  };
+  std::size_t Home(std::uint64_t key) const { return static_cast<std::size_t>(key >> 17) & (slots_.size() - 1); }
+  std::vector<std::pair<std::uint64_t, std::uint64_t>>& pairs_;
+  std::vector<Slot> slots_;
+};
+
 }  // namespace
 
 template <class T>
@@ -170,7 +212,7 @@ std::uint64_t ZmMeshT<T>::FindPenetrations(const Point* nodes, std::uint64_t nod
       for (std::int64_t j = j0; j <= j1; ++j)
         for (std::int64_t k = k0; k <= k1; ++k) bins.emplace_back(CellKey(i, j, k), s);
   }
-  std::sort(bins.begin(), bins.end());
+  const CellIndexTable table(bins);
 
   const std::uint64_t before = out.GetSize();
   const std::uint64_t queries = queryNodes ? queryCount : nodeCount;
@@ -181,9 +223,10 @@ std::uint64_t ZmMeshT<T>::FindPenetrations(const Point* nodes, std::uint64_t nod
     if (node >= nodeCount || !LoadNodes(&nodes[node], 1, &q)) continue;
     const std::uint64_t key = CellKey(CellIndex(q.x, cell), CellIndex(q.y, cell), CellIndex(q.z, cell));
     candidates.assign(oversized.begin(), oversized.end());
-    auto it = std::lower_bound(bins.begin(), bins.end(), std::make_pair(key, std::uint64_t(0)));
-    for (; it != bins.end() && it->first == key; ++it) candidates.push_back(it->second);
-    std::sort(candidates.begin(), candidates.end());
+    std::size_t first, count;
+    table.Find(key, first, count);
+    for (std::size_t i = first; i < first + count; ++i) candidates.push_back(table.SegmentAt(i));
+    if (!oversized.empty()) std::sort(candidates.begin(), candidates.end());
     const double nodeHalf = halfThicknessOfNode(node);
     for (std::uint64_t s : candidates) {
       const Segment& g = segments[s];
