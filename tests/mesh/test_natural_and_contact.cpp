@@ -232,7 +232,7 @@ TEST(Penetration, GridSearchFindsWhatTheAllPairsLoopFinds) {
     nodes.push_back(corner);
     thickness.push_back(0.0);
   }
-  for (int i = 0; i < 3000; ++i) {
+  for (int i = 0; i < 2000; ++i) {
     nodes.emplace_back(u(rng), u(rng), u(rng));
     thickness.push_back(t(rng));
   }
@@ -246,15 +246,15 @@ TEST(Penetration, GridSearchFindsWhatTheAllPairsLoopFinds) {
     std::size_t position = 0;
     for (std::size_t s = 0; s < types.size(); ++s) {
       const int k = M::NodeCount(types[s]);
-      std::vector<Pd> segment;
+      Pd segment[4];
       bool own = false;
       for (int i = 0; i < k; ++i) {
-        segment.push_back(nodes[connectivity[position + i]]);
+        segment[i] = nodes[connectivity[position + i]];
         own = own || connectivity[position + i] == static_cast<std::int64_t>(n);
       }
       position += k;
       M::Penetration p;
-      if (!own && M::ComputePenetration(types[s], segment.data(), nodes[n], thickness[n], segmentThickness[s], p) &&
+      if (!own && M::ComputePenetration(types[s], segment, nodes[n], thickness[n], segmentThickness[s], p) &&
           p.depth > 0)
         all.emplace(n, s, p.depth);
     }
