@@ -1,21 +1,15 @@
 #!/usr/bin/python3
-"""Reference values of the element quality metrics, for tests/mesh.
+"""Reference values of the element quality metrics, for tests/mesh: writes mesh_quality_vtk.txt,
+per element type a line "columns <type> <metric> ..." and one line per element, "<type>
+<coordinates as float32> <values, 17 digits>" ('nan': no value).
 
-Writes mesh_quality_vtk.txt next to this script: for each element type a line
-"columns <type> <metric> ..." and then one line per element, "<type> <coordinates> <values>",
-the coordinates as float32 values (so that both precisions of the library read the same
-element) and the values with 17 significant digits.
-
-The values come from VTK 9.1's vtkMeshQuality (Debian: python3-vtk9, run with /usr/bin/python3),
-whose metrics are those of the Verdict library, and for wedges from the Verdict functions of
-libvtkverdict-9.1.so.1 called through ctypes. Metrics that VTK 9.1 does not offer (the
-equiangle skews, the tetrahedron mean ratio, the pyramid metrics) are computed here with numpy from their
-definitions, and so are the true edge ratio of the hexahedron (longest over shortest of all
-twelve edges) and its exact volume (2x2x2 Gauss integration of the trilinear map's Jacobian
-determinant, exact for its polynomial): VTK 9.1's hex volume is the one-point value (the
-centre Jacobian), not the volume of the trilinear element. Elements: the golden elements of Verdict's unit tests and, per type, random
-elements around the ideal one, from mildly to wildly distorted, inverted and collapsed ones
-among them.
+Values: VTK 9.1's vtkMeshQuality (Verdict's metrics; Debian python3-vtk9, /usr/bin/python3) and,
+for wedges, libvtkverdict-9.1.so.1's Verdict functions through ctypes. What VTK 9.1 lacks (the
+equiangle skews, the tet mean ratio, the pyramid metrics, the true hex edge ratio over all twelve
+edges, exact hex, wedge and pyramid volumes by Gauss integration of the Jacobian determinant;
+VTK 9.1's hex volume is the one-point centre value) is computed here with numpy from the
+definitions. Elements: Verdict's golden test elements, then per type random elements around the
+ideal one, from mildly to wildly distorted, inverted and collapsed ones among them.
 """
 import ctypes
 import math
