@@ -66,6 +66,19 @@ enum ZmElementType : int {
 // VTK's vtkMeshQuality) evaluated the same way; the formulas are listed once here, e_i are the
 // edge vectors p(i+1) - p(i) in the face order, A the area, V the volume, L lengths.
 // A metric not defined for a type gives the invalid marker.
+//
+// Degenerate elements ("tiny" is below 1e-30, Verdict's limit):
+//   invalid marker (Verdict: +-1e30, or 1e30 / 2 and / 3 for the quad and hex condition):
+//     aspect, edge and radius ratios at a zero edge, area or volume; condition and Oddy at a
+//     tiny or negative corner; taper, stretch, diagonal, dimension and the hex skew at a tiny
+//     axis or diagonal; hex and wedge scaled Jacobian at a zero edge; min and max angles at a
+//     zero edge (Verdict: 0 or 360); tet dihedral angle and collapse ratio at a flat face
+//     (Verdict drops those NaN angles); Verdict's quad warpage at a degenerate corner (1e-30);
+//     the warping forms when the diagonals are parallel;
+//   0: shape, tri and quad scaled Jacobian and the quad skew at a zero edge or axis, the tet
+//     mean ratio at zero volume, the pyramid scaled Jacobian when not positive;
+//   1: the equiangle skews at a zero edge;
+//   always a value: areas, volumes and Jacobians.
 enum ZmElementMetric : int {
   // tri 0.5 |e0 x e2|; quad 0.5 |(p2 - p0) x (p3 - p1)| (Verdict: the area projected on the
   // mean plane, exact for a flat quad).
