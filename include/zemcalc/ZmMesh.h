@@ -72,8 +72,8 @@ enum ZmElementType : int {
 //     aspect, edge and radius ratios at a zero edge, area or volume; condition and Oddy at a
 //     tiny or negative corner; taper, stretch, diagonal, dimension and the hex skew at a tiny
 //     axis or diagonal; hex and wedge scaled Jacobian at a zero edge, tet and pyramid ones when
-//     a tetrahedron has no extent at all; min and max angles at a
-//     zero edge (Verdict: 0 or 360); tet dihedral angle and collapse ratio at a flat face
+//     a tetrahedron has no extent at all; min and max angles at a zero edge (Verdict: 0 or
+//     360); tet dihedral angle and collapse ratio at a flat face
 //     (Verdict drops those NaN angles); Verdict's quad warpage at a degenerate corner (1e-30);
 //     the warping forms when the diagonals are parallel;
 //   0: shape, tri and quad scaled Jacobian and the quad skew at a zero edge or axis, the tet
