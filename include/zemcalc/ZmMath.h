@@ -7,6 +7,7 @@
 #include "zemcalc/ZmConstants.h"
 #include "zemcalc/ZmExport.h"
 #include "zemcalc/ZmMathAngle.h"
+#include "zemcalc/ZmMathArc.h"
 #include "zemcalc/ZmMathDistance.h"
 #include "zemcalc/ZmMathFit.h"
 #include "zemcalc/ZmMathIntersect.h"
@@ -46,7 +47,7 @@ class ZMCALC_API ZmMathT : public ZmMathCompareT<T>, public ZmMathDistanceT<T>, 
                              public ZmMathSolveT<T>, public ZmMathMaterialT<T>, public ZmMathTensorT<T>,
                              public ZmMathIntersectT<T>,
                              public ZmMathSpectrumT<T>, public ZmMathTransmissibilityT<T>,
-                             public ZmMathFitT<T> {};
+                             public ZmMathFitT<T>, public ZmMathArcT<T> {};
 
 using ZmMathd = ZmMathT<double>;
 using ZmMathf = ZmMathT<float>;

@@ -21,6 +21,7 @@
 #include "zemcalc/ZmFrame3D.h"
 #include "zemcalc/ZmMath.h"
 #include "zemcalc/ZmMathAngle.h"
+#include "zemcalc/ZmMathArc.h"
 #include "zemcalc/ZmMathDistance.h"
 #include "zemcalc/ZmMathFit.h"
 #include "zemcalc/ZmMathIntersect.h"

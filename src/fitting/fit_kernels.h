@@ -216,7 +216,7 @@ bool LevenbergMarquardt(Model& model) {
       const Model moved = model.Moved(step);
       const double movedCost = moved.Cost();
       if (movedCost < cost) {
-        const bool settled = cost - movedCost <= 1e-15 * cost && lambda <= 1e-2;
+        const bool settled = cost - movedCost <= 1e-15 * cost && lambda <= 1e-9;
         model = moved;
         cost = model.Normal(jtj, jtr);
         lambda = lambda * 0.1 < 1e-12 ? 1e-12 : lambda * 0.1;
