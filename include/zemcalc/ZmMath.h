@@ -13,6 +13,7 @@
 #include "zemcalc/ZmMathIntersect.h"
 #include "zemcalc/ZmMathMaterial.h"
 #include "zemcalc/ZmMathPointCloud.h"
+#include "zemcalc/ZmMathPolygon.h"
 #include "zemcalc/ZmMathPolyline.h"
 #include "zemcalc/ZmMathRotation.h"
 #include "zemcalc/ZmMathSolve.h"
@@ -47,7 +48,7 @@ class ZMCALC_API ZmMathT : public ZmMathCompareT<T>, public ZmMathDistanceT<T>, 
                              public ZmMathSolveT<T>, public ZmMathMaterialT<T>, public ZmMathTensorT<T>,
                              public ZmMathIntersectT<T>,
                              public ZmMathSpectrumT<T>, public ZmMathTransmissibilityT<T>,
-                             public ZmMathFitT<T>, public ZmMathArcT<T> {};
+                             public ZmMathFitT<T>, public ZmMathArcT<T>, public ZmMathPolygonT<T> {};
 
 using ZmMathd = ZmMathT<double>;
 using ZmMathf = ZmMathT<float>;
