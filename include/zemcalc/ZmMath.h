@@ -10,6 +10,7 @@
 #include "zemcalc/ZmMathArc.h"
 #include "zemcalc/ZmMathDistance.h"
 #include "zemcalc/ZmMathFit.h"
+#include "zemcalc/ZmMathGrid.h"
 #include "zemcalc/ZmMathIntersect.h"
 #include "zemcalc/ZmMathMaterial.h"
 #include "zemcalc/ZmMathPointCloud.h"
@@ -48,7 +49,8 @@ class ZMCALC_API ZmMathT : public ZmMathCompareT<T>, public ZmMathDistanceT<T>, 
                              public ZmMathSolveT<T>, public ZmMathMaterialT<T>, public ZmMathTensorT<T>,
                              public ZmMathIntersectT<T>,
                              public ZmMathSpectrumT<T>, public ZmMathTransmissibilityT<T>,
-                             public ZmMathFitT<T>, public ZmMathArcT<T>, public ZmMathPolygonT<T> {};
+                             public ZmMathFitT<T>, public ZmMathArcT<T>, public ZmMathPolygonT<T>,
+                             public ZmMathGridT<T> {};
 
 using ZmMathd = ZmMathT<double>;
 using ZmMathf = ZmMathT<float>;

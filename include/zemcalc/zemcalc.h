@@ -24,6 +24,7 @@
 #include "zemcalc/ZmMathArc.h"
 #include "zemcalc/ZmMathDistance.h"
 #include "zemcalc/ZmMathFit.h"
+#include "zemcalc/ZmMathGrid.h"
 #include "zemcalc/ZmMathIntersect.h"
 #include "zemcalc/ZmMathMaterial.h"
 #include "zemcalc/ZmMathPointCloud.h"
