@@ -1,7 +1,7 @@
 #pragma once
 
-// Least-squares fits of ZmMathd / ZmMathf: lines, planes, circles, spheres, cylinders and the
-// rigid move of one matched point set onto another.
+// Least-squares fits of ZmMathd / ZmMathf: lines, planes, circles, spheres, cylinders,
+// ellipses and the rigid move of one matched point set onto another.
 //
 // Input. Points holding the invalid marker or a NaN are skipped (they belong to no fit); an
 // infinite coordinate (or sums that overflow) gives ZmFitBadInput. Every sum is formed in
@@ -12,7 +12,7 @@
 // largest of the residuals (the orthogonal distances of the points to the fitted shape), and a
 // status. A fit that is not ZmFitOk says why:
 //   ZmFitTooFewPoints  fewer usable points than the shape needs (line 2, plane and circle 3,
-//                      sphere 4, cylinder 5, rigid move 1);
+//                      sphere 4, cylinder and ellipse 5, rigid move 1);
 //   ZmFitDegenerate    the points do not determine the shape (coincident points for a line,
 //                      collinear ones for a plane or a circle, coplanar ones for a sphere); the
 //                      fields hold the stated fallback of each fit;
@@ -135,6 +135,17 @@ struct ZmCylinderFitT {
   ZmFitQualityT<T> quality;
 };
 
+// An ellipse in the plane: centre, unit major axis, semi-axes a >= b. Residual: the distance
+// to the ellipse (computed as the root of its one-dimensional equation by bisection).
+template <class T>
+struct ZmEllipse2FitT {
+  ZmPoint2T<T> center = ZmPoint2T<T>(WbCoord2DT<T>::INVALID);
+  ZmVector2T<T> majorAxis = ZmVector2T<T>(WbCoord2DT<T>::INVALID);
+  T a = zm::Invalid<T>();
+  T b = zm::Invalid<T>();
+  ZmFitQualityT<T> quality;
+};
+
 // The rigid move q = rotation * p + translation. rotation is a proper rotation (determinant
 // +1), never a reflection, even for a mirrored set.
 template <class T>
@@ -172,6 +183,13 @@ public:
   // line): not ZmFitOk.
   static ZmCylinderFitT<T> FitCylinder(const WbArrayTempl<Point3>& points);
 
+  // Fitzgibbon's direct ellipse fit in Halir and Flusser's numerically stable form, on the
+  // points centred on their mean and scaled to a unit root mean square: the conic
+  // A x^2 + B xy + C y^2 + D x + E y + F = 0 minimising the algebraic distance under
+  // 4 A C - B^2 = 1, which is always an ellipse. Fewer than 5 points: ZmFitTooFewPoints; points
+  // that leave no ellipse (collinear, or all on a line pair): ZmFitDegenerate.
+  static ZmEllipse2FitT<T> FitEllipse(const WbArrayTempl<Point2>& points);
+
   // The rigid move that minimises sum w_k |R moving[k] + t - fixed[k]|^2 (Horn's unit
   // quaternion: the eigenvector of the largest eigenvalue of the 4x4 matrix built from the
   // weighted cross-covariance, so the result is always a proper rotation). weights may be null
@@ -201,6 +219,8 @@ using ZmSphereFitd = ZmSphereFitT<double>;
 using ZmSphereFitf = ZmSphereFitT<float>;
 using ZmCylinderFitd = ZmCylinderFitT<double>;
 using ZmCylinderFitf = ZmCylinderFitT<float>;
+using ZmEllipse2Fitd = ZmEllipse2FitT<double>;
+using ZmEllipse2Fitf = ZmEllipse2FitT<float>;
 using ZmRigidFitd = ZmRigidFitT<double>;
 using ZmRigidFitf = ZmRigidFitT<float>;
 

@@ -45,6 +45,11 @@ ZmCylinderFitT<T> ZmMathFitT<T>::FitCylinder(const WbArrayTempl<Point3>& points)
 }
 
 template <class T>
+ZmEllipse2FitT<T> ZmMathFitT<T>::FitEllipse(const WbArrayTempl<Point2>& points) {
+  return zm::fit::FitEllipse<T>(points);
+}
+
+template <class T>
 ZmRigidFitT<T> ZmMathFitT<T>::FitRigid(const WbArrayTempl<Point3>& moving, const WbArrayTempl<Point3>& fixed,
                                        const WbArrayTempl<T>* weights) {
   return zm::fit::FitRigid<T>(moving, fixed, weights);

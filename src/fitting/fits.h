@@ -20,6 +20,8 @@ ZmSphereFitT<T> FitSphere(const WbArrayTempl<ZmPoint3T<T>>& points, bool geometr
 template <class T>
 ZmCylinderFitT<T> FitCylinder(const WbArrayTempl<ZmPoint3T<T>>& points);
 template <class T>
+ZmEllipse2FitT<T> FitEllipse(const WbArrayTempl<ZmPoint2T<T>>& points);
+template <class T>
 ZmRigidFitT<T> FitRigid(const WbArrayTempl<ZmPoint3T<T>>& moving, const WbArrayTempl<ZmPoint3T<T>>& fixed,
                         const WbArrayTempl<T>* weights);
 

@@ -41,8 +41,8 @@ TYPED_TEST(ShapeFitTwins, CirclesMatchTheReference) {
                  {"taubin", ZmCircleFitTaubin},
                  {"hyper", ZmCircleFitHyper},
                  {"geometric", ZmCircleFitGeometric}};
-  int circles = 0;
-  for (const ReferenceRecord& r : ReadReferenceTable("shape_fits.txt", {"circle2", "circle3", "sphere", "cylinder"})) {
+  int circles = 0, ellipses = 0;
+  for (const ReferenceRecord& r : ReadReferenceTable("shape_fits.txt", {"circle2", "circle3", "sphere", "cylinder", "ellipse"})) {
     if (r.kind == "circle2") {
       ++circles;
       WbArrayTempl<ZmPoint2T<T>> points;
@@ -70,6 +70,30 @@ TYPED_TEST(ShapeFitTwins, CirclesMatchTheReference) {
         for (int i = 0; i < 3; ++i) EXPECT_NEAR(zm::Component(fit.center, i), e[i], tol * e[3]) << name;
         EXPECT_NEAR(fit.radius, e[3], tol * e[3]) << name;
       }
+    } else if (r.kind == "ellipse") {
+      const std::vector<double>& e = r.results.at("direct");
+      WbArrayTempl<ZmPoint2T<T>> points;
+      for (const auto& row : r.rows) points.Add(ZmPoint2T<T>(row[0], row[1]));
+      const auto fit = ZmMathT<T>::FitEllipse(points);
+      EXPECT_EQ(fit.quality.status, ZmFitOk);
+      EXPECT_NEAR(fit.center.x, e[0], tol * e[4]);
+      EXPECT_NEAR(fit.center.y, e[1], tol * e[4]);
+      EXPECT_NEAR(std::fabs(fit.majorAxis.x * e[2] + fit.majorAxis.y * e[3]), 1.0, tol);
+      EXPECT_NEAR(fit.a, e[4], tol * e[4]);
+      EXPECT_NEAR(fit.b, e[5], tol * e[4]);
+      // The largest residual against the distance to 100000 points along the fitted ellipse.
+      double largest = 0;
+      for (const auto& row : r.rows) {
+        double nearest = 1e300;
+        for (int k = 0; k < 100000; ++k) {
+          const double t = k * 6.283185307179586 / 100000, u = fit.a * std::cos(t), v = fit.b * std::sin(t);
+          nearest = std::fmin(nearest, std::hypot(fit.center.x + u * fit.majorAxis.x - v * fit.majorAxis.y - row[0],
+                                                  fit.center.y + u * fit.majorAxis.y + v * fit.majorAxis.x - row[1]));
+        }
+        largest = std::fmax(largest, nearest);
+      }
+      EXPECT_NEAR(fit.quality.maxResidual, largest, 1e-5);
+      ++ellipses;
     } else {
       const std::vector<double>& e = r.results.at("geometric");
       const auto fit = ZmMathT<T>::FitCylinder(Points3<T>(r));
@@ -80,6 +104,7 @@ TYPED_TEST(ShapeFitTwins, CirclesMatchTheReference) {
     }
   }
   EXPECT_EQ(circles, 5);
+  EXPECT_EQ(ellipses, 2);
 }
 
 TYPED_TEST(ShapeFitTwins, ExactShapesAndDegenerateInput) {
@@ -135,6 +160,24 @@ TYPED_TEST(ShapeFitTwins, ExactShapesAndDegenerateInput) {
   EXPECT_EQ(ZmMathT<T>::FitCylinder(square).quality.status, ZmFitTooFewPoints);
   const WbArrayTempl<P3> line{P3(0, 0, 0), P3(1, 0, 0), P3(2, 0, 0), P3(3, 0, 0), P3(4, 0, 0)};
   EXPECT_EQ(ZmMathT<T>::FitCylinder(line).quality.status, ZmFitDegenerate);
+  // The ellipse x^2 / 9 + y^2 / 4 = 1 about (1, -1), turned a quarter: major axis along Y.
+  WbArrayTempl<P2> ellipse;
+  for (int k = 0; k < 8; ++k) {
+    const double t = k * 3.141592653589793 / 4;
+    ellipse.Add(P2(1 - 2 * std::sin(t), -1 + 3 * std::cos(t)));
+  }
+  const auto e = ZmMathT<T>::FitEllipse(ellipse);
+  EXPECT_EQ(e.quality.status, ZmFitOk);
+  EXPECT_NEAR(e.a, 3.0, 1e-5);
+  EXPECT_NEAR(e.b, 2.0, 1e-5);
+  EXPECT_NEAR(std::fabs(e.majorAxis.y), 1.0, 1e-5);
+  EXPECT_NEAR((e.center - P2(1, -1)).length(), 0.0, 1e-5);
+  EXPECT_NEAR(e.quality.maxResidual, 0.0, 1e-5);
+  EXPECT_EQ(ZmMathT<T>::FitEllipse(WbArrayTempl<P2>{P2(0, 0), P2(1, 1), P2(2, 2), P2(3, 3), P2(4, 4), P2(5, 5)})
+                .quality.status,
+            ZmFitDegenerate);
+  EXPECT_EQ(ZmMathT<T>::FitEllipse(WbArrayTempl<P2>{P2(0, 0), P2(1, 1), P2(2, 0), P2(1, -1)}).quality.status,
+            ZmFitTooFewPoints);
   // The regular octahedron of radius 2 about (1, 1, 1) is its own sphere.
   WbArrayTempl<P3> octahedron;
   for (int axis = 0; axis < 3; ++axis) {

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""Writes shape_fits.txt: noisy arcs, caps and mantles with the circles, spheres and cylinders
-fitted to them by independent code: the algebraic circle fits as the generalised eigenproblem
+"""Writes shape_fits.txt: noisy arcs, caps, mantles and ellipses with the shapes fitted to them
+by independent code: the direct ellipse fit with numpy, the algebraic circle fits as the generalised eigenproblem
 M A = eta N A on the raw (uncentred) moments, Kasa by linear least squares, and the geometric
 fits by scipy.optimize.least_squares (trust-region reflective, stopped on the gradient). Run by hand when the
 cases change (CI reads the committed table and does not need scipy):
@@ -132,6 +132,33 @@ def cylinder_case(points, seed_axis):
     print("geometric", fmt(list(foot) + list(d) + [r]))
 
 
+def ellipse_case(points):
+    # Fitzgibbon's direct fit in Halir and Flusser's form, on the raw coordinates.
+    print("ellipse %d" % len(points))
+    for p in points:
+        print(fmt(p))
+    x, y = points[:, 0], points[:, 1]
+    d1 = np.column_stack([x * x, x * y, y * y])
+    d2 = np.column_stack([x, y, np.ones_like(x)])
+    s1, s2, s3 = d1.T @ d1, d1.T @ d2, d2.T @ d2
+    t = -np.linalg.solve(s3, s2.T)
+    m = s1 + s2 @ t
+    m = np.array([m[2] / 2, -m[1], m[0] / 2])
+    _, vectors = np.linalg.eig(m)
+    vectors = vectors.real
+    constraint = 4 * vectors[0] * vectors[2] - vectors[1] ** 2
+    a1 = vectors[:, np.argmax(constraint)]
+    qa, qb, qc = a1
+    qd, qe, qf = t @ a1
+    den = qb * qb - 4 * qa * qc
+    x0, y0 = (2 * qc * qd - qb * qe) / den, (2 * qa * qe - qb * qd) / den
+    f0 = qf + (qd * x0 + qe * y0) / 2
+    values, axes = np.linalg.eigh(np.array([[qa, qb / 2], [qb / 2, qc]]))
+    semi = np.sqrt(-f0 / values)
+    major = np.argmax(semi)
+    print("direct", fmt([x0, y0, axes[0, major], axes[1, major], semi[major], semi[1 - major]]))
+
+
 def rotate(points, axis, angle, shift):
     axis = np.asarray(axis, dtype=float) / np.linalg.norm(axis)
     k = np.array([[0, -axis[2], axis[1]], [axis[2], 0, -axis[0]], [-axis[1], axis[0], 0]])
@@ -142,6 +169,7 @@ def rotate(points, axis, angle, shift):
 print("# circle2 <n> | circle3 <n> | sphere <n> | cylinder <n>, then n points, then per method")
 print("# circle2: kasa|pratt|taubin|hyper|geometric cx cy r;  circle3: geometric cx cy cz nx ny nz r")
 print("# sphere: kasa|geometric cx cy cz r;  cylinder: geometric px py pz dx dy dz r")
+print("# ellipse: direct cx cy ux uy a b (u the unit major axis, up to sign)")
 for sweep, n, noise in ((30, 20, 0.01), (90, 25, 0.02), (360, 30, 0.05), (30, 12, 0.001), (90, 40, 0.2)):
     circle2_case(arc((2.5, -1.25), 4.0, 17.0, sweep, n, noise))
 for sweep in (30, 90, 360):
@@ -164,3 +192,8 @@ for sweep, height in ((360, 10.0), (200, 6.0)):
     # Seeded near the true axis: the reference must find the minimum around it.
     seed = rotate(np.array([[0.0, 0.0, 1.0]]), (0.3, -1, 0.2), 0.9, 0)[0] + np.array([0.02, -0.01, 0.01])
     cylinder_case(points, seed / np.linalg.norm(seed))
+for sweep, n, noise in ((360, 40, 0.02), (120, 30, 0.05)):
+    t = np.radians(10 + sweep * np.arange(n) / n)
+    local = np.column_stack([5 * np.cos(t), 2 * np.sin(t)]) + noise * rng.standard_normal((n, 2))
+    c, s = np.cos(np.radians(30)), np.sin(np.radians(30))
+    ellipse_case(local @ np.array([[c, s], [-s, c]]) + np.array([3.0, -2.0]))
