@@ -146,12 +146,11 @@ struct BallModel {
   }
 };
 
-// The best algebraic (or geometric) circle of 2D points given by forEach and collected in
-// points (collected only for the geometric fit). Writes the centre and radius and returns the
-// status.
+// The algebraic (or geometric) circle of the 2D points with moments m that forEach visits
+// (again, for the geometric fit). Writes the centre and radius and returns the status.
 template <class T, class ForEach>
-ZmFitStatus CircleIn2D(ForEach forEach, ZmCircleFitMethod method, double& cx, double& cy, double& r) {
-  const Moments2 m = ComputeMoments(forEach);
+ZmFitStatus CircleIn2D(const Moments2& m, ForEach forEach, ZmCircleFitMethod method, double& cx, double& cy,
+                       double& r) {
   const ZmCircleFitMethod algebraic = method == ZmCircleFitGeometric ? ZmCircleFitTaubin : method;
   if (!SolveAlgebraic<T>(m, algebraic, cx, cy, r)) return ZmFitDegenerate;
   cx += m.meanX;
@@ -173,26 +172,30 @@ bool IsMethod(ZmCircleFitMethod method) { return method >= ZmCircleFitKasa && me
 template <class T>
 ZmCircle2FitT<T> FitCircle2(const WbArrayTempl<ZmPoint2T<T>>& points, ZmCircleFitMethod method) {
   ZmCircle2FitT<T> fit;
-  std::int64_t count = 0;
-  const bool finite = ForEachUsable(points, [&count](const P3&) { ++count; });
-  if (!finite || !IsMethod(method)) {
-    fit.quality = Failed<T>(ZmFitBadInput, count);
-    return fit;
-  }
-  if (count < 3) {
-    fit.quality = Failed<T>(ZmFitTooFewPoints, count);
-    return fit;
-  }
+  // The moments' count and finiteness stand for the usable points' (an infinite coordinate
+  // turns its mean into an infinity or a NaN).
   const auto forEach = [&points](auto visit) { ForEachUsable(points, [&](const P3& p) { visit(p.x, p.y); }); };
+  const Moments2 m = ComputeMoments(forEach);
+  if (!IsMethod(method) || !std::isfinite(m.meanX + m.meanY + m.zz)) {
+    fit.quality = Failed<T>(ZmFitBadInput, m.count);
+    return fit;
+  }
+  if (m.count < 3) {
+    fit.quality = Failed<T>(ZmFitTooFewPoints, m.count);
+    return fit;
+  }
   double cx = 0, cy = 0, r = 0;
-  const ZmFitStatus status = CircleIn2D<T>(forEach, method, cx, cy, r);
+  const ZmFitStatus status = CircleIn2D<T>(m, forEach, method, cx, cy, r);
   if (status == ZmFitDegenerate) {
-    fit.quality = Failed<T>(status, count);
+    fit.quality = Failed<T>(status, m.count);
     return fit;
   }
   fit.center = ZmPoint2T<T>(cx, cy);
   fit.radius = T(r);
-  fit.quality = Measure<T>(points, status, [&](const P3& p) { return std::hypot(p.x - cx, p.y - cy) - r; });
+  fit.quality = Measure<T>(points, status, [&](const P3& p) {
+    const double dx = p.x - cx, dy = p.y - cy;
+    return std::sqrt(dx * dx + dy * dy) - r;
+  });
   return fit;
 }
 
@@ -219,7 +222,7 @@ ZmCircle3FitT<T> FitCircle3(const WbArrayTempl<ZmPoint3T<T>>& points, ZmCircleFi
     ForEachUsable(points, [&](const P3& p) { visit((p - s.mean).dot(u), (p - s.mean).dot(v)); });
   };
   double cx = 0, cy = 0, r = 0;
-  const ZmFitStatus status = CircleIn2D<T>(forEach, method, cx, cy, r);
+  const ZmFitStatus status = CircleIn2D<T>(ComputeMoments(forEach), forEach, method, cx, cy, r);
   if (status == ZmFitDegenerate) {
     fit.quality = Failed<T>(status, s.count);
     return fit;
@@ -231,7 +234,8 @@ ZmCircle3FitT<T> FitCircle3(const WbArrayTempl<ZmPoint3T<T>>& points, ZmCircleFi
   fit.quality = Measure<T>(points, status, [&](const P3& p) {
     const V3 d = p - center;
     const double h = d.dot(n);
-    return std::hypot(h, (d - n * h).length() - r);
+    const double across = (d - n * h).length() - r;
+    return std::sqrt(h * h + across * across);
   });
   return fit;
 }
