@@ -4,7 +4,8 @@
 // spaced abscissae over a range. Each returns the number of points written (the output array
 // is replaced), or -1 with the array emptied for bad input: a NaN, an infinity or the invalid
 // marker among the arguments, a spacing that is not positive, a negative length, a polygon the
-// polygon statics cannot frame, or more than 2^24 points.
+// polygon statics cannot frame, more than 2^24 points, or (over a polygon) lattice indices
+// beyond 2^52 (a spacing far below the distance of the lattice origin).
 #include <cstdint>
 
 #include <wbcore/WbArray.h>

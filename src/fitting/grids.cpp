@@ -44,7 +44,7 @@ std::int64_t ZmMathGridT<T>::RectangleGrid(const ZmFrameT<T>& frame, T lengthX, 
   // A quotient within 16 eps of a whole number is that number: the spacings were meant to fit.
   const double slack = 1 + 16.0 * double(std::numeric_limits<T>::epsilon());
   const double nx = std::floor(lx / sx * slack) + 1, ny = std::floor(ly / sy * slack) + 1;
-  if (nx * ny > kMaxPoints) return -1;
+  if (!(nx * ny <= kMaxPoints)) return -1;
   const V3 x(frame.GetVector(0)), y(frame.GetVector(1));
   points.Reserve(std::uint64_t(nx * ny));
   for (long j = 0; j < long(ny); ++j) {
@@ -94,12 +94,16 @@ std::int64_t ZmMathGridT<T>::PolygonGrid(const WbArrayTempl<Point3>& polygon,
   }
   const double i0 = std::ceil(lo[0] / s), i1 = std::floor(hi[0] / s), j0 = std::ceil(lo[1] / s),
                j1 = std::floor(hi[1] / s);
-  if ((i1 - i0 + 1) * (j1 - j0 + 1) > kMaxPoints) return -1;
-  for (double j = j0; j <= j1; ++j) {
-    for (double i = i0; i <= i1; ++i) {
+  // Also refuses the infinite or NaN extents of a spacing far below the polygon's size, and
+  // lattice indices too large to count in a double.
+  const double largestIndex = std::max({std::fabs(i0), std::fabs(i1), std::fabs(j0), std::fabs(j1)});
+  if (!((i1 - i0 + 1) * (j1 - j0 + 1) <= kMaxPoints) || !(largestIndex < 4503599627370496.0)) return -1;
+  for (long long j = 0; j <= (long long)(j1 - j0); ++j) {
+    for (long long i = 0; i <= (long long)(i1 - i0); ++i) {
+      const double u = (i0 + double(i)) * s, v = (j0 + double(j)) * s;
       bool inside = false;
-      for (const auto& loop : loops) inside = inside != CrossesOddly(loop, i * s, j * s);
-      if (inside) points.Add(Point3(o + x * (i * s) + y * (j * s)));
+      for (const auto& loop : loops) inside = inside != CrossesOddly(loop, u, v);
+      if (inside) points.Add(Point3(o + x * u + y * v));
     }
   }
   return std::int64_t(points.GetSize());
@@ -114,7 +118,7 @@ std::int64_t ZmMathGridT<T>::RangeGrid(T from, T to, T maxSpacing, WbArrayTempl<
     return -1;
   }
   const double n = std::max(1.0, std::ceil(std::fabs(b - a) / m));
-  if (n + 1 > kMaxPoints) return -1;
+  if (!(n + 1 <= kMaxPoints)) return -1;
   if (a == b) {
     abscissae.Add(from);
     return 1;
