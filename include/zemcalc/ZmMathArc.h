@@ -51,7 +51,7 @@ struct ZmEllipseT {
 
 template <class T>
 class ZMCALC_API ZmMathArcT {
-public:
+ public:
   using Point2 = ZmPoint2T<T>;
   using Point3 = ZmPoint3T<T>;
   using Vector3 = ZmVector3T<T>;

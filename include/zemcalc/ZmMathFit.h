@@ -20,9 +20,9 @@
 //   ZmFitNoConvergence the geometric iteration stopped at its limit (its best estimate is kept).
 // Shape fields that a failed fit cannot give hold the invalid marker -1.0e32f (widened); the
 // quality figures of a fit without a shape are the marker too. No fit returns a NaN.
-#include <cstdint>
-
 #include <wbcore/WbArray.h>
+
+#include <cstdint>
 
 #include "zemcalc/ZmConstants.h"
 #include "zemcalc/ZmExport.h"
@@ -157,7 +157,7 @@ struct ZmRigidFitT {
 
 template <class T>
 class ZMCALC_API ZmMathFitT {
-public:
+ public:
   using Point2 = ZmPoint2T<T>;
   using Point3 = ZmPoint3T<T>;
 

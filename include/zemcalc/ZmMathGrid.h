@@ -6,9 +6,9 @@
 // marker among the arguments, a spacing that is not positive, a negative length, a polygon the
 // polygon statics cannot frame, more than 2^24 points, or (over a polygon) lattice indices
 // beyond 2^52 (a spacing far below the distance of the lattice origin).
-#include <cstdint>
-
 #include <wbcore/WbArray.h>
+
+#include <cstdint>
 
 #include "zemcalc/ZmExport.h"
 #include "zemcalc/ZmFrame.h"
@@ -16,7 +16,7 @@
 
 template <class T>
 class ZMCALC_API ZmMathGridT {
-public:
+ public:
   using Point3 = ZmPoint3T<T>;
 
   // origin + i spacingX X + j spacingY Y (X, Y the frame's first two axes) for i = 0..nx - 1

@@ -53,7 +53,7 @@ struct ZmPolygonPropertiesT {
 
 template <class T>
 class ZMCALC_API ZmMathPolygonT {
-public:
+ public:
   using Point2 = ZmPoint2T<T>;
   using Point3 = ZmPoint3T<T>;
   using Vector3 = ZmVector3T<T>;

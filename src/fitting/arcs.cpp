@@ -208,8 +208,7 @@ template <class T>
 ZmArcStatus ZmMathArcT<T>::TessellateArc(const Arc& arc, T chordTolerance, T maxAngle, WbArrayTempl<Point3>& points) {
   points.RemoveAll();
   if (!IsUsableArc(arc)) return ZmArcBadInput;
-  const double r = double(arc.radius), sweep = double(arc.sweep), tol = double(chordTolerance),
-               most = double(maxAngle);
+  const double r = double(arc.radius), sweep = double(arc.sweep), tol = double(chordTolerance), most = double(maxAngle);
   double step = kPi;
   if (HasLimit(tol)) step = std::min(step, 2 * std::acos(std::max(-1.0, 1 - tol / r)));
   if (HasLimit(most)) step = std::min(step, most);

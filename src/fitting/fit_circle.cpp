@@ -70,7 +70,8 @@ bool SolveAlgebraic(const Moments2& m, ZmCircleFitMethod method, double& cx, dou
   if (method != ZmCircleFitKasa) {
     const double q[3] = {m.zz - mz * mz, -n11 - 2 * k * mz, -k * k};
     const double d[3] = {cov, -mz, 1};
-    const double rr[2] = {m.xz * m.xz * m.yy + m.yz * m.yz * m.xx - 2 * m.xz * m.yz * m.xy, -(m.xz * m.xz + m.yz * m.yz)};
+    const double rr[2] = {m.xz * m.xz * m.yy + m.yz * m.yz * m.xx - 2 * m.xz * m.yz * m.xy,
+                          -(m.xz * m.xz + m.yz * m.yz)};
     double p[5] = {-rr[0], -rr[1], 0, 0, 0};
     for (int i = 0; i < 3; ++i) {
       for (int j = 0; j < 3; ++j) p[i + j] += q[i] * d[j];

@@ -38,7 +38,8 @@ int RealCubicRoots(double c2, double c1, double c0, double (&roots)[3]) {
 // two rows of m - lambda I.
 bool EigenvectorFor(const double (&m)[3][3], double lambda, V3& out) {
   V3 rows[3];
-  for (int i = 0; i < 3; ++i) rows[i] = V3(m[i][0] - (i == 0) * lambda, m[i][1] - (i == 1) * lambda, m[i][2] - (i == 2) * lambda);
+  for (int i = 0; i < 3; ++i)
+    rows[i] = V3(m[i][0] - (i == 0) * lambda, m[i][1] - (i == 1) * lambda, m[i][2] - (i == 2) * lambda);
   const V3 candidates[3] = {rows[0].cross(rows[1]), rows[0].cross(rows[2]), rows[1].cross(rows[2])};
   out = candidates[0];
   for (const V3& c : candidates) {
@@ -125,9 +126,8 @@ ZmEllipse2FitT<T> FitEllipse(const WbArrayTempl<ZmPoint2T<T>>& points) {
       for (int k = 0; k < 3; ++k) m[i][j] += s2[i][k] * t[k][j];
     }
   }
-  const double reduced[3][3] = {{m[2][0] / 2, m[2][1] / 2, m[2][2] / 2},
-                                {-m[1][0], -m[1][1], -m[1][2]},
-                                {m[0][0] / 2, m[0][1] / 2, m[0][2] / 2}};
+  const double reduced[3][3] = {
+      {m[2][0] / 2, m[2][1] / 2, m[2][2] / 2}, {-m[1][0], -m[1][1], -m[1][2]}, {m[0][0] / 2, m[0][1] / 2, m[0][2] / 2}};
   const double trace = reduced[0][0] + reduced[1][1] + reduced[2][2];
   const double minors = reduced[0][0] * reduced[1][1] - reduced[0][1] * reduced[1][0] + reduced[0][0] * reduced[2][2] -
                         reduced[0][2] * reduced[2][0] + reduced[1][1] * reduced[2][2] - reduced[1][2] * reduced[2][1];

@@ -59,8 +59,8 @@ ZmPlaneFitT<T> FitPlane(const WbArrayTempl<ZmPoint3T<T>>& points) {
   fit.point = ZmPoint3T<T>(s.mean);
   fit.normal = ZmVector3T<T>(normal);
   fit.fitQuality = rank < 2 ? T(0) : T(QualityRatio(e.values[0], e.values[1]));
-  fit.quality = Measure<T>(points, rank < 2 ? ZmFitDegenerate : ZmFitOk,
-                           [&](const P3& p) { return (p - s.mean).dot(normal); });
+  fit.quality =
+      Measure<T>(points, rank < 2 ? ZmFitDegenerate : ZmFitOk, [&](const P3& p) { return (p - s.mean).dot(normal); });
   return fit;
 }
 

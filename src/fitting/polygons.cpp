@@ -92,7 +92,8 @@ double SignedAreaAlong(const WbArrayTempl<P>& vertices, const V3& reference) {
 bool FirstAxis(const std::vector<P3>& p, const V3& normal, ZmPolygonAxis axis, V3& x) {
   const auto inPlane = [&normal](const V3& v) { return v - normal * v.dot(normal); };
   if (axis == ZmPolygonAxisMidLines && p.size() == 4) {
-    const V3 a = inPlane((p[1] + p[2]) * 0.5 - (p[3] + p[0]) * 0.5), b = inPlane((p[2] + p[3]) * 0.5 - (p[0] + p[1]) * 0.5);
+    const V3 a = inPlane((p[1] + p[2]) * 0.5 - (p[3] + p[0]) * 0.5),
+             b = inPlane((p[2] + p[3]) * 0.5 - (p[0] + p[1]) * 0.5);
     if (a.length() > 0 && b.length() > 0) {
       const V3 sum = a * (1.0 / a.length()) + b.cross(normal) * (1.0 / b.length());
       if (sum.length() > 0) {
@@ -165,8 +166,7 @@ ZmPolygonStatus ZmMathPolygonT<T>::PolygonFrame(const WbArrayTempl<Point3>& vert
   if (s.status != ZmPolygonOk) return s.status;
   V3 x;
   if (!zm::polygon::FirstAxis(p, s.normal, axis, x)) return ZmPolygonDegenerate;
-  frame = ZmFrameT<T>(Vector3(x), Vector3(s.normal.cross(x)), Vector3(s.normal), Point3(s.centroid),
-                      ZmFrameCartesian);
+  frame = ZmFrameT<T>(Vector3(x), Vector3(s.normal.cross(x)), Vector3(s.normal), Point3(s.centroid), ZmFrameCartesian);
   return ZmPolygonOk;
 }
 

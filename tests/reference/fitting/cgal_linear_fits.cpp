@@ -20,7 +20,7 @@ int main() {
     double sx, sy, sz, offset;
     int n;
   };
-  const Shape shapes[] = {{10, 5, 0.1, 0, 20},   {10, 5, 0.1, 1e4, 30}, {3, 2, 1, 5, 12},   {8, 0.2, 0.1, -50, 25},
+  const Shape shapes[] = {{10, 5, 0.1, 0, 20},   {10, 5, 0.1, 1e4, 30}, {3, 2, 1, 5, 12},      {8, 0.2, 0.1, -50, 25},
                           {1, 1, 1e-3, 1e5, 40}, {5, 4, 3, 0, 8},       {20, 0.5, 0.5, 7, 16}, {2, 1.9, 0.01, -3, 10}};
   std::printf("# cloud <n>, then n lines of x y z, then\n");
   std::printf("# plane <nx ny nz> <px py pz> <quality> and line <dx dy dz> <px py pz> <quality>\n");
@@ -42,13 +42,13 @@ int main() {
     K::Plane_3 plane;
     K::Line_3 line;
     K::Point_3 centroid;
-    const double planeQuality = CGAL::linear_least_squares_fitting_3(points.begin(), points.end(), plane, centroid,
-                                                                    CGAL::Dimension_tag<0>());
+    const double planeQuality =
+        CGAL::linear_least_squares_fitting_3(points.begin(), points.end(), plane, centroid, CGAL::Dimension_tag<0>());
     const K::Vector_3 n = plane.orthogonal_vector() / std::sqrt(plane.orthogonal_vector().squared_length());
     std::printf("plane %.17g %.17g %.17g %.17g %.17g %.17g %.17g\n", n.x(), n.y(), n.z(), centroid.x(), centroid.y(),
                 centroid.z(), planeQuality);
-    const double lineQuality = CGAL::linear_least_squares_fitting_3(points.begin(), points.end(), line, centroid,
-                                                                   CGAL::Dimension_tag<0>());
+    const double lineQuality =
+        CGAL::linear_least_squares_fitting_3(points.begin(), points.end(), line, centroid, CGAL::Dimension_tag<0>());
     const K::Vector_3 d = line.to_vector() / std::sqrt(line.to_vector().squared_length());
     std::printf("line %.17g %.17g %.17g %.17g %.17g %.17g %.17g\n", d.x(), d.y(), d.z(), centroid.x(), centroid.y(),
                 centroid.z(), lineQuality);

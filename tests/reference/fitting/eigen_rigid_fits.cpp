@@ -4,7 +4,6 @@
 // Run by hand when the cases change (CI reads the committed table and does not need Eigen):
 //   g++ -O2 -std=c++17 -I/usr/include/eigen3 eigen_rigid_fits.cpp -o gen && ./gen > rigid_fits.txt
 #include <Eigen/Geometry>
-
 #include <cstdio>
 #include <random>
 
@@ -25,7 +24,8 @@ int main() {
     const Eigen::Quaterniond q = Eigen::Quaterniond(gauss(rng), gauss(rng), gauss(rng), gauss(rng)).normalized();
     const Eigen::Vector3d shift(c.offset + gauss(rng), -c.offset + gauss(rng), 0.5 * c.offset + gauss(rng));
     for (int i = 0; i < c.n; ++i) {
-      moving.col(i) = c.spread * Eigen::Vector3d(gauss(rng), gauss(rng), gauss(rng)) + Eigen::Vector3d::Constant(c.offset);
+      moving.col(i) =
+          c.spread * Eigen::Vector3d(gauss(rng), gauss(rng), gauss(rng)) + Eigen::Vector3d::Constant(c.offset);
       Eigen::Vector3d image = q * moving.col(i) + shift;
       if (c.mirror) image.x() = -image.x();
       fixed.col(i) = image + c.noise * Eigen::Vector3d(gauss(rng), gauss(rng), gauss(rng));
