@@ -2,6 +2,7 @@
 
 // Reads the committed tables of tests/reference/fitting: a record opens with "<kind> <n>" and
 // its n numeric rows, followed by named result lines "<name> <numbers...>"; '#' starts a comment.
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <map>
@@ -37,9 +38,7 @@ inline std::vector<ReferenceRecord> ReadReferenceTable(const std::string& name, 
     }
     std::string word;
     in >> word;
-    bool opens = false;
-    for (const std::string& kind : kinds) opens = opens || kind == word;
-    if (opens) {
+    if (std::find(kinds.begin(), kinds.end(), word) != kinds.end()) {
       records.push_back(ReferenceRecord{word, {}, {}});
       in >> pendingRows;
     } else if (!records.empty()) {

@@ -1,10 +1,11 @@
 // Circles through three points, arcs from centre, tangent and fillet, and tessellation with
 // the fewest chords, in both twins.
 #include <gtest/gtest.h>
-#include <zemcalc/zemcalc.h>
 
 #include <cmath>
 #include <limits>
+
+#include <zemcalc/zemcalc.h>
 
 namespace {
 
@@ -39,8 +40,8 @@ TYPED_TEST(ArcTwins, CircleThroughThreePoints) {
       {P(1, -3, 0), P(6, 2, 0), P(4, 6, 0), ZmArcOk, P(1, 2, 0), 5, 1, std::atan2(4.0, 3.0) + kPi / 2},
       {P(13, -16, 30), P(10, -20, 35), P(7, -24, 30), ZmArcOk, P(10, -20, 30), 5, 0, kPi},
       // In float 1e6 + 1 is within 16 eps of 1e6: the points count as one.
-      {P(1e6 + 1, 1e6, 0), P(1e6, 1e6 + 1, 0), P(1e6 - 1, 1e6, 0), isDouble ? ZmArcOk : ZmArcCoincident, P(1e6, 1e6, 0),
-       1, 1, kPi},
+      {P(1e6 + 1, 1e6, 0), P(1e6, 1e6 + 1, 0), P(1e6 - 1, 1e6, 0), isDouble ? ZmArcOk : ZmArcCoincident,
+       P(1e6, 1e6, 0), 1, 1, kPi},
       {P(0, 0, 0), P(1, 1, 1), P(3, 3, 3), ZmArcCollinear, P(0, 0, 0), 0, 0, 0},
       {P(0, 0, 0), P(1, 1, 1), P(1, 1, 1), ZmArcCoincident, P(0, 0, 0), 0, 0, 0},
       {P(0, 0, 0), P(1, nan, 1), P(1, 0, 1), ZmArcBadInput, P(0, 0, 0), 0, 0, 0},
@@ -83,15 +84,16 @@ TYPED_TEST(ArcTwins, ArcsFromCenterTangentAndFillet) {
   };
   const Row rows[] = {
       // The end only gives the direction: a quarter turn about +Z, three about -Z, a full turn.
-      {M::ArcFromCenter(P(1, 0, 5), P(0, 2, 0), P(0, 0, 0), V(0, 0, 3)), ZmArcOk, P(0, 0, 0), P(1, 0, 0), 1, kPi / 2,
-       V(0, 1, 0)},
+      {M::ArcFromCenter(P(1, 0, 5), P(0, 2, 0), P(0, 0, 0), V(0, 0, 3)), ZmArcOk, P(0, 0, 0), P(1, 0, 0), 1,
+       kPi / 2, V(0, 1, 0)},
       {M::ArcFromCenter(P(1, 0, 0), P(0, 2, 0), P(0, 0, 0), V(0, 0, -1)), ZmArcOk, P(0, 0, 0), P(1, 0, 0), 1,
        3 * kPi / 2, V(0, -1, 0)},
-      {M::ArcFromCenter(P(2, 0, 0), P(5, 0, 0), P(0, 0, 0), V(0, 0, 1)), ZmArcOk, P(0, 0, 0), P(2, 0, 0), 2, 2 * kPi,
-       V(0, 1, 0)},
+      {M::ArcFromCenter(P(2, 0, 0), P(5, 0, 0), P(0, 0, 0), V(0, 0, 1)), ZmArcOk, P(0, 0, 0), P(2, 0, 0), 2,
+       2 * kPi, V(0, 1, 0)},
       {M::ArcFromCenter(P(0, 0, 1), P(1, 0, 0), P(0, 0, 0), V(0, 0, 1)), ZmArcCoincident, P(), P(), 0, 0, V()},
       // From (0, 0) along X to (1, 1): centre (0, 1), a quarter; to (0, 2): a half turn.
-      {M::ArcFromTangent(P(0, 0, 0), V(2, 0, 0), P(1, 1, 0)), ZmArcOk, P(0, 1, 0), P(0, 0, 0), 1, kPi / 2, V(1, 0, 0)},
+      {M::ArcFromTangent(P(0, 0, 0), V(2, 0, 0), P(1, 1, 0)), ZmArcOk, P(0, 1, 0), P(0, 0, 0), 1, kPi / 2,
+       V(1, 0, 0)},
       {M::ArcFromTangent(P(0, 0, 0), V(1, 0, 0), P(0, 0, 2)), ZmArcOk, P(0, 0, 1), P(0, 0, 0), 1, kPi, V(1, 0, 0)},
       {M::ArcFromTangent(P(0, 0, 0), V(1, 0, 0), P(-3, 0, 0)), ZmArcCollinear, P(), P(), 0, 0, V()},
       // Legs along +X and +Y from the origin, radius 2: centre (2, 2), from (2, 0) to (0, 2).
@@ -143,14 +145,11 @@ TYPED_TEST(ArcTwins, TessellationHasTheFewestChords) {
   };
   // r = 10, tol 0.1: step 2 acos(0.99) = 0.28308, 2 pi / 0.28308 = 22.2 -> 23 chords.
   // r = 1, a quarter, tol 0.5 and 20 degrees: the angle decides, 90 / 20 = 4.5 -> 5 chords.
-  const Row rows[] = {{10, 2 * kPi, 0.1, 0, 23},
-                      {1, kPi / 2, 0.5, 20 * kPi / 180, 5},
-                      {250, 1.3, 0.01, 0.05, 0},
-                      {3, 2 * kPi, 1e-4, 0, 0},
-                      {0.5, 0.3, 1.0, 0, 1}};
+  const Row rows[] = {{10, 2 * kPi, 0.1, 0, 23}, {1, kPi / 2, 0.5, 20 * kPi / 180, 5}, {250, 1.3, 0.01, 0.05, 0},
+                      {3, 2 * kPi, 1e-4, 0, 0},  {0.5, 0.3, 1.0, 0, 1}};
   for (const Row& r : rows) {
-    const auto arc =
-        M::ArcFromCenter(P(r.radius, 0, 0), P(std::cos(r.sweep), std::sin(r.sweep), 0), P(0, 0, 0), V(0, 0, 1));
+    const auto arc = M::ArcFromCenter(P(r.radius, 0, 0), P(std::cos(r.sweep), std::sin(r.sweep), 0), P(0, 0, 0),
+                                      V(0, 0, 1));
     WbArrayTempl<P> points;
     ASSERT_EQ(M::TessellateArc(arc, T(r.tol), T(r.maxAngle), points), ZmArcOk);
     const long n = long(points.GetSize()) - 1;

@@ -1,10 +1,11 @@
 // Polygon properties and frames: area, centroid, Newell normal far from the origin, flatness,
 // convexity, orientation, the two first-axis choices and the degenerate polygons.
 #include <gtest/gtest.h>
-#include <zemcalc/zemcalc.h>
 
 #include <cmath>
 #include <limits>
+
+#include <zemcalc/zemcalc.h>
 
 namespace {
 
@@ -30,33 +31,18 @@ TYPED_TEST(PolygonTwins, Properties) {
   };
   const Row rows[] = {
       // A unit square far away (closed by a repeat of its first vertex).
-      {{P(big, big, 5), P(big + 1, big, 5), P(big + 1, big + 1, 5), P(big, big + 1, 5), P(big, big, 5)},
-       ZmPolygonOk,
-       1,
-       0,
-       P(big + 0.5, big + 0.5, 5),
-       V(0, 0, 1),
-       1},
+      {{P(big, big, 5), P(big + 1, big, 5), P(big + 1, big + 1, 5), P(big, big + 1, 5), P(big, big, 5)}, ZmPolygonOk, 1, 0,
+       P(big + 0.5, big + 0.5, 5), V(0, 0, 1), 1},
       // An L: squares of area 2 at (1, 0.5) and 1 at (0.5, 1.5) -> (2.5 / 3, 2.5 / 3); its
       // vertex average is (1, 1).
-      {{P(0, 0, 0), P(2, 0, 0), P(2, 1, 0), P(1, 1, 0), P(1, 2, 0), P(0, 2, 0)},
-       ZmPolygonOk,
-       3,
-       0,
-       P(2.5 / 3, 2.5 / 3, 0),
-       V(0, 0, 1),
-       0},
+      {{P(0, 0, 0), P(2, 0, 0), P(2, 1, 0), P(1, 1, 0), P(1, 2, 0), P(0, 2, 0)}, ZmPolygonOk, 3, 0,
+       P(2.5 / 3, 2.5 / 3, 0), V(0, 0, 1), 0},
       {{P(0, 0, 0), P(0, 3, 0), P(4, 0, 0)}, ZmPolygonOk, 6, 0, P(4.0 / 3, 1, 0), V(0, 0, -1), 1},
       // Alternating heights +-h: every edge's z sum is 0, so N is along Z; rms h.
       {{P(0, 0, h), P(1, 0, -h), P(1, 1, h), P(0, 1, -h)}, ZmPolygonOk, 1, h, P(0.5, 0.5, 0), V(0, 0, 1), 1},
       // A pentagram turns the same way at every vertex but twice around: not convex.
-      {{P(0, 1, 0), P(-0.588, -0.809, 0), P(0.951, 0.309, 0), P(-0.951, 0.309, 0), P(0.588, -0.809, 0)},
-       ZmPolygonOk,
-       -1,
-       -1,
-       P(0, 0, 0),
-       V(0, 0, 0),
-       0},
+      {{P(0, 1, 0), P(-0.588, -0.809, 0), P(0.951, 0.309, 0), P(-0.951, 0.309, 0), P(0.588, -0.809, 0)}, ZmPolygonOk,
+       -1, -1, P(0, 0, 0), V(0, 0, 0), 0},
       {{P(0, 0, 0), P(1, 1, 1), P(3, 3, 3)}, ZmPolygonDegenerate, 0, 0, P(4.0 / 3, 4.0 / 3, 4.0 / 3), V(0, 0, 1), 0},
       {{P(0, 0, 0), P(1, 1, 1), P(0, 0, 0)}, ZmPolygonTooFewPoints, -1, -1, P(), V(), 0},
       {{P(0, 0, 0), P(1, nan, 1), P(0, 1, 0)}, ZmPolygonBadInput, -1, -1, P(), V(), 0},

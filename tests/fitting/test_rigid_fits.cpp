@@ -1,9 +1,10 @@
 // The rigid move of matched sets: Eigen's umeyama on noisy sets (a mirror image included),
 // a known move recovered, weights as repeated pairs, and the degenerate sets.
 #include <gtest/gtest.h>
-#include <zemcalc/zemcalc.h>
 
 #include <cmath>
+
+#include <zemcalc/zemcalc.h>
 
 #include "fitting/reference_table.h"
 
@@ -86,9 +87,9 @@ TYPED_TEST(RigidFitTwins, DegenerateSets) {
     ZmFitStatus status;
   };
   const Row rows[] = {
-      {{P(1, 2, 3)}, {P(4, 6, 8)}, ZmFitDegenerate},                          // a shift only
-      {{P(0, 0, 0), P(1, 0, 0)}, {P(0, 0, 0), P(0, 1, 0)}, ZmFitDegenerate},  // a line
-      {{P(0, 0, 0), P(1, 0, 0)}, {P(0, 0, 0)}, ZmFitBadInput},                // sizes differ
+      {{P(1, 2, 3)}, {P(4, 6, 8)}, ZmFitDegenerate},                                   // a shift only
+      {{P(0, 0, 0), P(1, 0, 0)}, {P(0, 0, 0), P(0, 1, 0)}, ZmFitDegenerate},           // a line
+      {{P(0, 0, 0), P(1, 0, 0)}, {P(0, 0, 0)}, ZmFitBadInput},                         // sizes differ
       {{}, {}, ZmFitTooFewPoints},
   };
   for (std::size_t i = 0; i < sizeof(rows) / sizeof(rows[0]); ++i) {

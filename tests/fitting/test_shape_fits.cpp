@@ -1,10 +1,11 @@
 // Circle, sphere and cylinder fits: every method against the independent reference table
 // (generalised eigenproblem and scipy's least squares), exact shapes, and degenerate input.
 #include <gtest/gtest.h>
-#include <zemcalc/zemcalc.h>
 
 #include <cmath>
 #include <limits>
+
+#include <zemcalc/zemcalc.h>
 
 #include "fitting/reference_table.h"
 
@@ -41,8 +42,7 @@ TYPED_TEST(ShapeFitTwins, CirclesMatchTheReference) {
                  {"hyper", ZmCircleFitHyper},
                  {"geometric", ZmCircleFitGeometric}};
   int circles = 0, ellipses = 0;
-  for (const ReferenceRecord& r :
-       ReadReferenceTable("shape_fits.txt", {"circle2", "circle3", "sphere", "cylinder", "ellipse"})) {
+  for (const ReferenceRecord& r : ReadReferenceTable("shape_fits.txt", {"circle2", "circle3", "sphere", "cylinder", "ellipse"})) {
     if (r.kind == "circle2") {
       ++circles;
       WbArrayTempl<ZmPoint2T<T>> points;
