@@ -16,7 +16,8 @@
 //   ZmFitDegenerate    the points do not determine the shape (coincident points for a line,
 //                      collinear ones for a plane or a circle, coplanar ones for a sphere); the
 //                      fields hold the stated fallback of each fit;
-//   ZmFitBadInput      an infinite coordinate or weight, or matched lists of different sizes;
+//   ZmFitBadInput      an infinite coordinate or weight, an unknown circle method, or matched
+//                      lists of different sizes;
 //   ZmFitNoConvergence the geometric iteration stopped at its limit (its best estimate is kept).
 // Shape fields that a failed fit cannot give hold the invalid marker -1.0e32f (widened); the
 // quality figures of a fit without a shape are the marker too. No fit returns a NaN.
