@@ -16,6 +16,7 @@
 #include "zemcalc/ZmConstants.h"
 #include "zemcalc/ZmExtents.h"
 #include "zemcalc/ZmFilter.h"
+#include "zemcalc/ZmFilterCFC.h"
 #include "zemcalc/ZmFilterFixed.h"
 #include "zemcalc/ZmFrame.h"
 #include "zemcalc/ZmFrame3D.h"
