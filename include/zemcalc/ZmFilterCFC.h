@@ -15,7 +15,8 @@
 // in that order, every product rounded on its own (no fused multiply-add), so the result does
 // not depend on the processor or the optimiser. The gain at 0 Hz is 1 (a0 + a1 + a2 = 1 - b1
 // - b2); the combined amplitude response is |H|^2 = 1 / (1 + (tan(pi f T) / wa)^4), -3 dB at
-// about 1.667 CFC (at 10 kHz: 99.9, 300.2, 1017 and 1750 Hz for CFC 60, 180, 600 and 1000).
+// about 1.667 CFC (at 10 kHz: 100.0, 300.5, 1018.2 and 1751.0 Hz for CFC 60, 180, 600 and
+// 1000).
 // Both twins run the recursion in double; the float class reads its float values widened and
 // rounds each result to float, so it gives the double class's result on the same samples,
 // rounded.

@@ -29,7 +29,7 @@
 //            -0.5 dB limit from 49 to 60 Hz; inside elsewhere (within -1 dB at F_H).
 //   CFC 180: -3 dB at 358.5 Hz; -0.55 dB at 180 Hz, 0.05 dB below the limit from 172 to 180 Hz.
 //   CFC 600: -3 dB at 1111 Hz; ripple +0.035 / -0.20 dB; inside the corridor everywhere.
-// The 2-pole Butterworth class of ZmFilterCFC.h is -3 dB at 99.9, 300.2 and 1017 Hz there.
+// The 2-pole Butterworth class of ZmFilterCFC.h is -3 dB at 100.0, 300.5 and 1018.2 Hz there.
 //
 // A curve with fewer points than half the kernel fails with "Not enough points to filter":
 // fewer than 8, 16, 40 and 25 points respectively.

@@ -30,19 +30,17 @@ constexpr const wchar_t* kAboveNyquist =
 
 double DesignConstant(ZmCFCDesign design) { return design == ZmCFCDesignISO6487 ? 25.0 / 12.0 : 2.0775; }
 
-// Seconds in one unit of time; NaN for a unit the catalogue cannot convert.
+// Seconds in one unit of time (1 / the catalogue's units per second, in double); NaN for a
+// unit the catalogue cannot convert.
 double SecondsPerUnit(_ZmUnitTime unit) {
   if (unit == ZmUnitSecond) return 1.0;
-  const ZmUnitSystem from(ZmUnitLengthUnset, ZmUnitMassUnset, unit, ZmUnitTempUnset, ZmUnitAngleUnset);
   const ZmUnitSystem seconds(ZmUnitLengthUnset, ZmUnitMassUnset, ZmUnitSecond, ZmUnitTempUnset, ZmUnitAngleUnset);
+  const ZmUnitSystem to(ZmUnitLengthUnset, ZmUnitMassUnset, unit, ZmUnitTempUnset, ZmUnitAngleUnset);
   ZmUnitConverter converter;
   unsigned char needed = 0;
-  double one = 1.0;
-  if (converter.InitFromTo(from, seconds, needed, &ZmUnitDimTime) != nullptr || !needed ||
-      !converter.ConvertScalar(ZmUnitDimTime, one) || !(one > 0.0) || !std::isfinite(one)) {
-    return std::nan("");
-  }
-  return one;
+  if (converter.InitFromTo(seconds, to, needed, &ZmUnitDimTime) != nullptr) return std::nan("");
+  const double perSecond = converter.GetFactor(ZmUnitTypeTime);
+  return perSecond > 0.0 && std::isfinite(perSecond) ? 1.0 / perSecond : std::nan("");
 }
 
 // One pass of the recursion over w[0 .. n-1] in place, forward or backward, starting in the
