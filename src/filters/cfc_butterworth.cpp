@@ -1,6 +1,7 @@
 #include <cmath>
 #include <cstdint>
 #include <new>
+#include <type_traits>
 
 #include <wbcore/WbMem.h>
 
@@ -43,23 +44,49 @@ double SecondsPerUnit(_ZmUnitTime unit) {
   return perSecond > 0.0 && std::isfinite(perSecond) ? 1.0 / perSecond : std::nan("");
 }
 
-// One pass of the recursion over w[0 .. n-1] in place, forward or backward, starting in the
-// steady state of `start` (0 for a start at rest).
-template <bool forward>
-void RunPass(double* w, std::uint64_t n, const ZmCFCCoefficients& c, double start) {
-  double x1 = start, x2 = start, y1 = start, y2 = start;
-  for (std::uint64_t k = 0; k < n; ++k) {
-    double& v = w[forward ? k : n - 1 - k];
-    const double x = v;
-    // The part that does not wait for the previous output first, the feedback of y1 last.
-    const double y = (((c.a0 * x + c.a1 * x1) + c.a2 * x2) + c.b2 * y2) + c.b1 * y1;
-    x2 = x1;
-    x1 = x;
-    y2 = y1;
-    y1 = y;
-    v = y;
+// The recursion of one pass, started in the steady state of `start` (0 for a start at rest).
+// Run over a stretch of values two at a time: the second output of a pair comes from the
+// recursion with the first one substituted, so that both wait only for the two outputs before
+// the pair and the processor works on them side by side.
+class Recursion {
+ public:
+  Recursion(const ZmCFCCoefficients& c, double start)
+      : m_c(c), m_c2(c.b1 * c.b1 + c.b2), m_c3(c.b1 * c.b2), m_x1(start), m_x2(start), m_y1(start), m_y2(start) {}
+
+  // Replaces v[0 .. n-1] (read through `read`, written through `write`) by the outputs.
+  template <class Read, class Write>
+  void Run(std::uint64_t n, Read read, Write write) {
+    const ZmCFCCoefficients& c = m_c;
+    std::uint64_t i = 0;
+    for (; i + 1 < n; i += 2) {
+      const double x = read(i), xn = read(i + 1);
+      const double u = (c.a0 * x + c.a1 * m_x1) + c.a2 * m_x2;
+      const double un = (c.a0 * xn + c.a1 * x) + c.a2 * m_x1;
+      const double y = (u + c.b2 * m_y2) + c.b1 * m_y1;
+      const double yn = ((un + c.b1 * u) + m_c3 * m_y2) + m_c2 * m_y1;
+      write(i, y);
+      write(i + 1, yn);
+      m_x2 = x;
+      m_x1 = xn;
+      m_y2 = y;
+      m_y1 = yn;
+    }
+    if (i < n) {
+      const double x = read(i);
+      const double y = (((c.a0 * x + c.a1 * m_x1) + c.a2 * m_x2) + c.b2 * m_y2) + c.b1 * m_y1;
+      write(i, y);
+      m_x2 = m_x1;
+      m_x1 = x;
+      m_y2 = m_y1;
+      m_y1 = y;
+    }
   }
-}
+
+ private:
+  const ZmCFCCoefficients m_c;
+  const double m_c2, m_c3;  // b1^2 + b2 and b1 b2: the weights of y[t-1], y[t-2] in y[t+1]
+  double m_x1, m_x2, m_y1, m_y2;
+};
 
 // Continues the values v[0 .. count-1] (count >= 2, pad <= count - 1) by pad samples on each
 // side: left[0 .. pad-1] ends next to v[0], right[0 .. pad-1] starts next to v[count-1].
@@ -165,30 +192,58 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Filter(const Curve& in, Curve& ou
                                             : (automatic < 1.0e18 ? static_cast<std::uint64_t>(automatic) : count);
     pad = wanted < count - 1 ? wanted : count - 1;
   }
-  const std::uint64_t total = count + 2 * pad;
-  double* w = static_cast<double*>(WbMemAlloc(total * sizeof(double)));
+  // The forward results of the samples wait for the backward pass in double: in out's own
+  // values in the double class (no work space to fault in), in a work array in the float class.
+  constexpr bool kInPlace = std::is_same<T, double>::value;
+  const std::uint64_t extra = kInPlace ? 0 : count;
+  double* w = static_cast<double*>(WbMemAlloc((2 * pad + extra + 1) * sizeof(double)));
   if (!w) return Fail(zm::filter::kNotEnoughMemory);
-  const auto* source = in.GetData();
-  PadEnds(source, count, pad, m_ends, w, w + pad + count);
-  for (std::uint64_t i = 0; i < count; ++i) w[pad + i] = static_cast<double>(source[i].y);
-
-  const bool atRest = m_ends == ZmFilterEndsNone;
-  RunPass<true>(w, total, c, atRest ? 0.0 : w[0]);
-  RunPass<false>(w, total, c, atRest ? 0.0 : w[total - 1]);
-
-  const WbErrObj* error = nullptr;
   try {
     if (&in != &out) out.SetSize(count);
-    auto* target = out.GetData();
-    for (std::uint64_t i = 0; i < count; ++i) {
-      target[i].x = source[i].x;
-      target[i].y = static_cast<T>(w[pad + i]);
-    }
   } catch (const std::bad_alloc&) {
-    error = Fail(zm::filter::kNotEnoughMemory);
+    WbMemFree(w);
+    return Fail(zm::filter::kNotEnoughMemory);
   }
+  const auto* source = in.GetData();
+  auto* target = out.GetData();
+  double* left = w;
+  double* right = w + pad;
+  double* held = w + 2 * pad;
+  PadEnds(source, count, pad, m_ends, left, right);
+  const bool atRest = m_ends == ZmFilterEndsNone;
+  const auto keep = [held, target](std::uint64_t i, double y) {
+    if constexpr (kInPlace) {
+      target[i].y = y;
+    } else {
+      held[i] = y;
+    }
+  };
+  const auto kept = [held, target](std::uint64_t i) -> double {
+    if constexpr (kInPlace) {
+      return target[i].y;
+    } else {
+      return held[i];
+    }
+  };
+
+  // Forward over the left padding, the samples (abscissae copied on the way) and the right
+  // padding; a sample is read before its slot in out (which may be in) is written.
+  Recursion forward(c, atRest ? 0.0 : (pad > 0 ? left[0] : static_cast<double>(source[0].y)));
+  forward.Run(pad, [left](std::uint64_t i) { return left[i]; }, [](std::uint64_t, double) {});
+  forward.Run(count, [source](std::uint64_t i) { return static_cast<double>(source[i].y); },
+              [&keep, source, target](std::uint64_t i, double y) {
+                target[i].x = source[i].x;
+                keep(i, y);
+              });
+  forward.Run(pad, [right](std::uint64_t i) { return right[i]; }, [right](std::uint64_t i, double y) { right[i] = y; });
+
+  // Backward from the end of the right padding; the left padding's results are never needed.
+  Recursion backward(c, atRest ? 0.0 : (pad > 0 ? right[pad - 1] : kept(count - 1)));
+  backward.Run(pad, [right, pad](std::uint64_t i) { return right[pad - 1 - i]; }, [](std::uint64_t, double) {});
+  backward.Run(count, [&kept, count](std::uint64_t i) { return kept(count - 1 - i); },
+               [target, count](std::uint64_t i, double y) { target[count - 1 - i].y = static_cast<T>(y); });
   WbMemFree(w);
-  return error;
+  return nullptr;
 }
 
 template <class Base>
