@@ -8,6 +8,7 @@
 #include "zemcalc/ZmExport.h"
 #include "zemcalc/ZmMathAngle.h"
 #include "zemcalc/ZmMathDistance.h"
+#include "zemcalc/ZmMathInjury.h"
 #include "zemcalc/ZmMathIntersect.h"
 #include "zemcalc/ZmMathMaterial.h"
 #include "zemcalc/ZmMathPointCloud.h"
@@ -44,7 +45,8 @@ class ZMCALC_API ZmMathT : public ZmMathCompareT<T>, public ZmMathDistanceT<T>, 
                              public ZmMathAngleT<T>, public ZmMathRotationT<T>, public ZmMathPointCloudT<T>,
                              public ZmMathSolveT<T>, public ZmMathMaterialT<T>, public ZmMathTensorT<T>,
                              public ZmMathIntersectT<T>,
-                             public ZmMathSpectrumT<T>, public ZmMathTransmissibilityT<T> {};
+                             public ZmMathSpectrumT<T>, public ZmMathTransmissibilityT<T>,
+                             public ZmMathInjuryT<T> {};
 
 using ZmMathd = ZmMathT<double>;
 using ZmMathf = ZmMathT<float>;

@@ -23,6 +23,7 @@
 #include "zemcalc/ZmMath.h"
 #include "zemcalc/ZmMathAngle.h"
 #include "zemcalc/ZmMathDistance.h"
+#include "zemcalc/ZmMathInjury.h"
 #include "zemcalc/ZmMathIntersect.h"
 #include "zemcalc/ZmMathMaterial.h"
 #include "zemcalc/ZmMathPointCloud.h"
