@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 """Times scipy's sosfiltfilt (CFC 60 at 10 kHz, odd padding of 500 samples, like ZmFilterCFCd's
-default) on the 10^6-sample pulse of bench/cfc.cpp; prints the best processor time of 10 runs in ms (the machine may be shared: processor time, as Google Benchmark's CPU column)."""
+default) on the 10^6-sample pulse of bench/crash.cpp; prints the best processor time of 10 runs in ms (the machine may be shared: processor time, as Google Benchmark's CPU column)."""
 import time
 
 import numpy as np

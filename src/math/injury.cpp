@@ -159,8 +159,12 @@ const WbErrObj* ZmMathInjuryT<T>::ComputeHIC(const Curve& acceleration, double m
       integral[k] = integral[k - 1] + (s.t[k] - s.t[k - 1]) * (s.a[k] + s.a[k - 1]) / 2.0;
     }
     const std::uint64_t blocks = (n + kBlock - 1) / kBlock;
-    std::vector<double> highest(blocks, -INFINITY);
-    for (std::uint64_t k = 0; k < n; ++k) highest[k / kBlock] = std::max(highest[k / kBlock], s.a[k]);
+    std::vector<double> highest(blocks, -INFINITY), lowestArea(blocks, INFINITY), highestArea(blocks, -INFINITY);
+    for (std::uint64_t k = 0; k < n; ++k) {
+      highest[k / kBlock] = std::max(highest[k / kBlock], s.a[k]);
+      lowestArea[k / kBlock] = std::min(lowestArea[k / kBlock], integral[k]);
+      highestArea[k / kBlock] = std::max(highestArea[k / kBlock], integral[k]);
+    }
     std::vector<BlockPair> pairs;
     for (std::uint64_t bi = 0; bi < blocks; ++bi) {
       const double start = s.t[bi * kBlock];
@@ -168,10 +172,17 @@ const WbErrObj* ZmMathInjuryT<T>::ComputeHIC(const Curve& acceleration, double m
       double peak = -INFINITY;
       for (std::uint64_t bj = bi; bj < blocks && s.t[bj * kBlock] - iLast <= window; ++bj) {
         peak = std::max(peak, highest[bj]);
-        if (!(peak > 0.0)) continue;
+        const double area = highestArea[bj] - lowestArea[bi];
+        if (!(peak > 0.0) || !(area > 0.0)) continue;
+        // A mean never exceeds the highest sample, a window never spans more than the two
+        // blocks; and HIC = area^2.5 / span^1.5, with the area at most the spread of the
+        // integral between the blocks and, for blocks apart, the span at least their gap.
         const double span = std::min(window, s.t[std::min(n, (bj + 1) * kBlock) - 1] - start);
-        // A mean never exceeds the highest sample; the slack covers the rounding of both sides.
-        pairs.push_back({span * peak * peak * std::sqrt(peak) * (1.0 + 1.0e-9), bi, bj});
+        double bound = span * peak * peak * std::sqrt(peak);
+        const double gap = s.t[bj * kBlock] - iLast;
+        if (gap > 0.0) bound = std::min(bound, area * area * std::sqrt(area) / (gap * std::sqrt(gap)));
+        // The slack covers the rounding of the bound and of the values it bounds.
+        pairs.push_back({bound * (1.0 + 1.0e-9), bi, bj});
       }
     }
     std::sort(pairs.begin(), pairs.end(), [](const BlockPair& a, const BlockPair& b) { return a.bound > b.bound; });
