@@ -43,11 +43,12 @@ class ZMCALC_API ZmMathInjuryT {
   // Only windows of positive mean count; a curve without one gives hic = 0, t1 = t2 = the
   // first abscissa. Ties go to the earliest t1, then the earliest t2. The result is exact on
   // the samples (the same as scanning every pair), found by bounding: the samples are cut in
-  // blocks of 64, each pair of blocks within the window gets an upper bound, the smaller of
+  // blocks of 64 (more when the window holds so many samples that over 4e6 block pairs would
+  // be listed), each pair of blocks within the window gets an upper bound, the smaller of
   // (longest span) * (highest sample)^2.5 and, for blocks apart, (largest rise of the
   // integral)^2.5 / (gap between the blocks)^1.5, and the block pairs are scanned in decreasing bound
   // until the bound falls below the best value found (for crash pulses a small share of the
-  // pairs). maxWindow not positive or not finite: "The HIC window %g s is not a positive
+  // pairs; never more than all of them). maxWindow not positive or not finite: "The HIC window %g s is not a positive
   // number".
   static const WbErrObj* ComputeHIC(const Curve& acceleration, double maxWindow, const ZmUnitSystem& units,
                                     unsigned char inG, T& hic, T& t1, T& t2);

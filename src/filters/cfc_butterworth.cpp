@@ -248,16 +248,8 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Filter(const Curve& in, Curve& ou
 
 template <class Base>
 const WbErrObj* ZmFilterCFCButterworthT<Base>::Compute(const Curve& in, Curve& out) {
-  const WbErrObj* error = Filter(in, out);
-  // Nothing of out is written before the last step, so a failure only needs the copy.
-  if (error && &in != &out) {
-    try {
-      out = in;
-    } catch (const std::bad_alloc&) {
-      return Fail(zm::filter::kNotEnoughMemory);
-    }
-  }
-  return error;
+  // Nothing of out is written before every check has passed, so a failure only needs the copy.
+  return zm::filter::KeepInputOnFailure(Filter(in, out), in, out);
 }
 
 template class ZmFilterCFCButterworthT<ZmFilterd>;

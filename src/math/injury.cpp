@@ -23,7 +23,8 @@ constexpr const wchar_t* kHIC = L"the HIC";
 constexpr const wchar_t* kClip = L"the clip level";
 constexpr double kGravity = 9.80665;     // m/s^2 in one g
 constexpr double kWindowSlack = 1.0e-9;  // relative: a window this much longer still counts
-constexpr std::uint64_t kBlock = 64;     // samples per block of the HIC search
+constexpr std::uint64_t kMinBlock = 64;        // samples per block of the HIC search, at least
+constexpr double kMaxBlockPairs = 4.0e6;       // block pairs listed at most (about 100 MB)
 
 int PointNumber(std::uint64_t i) { return static_cast<int>(std::min<std::uint64_t>(i, 0x7fffffff)); }
 
@@ -90,13 +91,13 @@ struct Best {
 };
 
 // Every pair i < j of the two blocks within the window.
-void ScanBlocks(const Samples& s, const std::vector<double>& integral, std::uint64_t blockI, std::uint64_t blockJ,
-                double window, Best& best) {
+void ScanBlocks(const Samples& s, const std::vector<double>& integral, std::uint64_t block, std::uint64_t blockI,
+                std::uint64_t blockJ, double window, Best& best) {
   const std::uint64_t n = s.t.size();
-  const std::uint64_t iEnd = std::min(n, (blockI + 1) * kBlock);
-  const std::uint64_t jEnd = std::min(n, (blockJ + 1) * kBlock);
-  for (std::uint64_t i = blockI * kBlock; i < iEnd; ++i) {
-    for (std::uint64_t j = std::max(i + 1, blockJ * kBlock); j < jEnd; ++j) {
+  const std::uint64_t iEnd = std::min(n, (blockI + 1) * block);
+  const std::uint64_t jEnd = std::min(n, (blockJ + 1) * block);
+  for (std::uint64_t i = blockI * block; i < iEnd; ++i) {
+    for (std::uint64_t j = std::max(i + 1, blockJ * block); j < jEnd; ++j) {
       const double span = s.t[j] - s.t[i];
       if (span > window) break;
       const double area = integral[j] - integral[i];
@@ -158,28 +159,38 @@ const WbErrObj* ZmMathInjuryT<T>::ComputeHIC(const Curve& acceleration, double m
     for (std::uint64_t k = 1; k < n; ++k) {
       integral[k] = integral[k - 1] + (s.t[k] - s.t[k - 1]) * (s.a[k] + s.a[k - 1]) / 2.0;
     }
-    const std::uint64_t blocks = (n + kBlock - 1) / kBlock;
+    // Blocks of 64 samples, larger when the window holds so many samples that the list of
+    // block pairs would pass kMaxBlockPairs.
+    std::uint64_t reach = 0;  // most samples after a sample within the window
+    for (std::uint64_t i = 0, j = 0; i < n; ++i) {
+      j = std::max(j, i);
+      while (j + 1 < n && s.t[j + 1] - s.t[i] <= window) ++j;
+      reach = std::max(reach, j - i);
+    }
+    std::uint64_t block = kMinBlock;
+    while (static_cast<double>(n / block + 1) * static_cast<double>(reach / block + 2) > kMaxBlockPairs) block *= 2;
+    const std::uint64_t blocks = (n + block - 1) / block;
     std::vector<double> highest(blocks, -INFINITY), lowestArea(blocks, INFINITY), highestArea(blocks, -INFINITY);
     for (std::uint64_t k = 0; k < n; ++k) {
-      highest[k / kBlock] = std::max(highest[k / kBlock], s.a[k]);
-      lowestArea[k / kBlock] = std::min(lowestArea[k / kBlock], integral[k]);
-      highestArea[k / kBlock] = std::max(highestArea[k / kBlock], integral[k]);
+      highest[k / block] = std::max(highest[k / block], s.a[k]);
+      lowestArea[k / block] = std::min(lowestArea[k / block], integral[k]);
+      highestArea[k / block] = std::max(highestArea[k / block], integral[k]);
     }
     std::vector<BlockPair> pairs;
     for (std::uint64_t bi = 0; bi < blocks; ++bi) {
-      const double start = s.t[bi * kBlock];
-      const double iLast = s.t[std::min(n, (bi + 1) * kBlock) - 1];
+      const double start = s.t[bi * block];
+      const double iLast = s.t[std::min(n, (bi + 1) * block) - 1];
       double peak = -INFINITY;
-      for (std::uint64_t bj = bi; bj < blocks && s.t[bj * kBlock] - iLast <= window; ++bj) {
+      for (std::uint64_t bj = bi; bj < blocks && s.t[bj * block] - iLast <= window; ++bj) {
         peak = std::max(peak, highest[bj]);
         const double area = highestArea[bj] - lowestArea[bi];
         if (!(peak > 0.0) || !(area > 0.0)) continue;
         // A mean never exceeds the highest sample, a window never spans more than the two
         // blocks; and HIC = area^2.5 / span^1.5, with the area at most the spread of the
         // integral between the blocks and, for blocks apart, the span at least their gap.
-        const double span = std::min(window, s.t[std::min(n, (bj + 1) * kBlock) - 1] - start);
+        const double span = std::min(window, s.t[std::min(n, (bj + 1) * block) - 1] - start);
         double bound = span * peak * peak * std::sqrt(peak);
-        const double gap = s.t[bj * kBlock] - iLast;
+        const double gap = s.t[bj * block] - iLast;
         if (gap > 0.0) bound = std::min(bound, area * area * std::sqrt(area) / (gap * std::sqrt(gap)));
         // The slack covers the rounding of the bound and of the values it bounds.
         pairs.push_back({bound * (1.0 + 1.0e-9), bi, bj});
@@ -188,7 +199,7 @@ const WbErrObj* ZmMathInjuryT<T>::ComputeHIC(const Curve& acceleration, double m
     std::sort(pairs.begin(), pairs.end(), [](const BlockPair& a, const BlockPair& b) { return a.bound > b.bound; });
     for (const BlockPair& p : pairs) {
       if (p.bound < best.value) break;
-      ScanBlocks(s, integral, p.i, p.j, window, best);
+      ScanBlocks(s, integral, block, p.i, p.j, window, best);
     }
   } catch (const std::bad_alloc&) {
     return Fail(L"Not enough memory to compute %s", kHIC);
