@@ -10,7 +10,7 @@
 // This header: the framework (ZmFilterd, the Extrapolation choice), the symmetric-kernel filters
 // ZmFilterMAd, ZmFilterMVAd, ZmFilterMVAWeightedd and ZmFilterCosd, and the sliding-window
 // average ZmFilterSWAd for unevenly sampled curves. The fixed kernels (CFC 60, 180, 600 at
-// 10 kHz, FIRF16) are in ZmFilterFixed.h.
+// 10 kHz, FIRF16) are in ZmFilterFixed.h, the CFC filter at any sampling rate in ZmFilterCFC.h.
 //
 // --- Symmetric kernels (ZmFilterMAd and every class derived from it)
 //

@@ -3,6 +3,8 @@
 #include <wbcore/WbError.h>
 #include <wbcore/WbLocalize.h>
 
+#include <new>
+
 #include "zemcalc/ZmFilter.h"
 
 namespace zm {
@@ -26,6 +28,20 @@ constexpr const wchar_t* kAbscissaDecreases = L"Can't process filtering. The abs
 template <class... Args>
 const WbErrObj* Fail(const wchar_t* message, const Args&... args) {
   return WbSetError(WbLocalizeStringExW(message, 0), args...);
+}
+
+// The result of a filter's Compute: on failure out becomes the copy of in (unless it is in),
+// which needs memory in its turn.
+template <class Curve>
+const WbErrObj* KeepInputOnFailure(const WbErrObj* error, const Curve& in, Curve& out) {
+  if (error && &in != &out) {
+    try {
+      out = in;
+    } catch (const std::bad_alloc&) {
+      return Fail(kNotEnoughMemory);
+    }
+  }
+  return error;
 }
 
 inline bool IsKnownExtrapolation(Extrapolation e) {
