@@ -25,15 +25,16 @@ struct Filter {
   py::array Compute(py::handle curveObj) {
     return WithTwin(curveObj, [&](auto tag) -> py::array {
       using T = decltype(tag);
-      Curve<T> curve = ToCurve<T>(curveObj);
+      const Curve<T> curve = ToCurve<T>(curveObj);
+      Curve<T> out;
       const WbErrObj* err = nullptr;
       {
         py::gil_scoped_release release;
         std::lock_guard<std::mutex> lock(*busy);
-        err = Twin<T>().Compute(curve, curve);
+        err = Twin<T>().Compute(curve, out);
       }
       Check(err);
-      return FromCurve(curve);
+      return FromCurve(out);
     });
   }
   template <class T>

@@ -81,3 +81,14 @@ def test_dtype_picks_the_twin(dtype, out):
     assert zc.MovingAverage(3)(curve).dtype == out
     assert zc.principal_values(np.ones((2, 6), dtype)).dtype == out
     assert zc.UnitSystem("mm", "T", "s").convert(np.ones(3, dtype), PRESSURE, zc.UnitSystem("m", "Kg", "s")).dtype == out
+
+
+def test_every_public_name_is_documented_and_in_the_stubs():
+    import ast
+    import os
+    stub = ast.parse(open(os.path.join(os.path.dirname(zc.__file__), "__init__.pyi")).read())
+    stubbed = {node.name for node in stub.body if isinstance(node, (ast.FunctionDef, ast.ClassDef))}
+    stubbed |= {t.id for node in stub.body if isinstance(node, ast.AnnAssign) for t in [node.target]}
+    public = {name for name in zc.__all__ if not isinstance(getattr(zc, name), type(zc))}
+    assert public - stubbed == set()
+    assert [name for name in public if callable(getattr(zc, name)) and not getattr(zc, name).__doc__] == []
