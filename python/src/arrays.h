@@ -14,6 +14,10 @@
 #include <string>
 #include <type_traits>
 
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
+
 #include <wbcore/WbArray.h>
 #include <wbcore/WbError.h>
 #include <wbcore/WbString.h>
@@ -79,11 +83,27 @@ Array<T> Table(py::handle obj, py::ssize_t columns, const char* what) {
   return a;
 }
 
+// Reserves room for n items. A large buffer is first offered transparent huge pages where the
+// system grants them on request, as numpy does for its own arrays: touching a fresh 16 MB buffer
+// page by page in 4 KB pages otherwise costs more than filtering it.
+template <class Item>
+void ReserveLarge(WbArrayTempl<Item>& items, std::uint64_t n) {
+  items.Reserve(n);
+#if defined(__linux__) && defined(MADV_HUGEPAGE)
+  constexpr std::uintptr_t kPage = 4096;
+  const auto begin = reinterpret_cast<std::uintptr_t>(items.GetData());
+  const std::uintptr_t end = begin + n * sizeof(Item), first = (begin + kPage - 1) & ~(kPage - 1);
+  if (n * sizeof(Item) >= (std::uint64_t(4) << 20) && end > first)
+    madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);  // advice only: failure is harmless
+#endif
+}
+
 // A coordinate array (n, k) copied into the library's array of points of k scalars.
 template <class Item, class T, int k>
 WbArrayTempl<Item> ToItems(py::handle obj, const char* what) {
   Array<T> a = Table<T>(obj, k, what);
   WbArrayTempl<Item> items;
+  ReserveLarge(items, static_cast<std::uint64_t>(a.shape(0)));
   items.SetSize(static_cast<std::uint64_t>(a.shape(0)));
   static_assert(std::is_trivially_copyable<Item>::value, "points are copied as blocks of scalars");
   if (a.shape(0) > 0) std::memcpy(static_cast<void*>(items.GetData()), a.data(), sizeof(Item) * static_cast<std::size_t>(a.shape(0)));
@@ -96,6 +116,15 @@ Array<T> FromItems(const WbArrayTempl<Item>& items) {
   return a;
 }
 
+// The library's array handed over to numpy without a copy: the array owns it from then on.
+template <class Item, class T, int k>
+Array<T> FromItems(WbArrayTempl<Item>&& items) {
+  auto* owner = new WbArrayTempl<Item>(std::move(items));
+  py::capsule release(owner, [](void* p) { delete static_cast<WbArrayTempl<Item>*>(p); });
+  return Array<T>({static_cast<py::ssize_t>(owner->GetSize()), static_cast<py::ssize_t>(k)},
+                  reinterpret_cast<const T*>(owner->GetData()), release);
+}
+
 template <class T>
 Curve<T> ToCurve(py::handle obj, const char* what = "curve") {
   return ToItems<ZmPoint2T<T>, T, 2>(obj, what);
@@ -105,12 +134,16 @@ Array<T> FromCurve(const Curve<T>& curve) {
   return FromItems<ZmPoint2T<T>, T, 2>(curve);
 }
 template <class T>
+Array<T> FromCurve(Curve<T>&& curve) {
+  return FromItems<ZmPoint2T<T>, T, 2>(std::move(curve));
+}
+template <class T>
 Points<T> ToPoints(py::handle obj, const char* what = "points") {
   return ToItems<ZmPoint3T<T>, T, 3>(obj, what);
 }
 template <class T>
-Array<T> FromPoints(const Points<T>& points) {
-  return FromItems<ZmPoint3T<T>, T, 3>(points);
+Array<T> FromPoints(Points<T>&& points) {
+  return FromItems<ZmPoint3T<T>, T, 3>(std::move(points));
 }
 
 // A unit of one base type given by its catalogue index or its symbol ("ms"); a symbol outside

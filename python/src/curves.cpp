@@ -75,7 +75,7 @@ void BindCurves(py::module_& m) {
             py::gil_scoped_release release;
             ZmPoint2T<T>::SampleX(curve.GetData(), curve.GetSize(), static_cast<T>(step), out, first);
           }
-          return FromCurve(out);
+          return FromCurve(std::move(out));
         });
       },
       py::arg("curve"), py::arg("step"), py::arg("start") = py::none(),
@@ -89,7 +89,7 @@ void BindCurves(py::module_& m) {
           using T = decltype(tag);
           Curve<T> curve = ToCurve<T>(curveObj);
           ZmPoint2T<T>::ExtrapolateOnX(curve, static_cast<T>(x), linear ? 1 : 0, Optional<T>(floor));
-          return FromCurve(curve);
+          return FromCurve(std::move(curve));
         });
       },
       py::arg("curve"), py::arg("x"), py::arg("linear") = false, py::arg("floor") = py::none(),
@@ -103,7 +103,7 @@ void BindCurves(py::module_& m) {
           using T = decltype(tag);
           Curve<T> curve = ToCurve<T>(curveObj);
           ZmPoint2T<T>::ExtractXRange(curve, static_cast<T>(xmin), static_cast<T>(xmax), static_cast<T>(tol));
-          return FromCurve(curve);
+          return FromCurve(std::move(curve));
         });
       },
       py::arg("curve"), py::arg("xmin"), py::arg("xmax"), py::arg("tol") = 0.0,
@@ -117,7 +117,7 @@ void BindCurves(py::module_& m) {
           const Curve<T> curve = ToCurve<T>(curveObj);
           Curve<T> out;
           ZmPoint2T<T>::EvaluateEnvelop(curve, upper ? 1 : 0, out, Optional<T>(width));
-          return FromCurve(out);
+          return FromCurve(std::move(out));
         });
       },
       py::arg("curve"), py::arg("upper") = true, py::arg("width") = py::none(),
@@ -132,7 +132,7 @@ void BindCurves(py::module_& m) {
           Curve<T> out;
           WbArrayTempl<int> indices;
           ZmPoint2T<T>::EvaluateSinusoidEnvelop(curve, upper ? 1 : 0, out, &indices);
-          return py::make_tuple(FromCurve(out), Indices(indices));
+          return py::make_tuple(FromCurve(std::move(out)), Indices(indices));
         });
       },
       py::arg("curve"), py::arg("upper") = true,
@@ -146,7 +146,7 @@ void BindCurves(py::module_& m) {
           Curve<T> out;
           WbArrayTempl<int> indices;
           ZmPoint2T<T>::EvaluateConvexShape(points, out, &indices);
-          return py::make_tuple(FromCurve(out), Indices(indices));
+          return py::make_tuple(FromCurve(std::move(out)), Indices(indices));
         });
       },
       py::arg("points"),

@@ -27,6 +27,7 @@ struct Filter {
       using T = decltype(tag);
       const Curve<T> curve = ToCurve<T>(curveObj);
       Curve<T> out;
+      ReserveLarge(out, curve.GetSize());
       const WbErrObj* err = nullptr;
       {
         py::gil_scoped_release release;
@@ -34,7 +35,7 @@ struct Filter {
         err = Twin<T>().Compute(curve, out);
       }
       Check(err);
-      return FromCurve(out);
+      return FromCurve(std::move(out));
     });
   }
   template <class T>

@@ -60,7 +60,7 @@ struct Frame {
         }
       }
     }
-    return FromPoints(points);
+    return FromPoints(std::move(points));
   }
   py::array Apply(py::handle points, bool toGlobal, bool vectors) const {
     return WithTwin(points, [&](auto tag) { return Convert<decltype(tag)>(points, toGlobal, vectors); });

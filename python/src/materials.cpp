@@ -18,7 +18,7 @@ py::object LawCurve(py::object dtype, Fn fn) {
     using T = decltype(tag);
     Curve<T> curve;
     if (!fn(tag, curve)) return py::none();
-    return FromCurve(curve);
+    return FromCurve(std::move(curve));
   });
 }
 

@@ -41,6 +41,10 @@ py::object Fft(py::handle signalObj, py::object window, const std::string& weigh
     }
     if (nfft == 0) nfft = PowerOfTwoFor(static_cast<std::uint64_t>(bounds[1]) - bounds[0] + 1);
     Curve<T> spectrum, phase;
+    if (nfft <= ZmMathd::MAX_FFT_LENGTH && signal.GetSize() >= 3) {
+      ReserveLarge(spectrum, nfft);
+      if (withPhase) ReserveLarge(phase, nfft);
+    }
     const WbErrObj* err = nullptr;
     {
       const int type = WindowType(weighting);
@@ -49,8 +53,8 @@ py::object Fft(py::handle signalObj, py::object window, const std::string& weigh
                                    withPhase ? &phase : nullptr);
     }
     Check(err);
-    if (!withPhase) return FromCurve(spectrum);
-    return py::make_tuple(FromCurve(spectrum), FromCurve(phase));
+    if (!withPhase) return FromCurve(std::move(spectrum));
+    return py::make_tuple(FromCurve(std::move(spectrum)), FromCurve(std::move(phase)));
   });
 }
 
@@ -60,11 +64,12 @@ py::array Correlation(py::handle aObj, py::handle bObj, bool linear) {
     const Curve<T> a = ToCurve<T>(aObj, "a");
     const Curve<T> b = ToCurve<T>(bObj, "b");
     Curve<T> out;
+    ReserveLarge(out, linear ? 2 * a.GetSize() : a.GetSize());
     {
       py::gil_scoped_release release;
       ZmMathT<T>::ComputeCorrelation(a, b, linear ? 1 : 0, out);
     }
-    return FromCurve(out);
+    return FromCurve(std::move(out));
   });
 }
 
@@ -89,11 +94,11 @@ py::object Transmissibility(py::handle inObj, py::handle outObj, double step, py
                                                 details ? &titles : nullptr, details ? &phase : nullptr);
     }
     Check(err);
-    if (!details) return FromCurve(result);
+    if (!details) return FromCurve(std::move(result));
     py::list steps;
     for (std::uint64_t i = 0; i < curves.GetSize() && i < titles.GetSize(); ++i)
       steps.append(py::make_tuple(ToUtf8(*titles[i]), FromCurve(*curves[i])));
-    return py::make_tuple(FromCurve(result), steps, FromCurve(phase));
+    return py::make_tuple(FromCurve(std::move(result)), steps, FromCurve(std::move(phase)));
   });
 }
 
