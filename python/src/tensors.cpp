@@ -78,15 +78,16 @@ void BindTensors(py::module_& m) {
           const T* v = in.data();
           T* s = values.mutable_data();
           T* d = directions.mutable_data();
-          py::gil_scoped_release release;
-          for (py::ssize_t i = 0; i < n; ++i, v += 6, s += 3, d += 9) {
-            ZmVector3T<T> d1, d2, d3;
-            ZmMathT<T>::Tensor3DToVectors3D(v[0], v[1], v[2], v[3], v[4], v[5], s, s + 1, s + 2, &d1, &d2, &d3);
-            Store(d1, d);
-            Store(d2, d + 3);
-            Store(d3, d + 6);
+          {
+            py::gil_scoped_release release;
+            for (py::ssize_t i = 0; i < n; ++i, v += 6, s += 3, d += 9) {
+              ZmVector3T<T> d1, d2, d3;
+              ZmMathT<T>::Tensor3DToVectors3D(v[0], v[1], v[2], v[3], v[4], v[5], s, s + 1, s + 2, &d1, &d2, &d3);
+              Store(d1, d);
+              Store(d2, d + 3);
+              Store(d3, d + 6);
+            }
           }
-          py::gil_scoped_acquire acquire;
           return py::make_tuple(values, directions);
         });
       },
