@@ -19,23 +19,29 @@ struct Filter {
   std::unique_ptr<ZmFilterd> d;
   std::unique_ptr<ZmFilterf> f;
   std::string name;  // the runtime-class name of the family, without the precision letter
-  // Filtering normalises a kernel once, at the first call: one call at a time per object.
+  // Filtering normalises a kernel once, at the first call, and reuses the work curves below:
+  // one call at a time per object.
   std::unique_ptr<std::mutex> busy = std::make_unique<std::mutex>();
+  // The input and output curves of the last call of each twin, kept so that a long curve
+  // costs no fresh memory on the next call (the C++ caller's usual pattern). They hold the
+  // longest curve filtered so far, until the object is deleted.
+  std::pair<Curve<double>, Curve<double>> workD;
+  std::pair<Curve<float>, Curve<float>> workF;
 
   py::array Compute(py::handle curveObj) {
     return WithTwin(curveObj, [&](auto tag) -> py::array {
       using T = decltype(tag);
-      const Curve<T> curve = ToCurve<T>(curveObj);
-      Curve<T> out;
-      ReserveLarge(out, curve.GetSize());
-      const WbErrObj* err = nullptr;
-      {
-        py::gil_scoped_release release;
-        std::lock_guard<std::mutex> lock(*busy);
-        err = Twin<T>().Compute(curve, out);
-      }
+      const Array<T> in = Table<T>(curveObj, 2, "curve");
+      auto& work = Work<T>();
+      // Never wait for the object while holding the interpreter: release it first.
+      py::gil_scoped_release release;
+      std::lock_guard<std::mutex> lock(*busy);
+      Fill(work.first, in);
+      ReserveLarge(work.second, work.first.GetSize());
+      const WbErrObj* err = Twin<T>().Compute(work.first, work.second);
+      py::gil_scoped_acquire acquire;
       Check(err);
-      return FromCurve(std::move(out));
+      return FromCurve(work.second);
     });
   }
   template <class T>
@@ -44,6 +50,14 @@ struct Filter {
       return *f;
     } else {
       return *d;
+    }
+  }
+  template <class T>
+  std::pair<Curve<T>, Curve<T>>& Work() {
+    if constexpr (std::is_same<T, float>::value) {
+      return workF;
+    } else {
+      return workD;
     }
   }
   template <class Kind>
