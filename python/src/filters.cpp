@@ -169,7 +169,8 @@ void BindCFC(py::module_& m, const char* pyName, const char* name) {
 void BindFilters(py::module_& m) {
   py::class_<Filter>(m, "Filter",
                      "A filter of sampled curves. compute() returns the filtered copy of an (n, 2) curve;\n"
-                     "float32 curves run the single-precision twin. A refused curve raises zemcalc.Error.")
+                     "float32 curves run the single-precision twin. A refused curve raises zemcalc.Error.\n"
+                     "Calls on one object are serialised; it keeps work copies of its longest curve.")
       .def_static("from_name", &MakeFromName, py::arg("name"),
                   "A filter from its library class name, with or without the precision letter\n"
                   "('ZmFilterCFC60_10kHzd', 'ZmFilterMVA'), with the defaults of that class.")
