@@ -5,6 +5,7 @@
 #   fuzz/run.sh            the short run of CI (about 30 s per target)
 #   fuzz/run.sh 3600       a longer run: one hour per target
 #   fuzz/run.sh 600 fuzz_unit_line   one target
+# The inputs come from a fixed seed (FUZZ_SEED, default 1), so a short run is repeatable.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-30}
@@ -25,7 +26,7 @@ for target in "${targets[@]}"; do
   scratch=build/fuzz/corpus/$target
   mkdir -p "$scratch"
   log=build/fuzz/$target.log
-  if ! ./build/fuzz/fuzz/$target -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2560 -print_final_stats=1 \
+  if ! ./build/fuzz/fuzz/$target -max_total_time="$seconds" -seed="${FUZZ_SEED:-1}" -timeout=10 -rss_limit_mb=2560 -print_final_stats=1 \
       -artifact_prefix=build/fuzz/$target- "$scratch" "fuzz/corpus/$target" >"$log" 2>&1; then
     tail -n 60 "$log"
     echo "fuzz: $target found a fault (reproducer under build/fuzz/$target-*)" >&2

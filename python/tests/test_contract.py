@@ -22,7 +22,7 @@ FAILURES = [
     (lambda: zc.MovingAverage(3, 7)(CURVE), zc.Error, "Unknown extrapolation type 7"),
     (lambda: zc.fft(CURVE, (5, 6)), zc.Error, "Less than 3 points in the window. Can't compute FFT"),
     (lambda: zc.fft(CURVE, nfft=3), zc.Error,
-     "FFT length 3 is not a power of two between 2 and 4294967296. Can't compute FFT"),
+     "FFT length 3 is not a power of two between 1 and 4294967296. Can't compute FFT"),
     (lambda: zc.fft(CURVE, (0, 100)), zc.Error, "Window [0, 100] is outside the signal of 100 points. Can't compute FFT"),
     (lambda: zc.mooney_rivlin_fit(CURVE[:1]), zc.Error,
      "Error while computing the coefficients : 2 points (at least) are mandatory"),
