@@ -62,11 +62,4 @@ void Fuzz(FuzzedDataProvider& in) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  FuzzedDataProvider in(data, size);
-  if (in.ConsumeBool())
-    Fuzz<double>(in);
-  else
-    Fuzz<float>(in);
-  return 0;
-}
+ZM_FUZZ_BOTH_TWINS

@@ -82,3 +82,14 @@ WbArrayTempl<ZmPoint3T<T>> Points3(FuzzedDataProvider& in, std::size_t maxPoints
 }
 
 }  // namespace fuzz
+
+// The entry point of a target whose Fuzz<T>(in) takes one twin: the first byte picks it.
+#define ZM_FUZZ_BOTH_TWINS                                                          \
+  extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) { \
+    FuzzedDataProvider in(data, size);                                              \
+    if (in.ConsumeBool())                                                           \
+      Fuzz<double>(in);                                                             \
+    else                                                                            \
+      Fuzz<float>(in);                                                              \
+    return 0;                                                                       \
+  }

@@ -245,14 +245,7 @@ template <class T>
 ZmSphereFitT<T> FitSphere(const WbArrayTempl<ZmPoint3T<T>>& points, bool geometric) {
   ZmSphereFitT<T> fit;
   const Spread s = ComputeSpread(points);
-  if (!s.finite) {
-    fit.quality = Failed<T>(ZmFitBadInput, s.count);
-    return fit;
-  }
-  if (s.count < 4) {
-    fit.quality = Failed<T>(ZmFitTooFewPoints, s.count);
-    return fit;
-  }
+  if (!Admits<T>(s, 4, fit.quality)) return fit;
   if (Rank<T>(s, SortedEigen(s.cov)) < 3) {
     fit.quality = Failed<T>(ZmFitDegenerate, s.count);
     return fit;

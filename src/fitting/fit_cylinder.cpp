@@ -92,14 +92,7 @@ template <class T>
 ZmCylinderFitT<T> FitCylinder(const WbArrayTempl<ZmPoint3T<T>>& points) {
   ZmCylinderFitT<T> fit;
   const Spread s = ComputeSpread(points);
-  if (!s.finite) {
-    fit.quality = Failed<T>(ZmFitBadInput, s.count);
-    return fit;
-  }
-  if (s.count < 5) {
-    fit.quality = Failed<T>(ZmFitTooFewPoints, s.count);
-    return fit;
-  }
+  if (!Admits<T>(s, 5, fit.quality)) return fit;
   const Eigen3 e = SortedEigen(s.cov);
   std::vector<P3> usable;
   CollectUsable(points, usable);

@@ -80,14 +80,7 @@ template <class T>
 ZmEllipse2FitT<T> FitEllipse(const WbArrayTempl<ZmPoint2T<T>>& points) {
   ZmEllipse2FitT<T> fit;
   const Spread s = ComputeSpread(points);
-  if (!s.finite) {
-    fit.quality = Failed<T>(ZmFitBadInput, s.count);
-    return fit;
-  }
-  if (s.count < 5) {
-    fit.quality = Failed<T>(ZmFitTooFewPoints, s.count);
-    return fit;
-  }
+  if (!Admits<T>(s, 5, fit.quality)) return fit;
   // Centred and scaled to a unit mean square, so that the quartic sums keep their digits.
   const double scale = std::sqrt((s.cov[0][0] + s.cov[1][1]) / double(s.count));
   if (!(scale > 0)) {

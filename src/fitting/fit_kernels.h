@@ -161,6 +161,18 @@ ZmFitQualityT<T> Failed(ZmFitStatus status, std::int64_t count) {
   return q;
 }
 
+// Whether a cloud can be fitted by a shape that needs `needed` points: false, with the failed
+// quality written (a bad input first, then too few points), when it cannot.
+template <class T>
+bool Admits(const Spread& s, std::int64_t needed, ZmFitQualityT<T>& quality) {
+  if (!s.finite) {
+    quality = Failed<T>(ZmFitBadInput, s.count);
+  } else if (s.count < needed) {
+    quality = Failed<T>(ZmFitTooFewPoints, s.count);
+  }
+  return s.finite && s.count >= needed;
+}
+
 // Solves a x = b (N x N) by Gaussian elimination with partial pivoting; false when a pivot
 // vanishes against the largest entry of its column's start.
 template <int N>

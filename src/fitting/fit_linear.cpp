@@ -22,14 +22,7 @@ template <class T, class P>
 ZmLineFitT<T> FitLine3(const WbArrayTempl<P>& points) {
   ZmLineFitT<T> fit;
   const Spread s = ComputeSpread(points);
-  if (!s.finite) {
-    fit.quality = Failed<T>(ZmFitBadInput, s.count);
-    return fit;
-  }
-  if (s.count < 2) {
-    fit.quality = Failed<T>(ZmFitTooFewPoints, s.count);
-    return fit;
-  }
+  if (!Admits<T>(s, 2, fit.quality)) return fit;
   const Eigen3 e = SortedEigen(s.cov);
   const bool coincident = Rank<T>(s, e) == 0;
   const V3 direction = coincident ? V3(1, 0, 0) : e.vectors[2];
@@ -45,14 +38,7 @@ template <class T>
 ZmPlaneFitT<T> FitPlane(const WbArrayTempl<ZmPoint3T<T>>& points) {
   ZmPlaneFitT<T> fit;
   const Spread s = ComputeSpread(points);
-  if (!s.finite) {
-    fit.quality = Failed<T>(ZmFitBadInput, s.count);
-    return fit;
-  }
-  if (s.count < 3) {
-    fit.quality = Failed<T>(ZmFitTooFewPoints, s.count);
-    return fit;
-  }
+  if (!Admits<T>(s, 3, fit.quality)) return fit;
   const Eigen3 e = SortedEigen(s.cov);
   const int rank = Rank<T>(s, e);
   const V3 normal = rank == 0 ? V3(0, 0, 1) : (rank == 1 ? AnyOrthogonal(e.vectors[2]) : e.vectors[0]);
