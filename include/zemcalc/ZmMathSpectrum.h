@@ -50,8 +50,8 @@ class ZMCALC_API ZmMathSpectrumT {
   // very values the recurrence gives for every block, and the butterflies are vectorised: the
   // result is bit for bit that of the plain loop.
   //
-  // Errors (the arrays are then left unchanged, except that running out of memory while they
-  // are resized empties them), checked in this order:
+  // Errors (the arrays are then left unchanged, except that running out of memory empties
+  // them), checked in this order:
   // - "No window given. Can't compute FFT" for a null window;
   // - "Less than 3 points in the window. Can't compute FFT" when m < 3, a reversed window
   //   (window[1] < window[0]) included;

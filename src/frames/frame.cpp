@@ -1,9 +1,11 @@
 #include "zemcalc/ZmFrame.h"
 
 #include <cmath>
+#include <exception>
 
 #include "zemcalc/ZmMath.h"
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 #include "frames/frame_kernels.h"
 
 ZM_BUILD_INFO(frame)
@@ -360,12 +362,16 @@ int ZmFrameT<T>::GetDirectionAxis(const Vector3& dir, T maxAngleDeg, T& sign) co
 }
 
 template <class T>
-WbString ZmFrameT<T>::DumpOneLine() const {
+WbString ZmFrameT<T>::DumpOneLine() const try {
+  const zm::BoundaryCall boundary;
   WbString text;
   text.Format(L"v1=%s, v2=%s, v3=%s, pt=%s", m_matrix.GetColumn(0).GetString(L"%.3f"),
               m_matrix.GetColumn(1).GetString(L"%.3f"), m_matrix.GetColumn(2).GetString(L"%.3f"),
               m_origin.GetString(L"%.1f"));
   return text;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return WbString();
 }
 
 template <class T>

@@ -2,10 +2,12 @@
 // lower chain built left to right and the upper chain right to left, each turning strictly
 // counter-clockwise. O(n log n).
 #include <algorithm>
+#include <exception>
 #include <vector>
 
 #include "geometry/curve_search.h"
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 
 ZM_BUILD_INFO(convex_shape)
 
@@ -33,7 +35,8 @@ void AddChain(const ZmPoint2T<T>* p, const int* first, const int* last, std::siz
 
 template <class T>
 std::uint64_t ZmPoint2T<T>::EvaluateConvexShape(const WbArrayTempl<ZmPoint2T>& points, WbArrayTempl<ZmPoint2T>& out,
-                                                WbArrayTempl<int>* indices) {
+                                                WbArrayTempl<int>* indices) try {
+  const zm::BoundaryCall boundary;
   if (&points == &out) {
     const WbArrayTempl<ZmPoint2T> copy(points);
     return EvaluateConvexShape(copy, out, indices);
@@ -76,6 +79,11 @@ std::uint64_t ZmPoint2T<T>::EvaluateConvexShape(const WbArrayTempl<ZmPoint2T>& p
     if (indices) indices->Add(i);
   }
   return out.GetSize();
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  out.RemoveAll();
+  if (indices) indices->RemoveAll();
+  return 0;
 }
 
 template std::uint64_t ZmPoint2T<double>::EvaluateConvexShape(const WbArrayTempl<ZmPoint2T<double>>&,

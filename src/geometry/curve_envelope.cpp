@@ -1,6 +1,9 @@
 // Envelopes of a curve: its local or windowed extremes, and the peaks of an oscillation.
+#include <exception>
+
 #include "geometry/curve_search.h"
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 
 ZM_BUILD_INFO(curve_envelope)
 
@@ -45,7 +48,8 @@ void KeepSpanExtremes(const WbArrayTempl<ZmPoint2T<T>>& curve, bool upper, T wid
 
 template <class T>
 std::uint64_t ZmPoint2T<T>::EvaluateEnvelop(const WbArrayTempl<ZmPoint2T>& curve, unsigned char upper,
-                                            WbArrayTempl<ZmPoint2T>& out, T width) {
+                                            WbArrayTempl<ZmPoint2T>& out, T width) try {
+  const zm::BoundaryCall boundary;
   if (&curve == &out) {
     const WbArrayTempl<ZmPoint2T> copy(curve);
     return EvaluateEnvelop(copy, upper, out, width);
@@ -58,6 +62,10 @@ std::uint64_t ZmPoint2T<T>::EvaluateEnvelop(const WbArrayTempl<ZmPoint2T>& curve
     KeepSpanExtremes(curve, upper != 0, width, out);
   }
   return out.GetSize();
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  out.RemoveAll();
+  return 0;
 }
 
 // The curve is cut at its crossings of the mid level (max + min)/2; each piece from the point
@@ -66,7 +74,8 @@ std::uint64_t ZmPoint2T<T>::EvaluateEnvelop(const WbArrayTempl<ZmPoint2T>& curve
 // by more than half the upper (lower) amplitude. NaN values take no part.
 template <class T>
 std::uint64_t ZmPoint2T<T>::EvaluateSinusoidEnvelop(const WbArrayTempl<ZmPoint2T>& curve, unsigned char upper,
-                                                    WbArrayTempl<ZmPoint2T>& out, WbArrayTempl<int>* indices) {
+                                                    WbArrayTempl<ZmPoint2T>& out, WbArrayTempl<int>* indices) try {
+  const zm::BoundaryCall boundary;
   if (&curve == &out) {
     const WbArrayTempl<ZmPoint2T> copy(curve);
     return EvaluateSinusoidEnvelop(copy, upper, out, indices);
@@ -108,6 +117,11 @@ std::uint64_t ZmPoint2T<T>::EvaluateSinusoidEnvelop(const WbArrayTempl<ZmPoint2T
     start = end + 1;
   }
   return out.GetSize();
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  out.RemoveAll();
+  if (indices) indices->RemoveAll();
+  return 0;
 }
 
 template std::uint64_t ZmPoint2T<double>::EvaluateEnvelop(const WbArrayTempl<ZmPoint2T<double>>&, unsigned char,

@@ -1,7 +1,10 @@
 // Interpolation along a curve: the value at an abscissa, the abscissa at a value, and every
 // abscissa at which a value is reached.
+#include <exception>
+
 #include "geometry/curve_search.h"
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 
 ZM_BUILD_INFO(curve_interpolation)
 
@@ -20,7 +23,8 @@ T ZmPoint2T<T>::InterpolateOnY(const ZmPoint2T* points, std::uint64_t n, T y, in
 // Each search resumes after the segment of the previous crossing, so the whole run costs one
 // pass over the curve.
 template <class T>
-std::uint64_t ZmPoint2T<T>::InterpolateOnYn(const ZmPoint2T* points, std::uint64_t n, T y, WbArrayTempl<T>& xs) {
+std::uint64_t ZmPoint2T<T>::InterpolateOnYn(const ZmPoint2T* points, std::uint64_t n, T y, WbArrayTempl<T>& xs) try {
+  const zm::BoundaryCall boundary;
   xs.RemoveAll();
   const std::uint64_t count = zm::curve::IndexedCount(points, n);
   int start = 0;
@@ -32,6 +36,10 @@ std::uint64_t ZmPoint2T<T>::InterpolateOnYn(const ZmPoint2T* points, std::uint64
     start = index + 1;
   }
   return xs.GetSize();
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  xs.RemoveAll();
+  return 0;
 }
 
 template double ZmPoint2T<double>::InterpolateOnX(const ZmPoint2T<double>*, std::uint64_t, double, int&, int);

@@ -1,14 +1,17 @@
 // The abscissa range of a curve: one more point beyond an end, or the part between two bounds.
 #include <cmath>
+#include <exception>
 #include <utility>
 
 #include "geometry/curve_search.h"
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 
 ZM_BUILD_INFO(curve_range)
 
 template <class T>
-unsigned char ZmPoint2T<T>::ExtrapolateOnX(WbArrayTempl<ZmPoint2T>& curve, T x, unsigned char linear, T floor) {
+unsigned char ZmPoint2T<T>::ExtrapolateOnX(WbArrayTempl<ZmPoint2T>& curve, T x, unsigned char linear, T floor) try {
+  const zm::BoundaryCall boundary;
   const std::uint64_t n = curve.GetSize();
   if (n == 0) return 0;
   const bool before = x < curve[0].x;
@@ -33,6 +36,9 @@ unsigned char ZmPoint2T<T>::ExtrapolateOnX(WbArrayTempl<ZmPoint2T>& curve, T x, 
     curve.Add(ZmPoint2T(x, value));
   }
   return 1;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return 0;
 }
 
 namespace {
@@ -67,7 +73,8 @@ ZmPoint2T<T> PointAt(const ZmPoint2T<T>& a, const ZmPoint2T<T>& b, T bound) {
 // crosses a bound a point is interpolated on the bound, unless the kept end of the segment is
 // already within tol of it.
 template <class T>
-std::uint64_t ZmPoint2T<T>::ExtractXRange(WbArrayTempl<ZmPoint2T>& curve, T xmin, T xmax, T tol) {
+std::uint64_t ZmPoint2T<T>::ExtractXRange(WbArrayTempl<ZmPoint2T>& curve, T xmin, T xmax, T tol) try {
+  const zm::BoundaryCall boundary;
   const std::uint64_t n = curve.GetSize();
   if (xmin != xmin || xmax != xmax) {
     curve.RemoveAll();
@@ -100,6 +107,9 @@ std::uint64_t ZmPoint2T<T>::ExtractXRange(WbArrayTempl<ZmPoint2T>& curve, T xmin
   }
   curve = std::move(kept);
   return curve.GetSize();
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return 0;
 }
 
 template unsigned char ZmPoint2T<double>::ExtrapolateOnX(WbArrayTempl<ZmPoint2T<double>>&, double, unsigned char,

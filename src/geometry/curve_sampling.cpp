@@ -15,10 +15,11 @@
 //   result is still the first holding segment, only the single pass is lost.
 #include <algorithm>
 #include <functional>
-#include <new>
+#include <exception>
 
 #include "geometry/curve_search.h"
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 
 ZM_BUILD_INFO(curve_sampling)
 
@@ -89,6 +90,7 @@ std::uint64_t ZmPoint2T<T>::SampleX(const ZmPoint2T* points, std::uint64_t n, T 
     return 0;
   }
   try {
+    const zm::BoundaryCall boundary;
     // A curve that lives in out itself is read from a copy, since out is rewritten.
     WbArrayTempl<ZmPoint2T> copy;
     const std::less<const ZmPoint2T*> before;
@@ -102,7 +104,8 @@ std::uint64_t ZmPoint2T<T>::SampleX(const ZmPoint2T* points, std::uint64_t n, T 
     const T x = (startX != zm::Invalid<T>() && startX > first) ? startX : first;
     // A refused sampling also gives back the memory reserved for it.
     if (!Sample(points, count, step, x, out)) out = WbArrayTempl<ZmPoint2T>();
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
+    if (zm::BoundaryCall::Nested()) throw;
     out = WbArrayTempl<ZmPoint2T>();
   }
   return out.GetSize();

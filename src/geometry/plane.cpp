@@ -2,8 +2,11 @@
 
 #include <wbcore/WbLocalize.h>
 
+#include <exception>
+
 #include "zemcalc/ZmMath.h"
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 
 ZM_BUILD_INFO(plane)
 
@@ -90,10 +93,14 @@ unsigned char ZmPlaneT<T>::IntersectWithPlane(const ZmPlaneT& other, Point3& lin
 }
 
 template <class T>
-WbString ZmPlaneT<T>::GetString(const wchar_t* numberFormat, const wchar_t* separator) const {
+WbString ZmPlaneT<T>::GetString(const wchar_t* numberFormat, const wchar_t* separator) const try {
+  const zm::BoundaryCall boundary;
   const WbString origin = m_point.GetString(numberFormat, separator);
   const WbString normal = m_normal.GetString(L"%.3f", separator);
   return WbLocalizeStringVW(L"Origin: %s / Normal: %s", origin.GetString(), normal.GetString());
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return WbString();
 }
 
 template class ZmPlaneT<double>;

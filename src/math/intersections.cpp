@@ -1,6 +1,8 @@
 #include <cmath>
+#include <exception>
 
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 #include "math/metric_kernels.h"
 #include "zemcalc/ZmFrame.h"
 #include "zemcalc/ZmMathDistance.h"
@@ -207,7 +209,9 @@ unsigned char ZmMathIntersectT<T>::ProjectInTriangle(const Point3& p, const Poin
 template <class T>
 int ZmMathIntersectT<T>::ComputeIntersectionCurveToPlan(const WbArrayTempl<Point3>& curve, const Point3& planePoint,
                                                         const Vector3& planeNormal, const Point3& limitPoint,
-                                                        const Vector3& limitDirection, WbArrayTempl<Point3>& result) {
+                                                        const Vector3& limitDirection,
+                                                        WbArrayTempl<Point3>& result) try {
+  const zm::BoundaryCall boundary;
   result.RemoveAll();
   Vector3 normal = planeNormal;
   if (!IsUsable(planePoint) || !normal.unitize(T(zm::kTolerance6))) return -1;
@@ -232,6 +236,10 @@ int ZmMathIntersectT<T>::ComputeIntersectionCurveToPlan(const WbArrayTempl<Point
     previous = distance;
   }
   return static_cast<int>(result.GetSize());
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  result.RemoveAll();
+  return -1;
 }
 
 template class ZmMathIntersectT<double>;

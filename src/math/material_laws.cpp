@@ -1,8 +1,10 @@
 #include <wbcore/WbLocalize.h>
 
 #include <cmath>
+#include <exception>
 
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 #include "zemcalc/ZmConstants.h"
 #include "zemcalc/ZmMathMaterial.h"
 
@@ -98,7 +100,8 @@ unsigned char ZmMathMaterialT<T>::ComputeKrupkowskyCoeff(const Point2* pts, int 
 
 template <class T>
 unsigned char ZmMathMaterialT<T>::ComputeHollomonCurvePoints(Curve& curve, T K, T n, T yieldStress, T maxStress, T step,
-                                                             T young) {
+                                                             T young) try {
+  const zm::BoundaryCall boundary;
   curve.SetSize(0);
   if (!(step > 0)) return 0;
   const T limit = static_cast<T>(MAX_HOLLOMON_POINTS);
@@ -134,40 +137,61 @@ unsigned char ZmMathMaterialT<T>::ComputeHollomonCurvePoints(Curve& curve, T K, 
     curve[i] = Point2(strain - stress / young, stress);  // the elastic part removed
   }
   return 1;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  curve.RemoveAll();
+  return 0;
 }
 
 template <class T>
-unsigned char ZmMathMaterialT<T>::ComputeKrupkowskyCurvePoints(Curve& curve, T K, T n, T maxStress, T eps0) {
+unsigned char ZmMathMaterialT<T>::ComputeKrupkowskyCurvePoints(Curve& curve, T K, T n, T maxStress, T eps0) try {
+  const zm::BoundaryCall boundary;
   curve.SetSize(kSamplerPoints);
   for (int i = 0; i < kSamplerPoints; ++i) {
     const T strain = SamplerStrain<T>(i);
     curve[i] = Point2(strain, CapAt(K * PowerRoundedToFloat(strain + eps0, n), maxStress));
   }
   return 1;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  curve.RemoveAll();
+  return 0;
 }
 
 template <class T>
-unsigned char ZmMathMaterialT<T>::ComputePowerCurvePoints(Curve& curve, T a, T b, T n, T maxStress) {
+unsigned char ZmMathMaterialT<T>::ComputePowerCurvePoints(Curve& curve, T a, T b, T n, T maxStress) try {
+  const zm::BoundaryCall boundary;
   curve.SetSize(kSamplerPoints);
   for (int i = 0; i < kSamplerPoints; ++i) {
     const T strain = SamplerStrain<T>(i);
     curve[i] = Point2(strain, CapAt(b * PowerRoundedToFloat(strain, n) + a, maxStress));
   }
   return 1;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  curve.RemoveAll();
+  return 0;
 }
 
 template <class T>
-unsigned char ZmMathMaterialT<T>::ComputeKinematicCurvePoints(Curve& curve, T y0, T rate, T amplitude, T maxStress) {
+unsigned char ZmMathMaterialT<T>::ComputeKinematicCurvePoints(Curve& curve, T y0, T rate, T amplitude,
+                                                              T maxStress) try {
+  const zm::BoundaryCall boundary;
   curve.SetSize(kSamplerPoints);
   for (int i = 0; i < kSamplerPoints; ++i) {
     const T strain = SamplerStrain<T>(i);
     curve[i] = Point2(strain, CapAt((T(1) - std::exp(-rate * strain)) * amplitude + y0, maxStress));
   }
   return 1;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  curve.RemoveAll();
+  return 0;
 }
 
 template <class T>
-unsigned char ZmMathMaterialT<T>::ComputeKeelerCurvePoints(Curve& curve, T thickness, T n) {
+unsigned char ZmMathMaterialT<T>::ComputeKeelerCurvePoints(Curve& curve, T thickness, T n) try {
+  const zm::BoundaryCall boundary;
   curve.SetSize(kKeelerPoints);
   // Plane-strain limit in percent; the thickness gain saturates above n = 0.21.
   T fld0 = T(23.0) + T(kKeelerThicknessSlope) * thickness;
@@ -187,6 +211,10 @@ unsigned char ZmMathMaterialT<T>::ComputeKeelerCurvePoints(Curve& curve, T thick
     curve[k + kKeelerLeftPoints] = Point2(minor, y);
   }
   return 1;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  curve.RemoveAll();
+  return 0;
 }
 
 template <class T>

@@ -4,9 +4,11 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
+#include <exception>
 #include <new>
 
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 #include "math/fft_transform.h"
 #include "math/simd_clones.h"
 #include "zemcalc/ZmAngle.h"
@@ -249,8 +251,8 @@ const WbErrObj* ZmMathSpectrumT<T>::ComputeFFT(const Curve& signal, const int* w
   const T df = T(1) / tn;
 
   const zm::fft::Workspace work(nfft);
-  if (!work.re) return OutOfMemory(nfft);
   try {
+    if (!work.re) throw std::bad_alloc();
     WbArrayTempl<std::uint64_t> reversalTables;
     LoadSamples(samples, windowType, abscissas.largest, nfft, work, reversalTables);
     zm::fft::Transform(work, nfft);
@@ -259,7 +261,7 @@ const WbErrObj* ZmMathSpectrumT<T>::ComputeFFT(const Curve& signal, const int* w
     if (phase) phase->SetSize(nfft);
     WriteSpectra(work, nfft, divideByCount, windowType, dt, tx, df, spectrum.GetData(),
                  phase ? phase->GetData() : nullptr);
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
     spectrum = Curve();
     if (phase) *phase = Curve();
     return OutOfMemory(nfft);
@@ -275,6 +277,7 @@ void ZmMathSpectrumT<T>::ComputeCorrelation(const Curve& a, const Curve& b, unsi
     return;
   }
   try {
+    const zm::BoundaryCall boundary;
     // Contiguous copies, so that out may be a or b and the sums read unit-stride runs.
     WbArrayTempl<T> ay, ax, by;
     ay.SetSize(n);
@@ -298,7 +301,8 @@ void ZmMathSpectrumT<T>::ComputeCorrelation(const Curve& a, const Curve& b, unsi
       out.SetSize(n);
       CircularCorrelation(ay, ax, by, out.GetData());
     }
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
+    if (zm::BoundaryCall::Nested()) throw;
     out = Curve();
   }
 }

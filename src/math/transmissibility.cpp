@@ -1,12 +1,13 @@
 #include <wbcore/WbLocalize.h>
 
 #include <algorithm>
+#include <exception>
 #include <memory>
-#include <new>
 #include <type_traits>
 #include <utility>
 
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 #include "zemcalc/ZmConstants.h"
 #include "zemcalc/ZmFilter.h"
 #include "zemcalc/ZmMathSpectrum.h"
@@ -37,17 +38,21 @@ class Chain {
 
   Chain(WbObjectArrayTempl<Curve>* curves, WbObjectArrayTempl<WbString>* titles) : m_curves(curves), m_titles(titles) {}
 
+  // Appends a copy of curve and its title to the lists that were given. The two lists stay in
+  // step: when memory runs out, neither gets the entry (and nothing is leaked).
   template <class... Args>
   void Keep(const Curve& curve, const wchar_t* titleFormat, const Args&... args) {
-    if (m_curves) {
-      std::unique_ptr<Curve> copy(new Curve(curve));
-      m_curves->Add(copy.get());
-      copy.release();
-    }
-    if (m_titles) {
-      WbString* title = new WbString;
-      m_titles->Add(title);
-      title->Format(titleFormat, args...);
+    std::unique_ptr<Curve> copy(m_curves ? new Curve(curve) : nullptr);
+    std::unique_ptr<WbString> title(m_titles ? new WbString : nullptr);
+    if (title) title->Format(titleFormat, args...);
+    if (copy) m_curves->Add(copy.release());  // the lists take ownership, even when they fail
+    if (title) {
+      try {
+        m_titles->Add(title.release());
+      } catch (...) {
+        if (m_curves) m_curves->RemoveAt(m_curves->GetSize() - 1);
+        throw;
+      }
     }
   }
 
@@ -256,9 +261,10 @@ const WbErrObj* ZmMathTransmissibilityT<T>::ComputeTransmissibility(
     int method, T frequencyMax, T envelopeStep, T resultStep, unsigned int nfft, Curve& result,
     WbObjectArrayTempl<Curve>* curves, WbObjectArrayTempl<WbString>* titles, Curve* phaseDifference) {
   try {
+    const zm::BoundaryCall boundary;
     return Run(input, output, alignAbscissa, samplingStart, samplingStep, frequencyMin, method, frequencyMax,
                envelopeStep, resultStep, nfft, result, curves, titles, phaseDifference);
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
     return Fail(L"Not enough memory to compute the transmissibility");
   }
 }

@@ -3,8 +3,12 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <exception>
+#include <memory>
+#include <utility>
 
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 #include "units/units_internal.h"
 #include "zemcalc/ZmUnitDim.h"
 
@@ -40,8 +44,12 @@ ZmUnitDim::ZmUnitDim(const wchar_t* name, int length, int mass, int time, int te
 
 ZmUnitDim::ZmUnitDim(const ZmUnitDim& a, const ZmUnitDim& b)
     : templDimName(WbString::Formatted(L"%s per %s", a.templDimName.GetString(), b.templDimName.GetString())),
-      perNumerator(new ZmUnitDim(a)),
-      perDenominator(new ZmUnitDim(b)) {
+      perNumerator(nullptr),
+      perDenominator(nullptr) {
+  // Both parts are made before either is kept: a failure to allocate leaks neither.
+  std::unique_ptr<ZmUnitDim> numerator(new ZmUnitDim(a)), denominator(new ZmUnitDim(b));
+  perNumerator = numerator.release();
+  perDenominator = denominator.release();
   for (int t = 0; t < kTypeCount; ++t) {
     if (a.denominators[t] == 1 && b.denominators[t] == 1) {
       numerators[t] = Saturated(std::int64_t(a.numerators[t]) - b.numerators[t]);
@@ -63,19 +71,21 @@ ZmUnitDim::ZmUnitDim(const ZmUnitDim& other)
 }
 
 ZmUnitDim& ZmUnitDim::operator=(const ZmUnitDim& other) {
-  // Components are plain dimensions, so the copy constructor copies them completely. They
-  // are copied before the old ones are released: self-assignment is harmless.
-  ZmUnitDim* numerator = other.perNumerator ? new ZmUnitDim(*other.perNumerator) : nullptr;
-  ZmUnitDim* denominator = other.perDenominator ? new ZmUnitDim(*other.perDenominator) : nullptr;
+  // Components are plain dimensions, so the copy constructor copies them completely. Every
+  // copy is made before anything of this dimension changes: self-assignment is harmless, and a
+  // failure to allocate leaves this dimension as it was and leaks nothing.
+  std::unique_ptr<ZmUnitDim> numerator(other.perNumerator ? new ZmUnitDim(*other.perNumerator) : nullptr);
+  std::unique_ptr<ZmUnitDim> denominator(other.perDenominator ? new ZmUnitDim(*other.perDenominator) : nullptr);
+  WbString name = other.templDimName;
   delete perNumerator;
   delete perDenominator;
-  perNumerator = numerator;
-  perDenominator = denominator;
+  perNumerator = numerator.release();
+  perDenominator = denominator.release();
   for (int t = 0; t < kTypeCount; ++t) {
     numerators[t] = other.numerators[t];
     denominators[t] = other.denominators[t];
   }
-  templDimName = other.templDimName;
+  templDimName = std::move(name);
   return *this;
 }
 
@@ -121,7 +131,13 @@ void ZmUnitDim::SetTypeDimension(_ZmUnitType type, int numerator, int denominato
 
 void ZmUnitDim::SetTemplDimName(const wchar_t* name) { templDimName = name; }
 
-WbString ZmUnitDim::GetTemplDimName() const { return templDimName; }
+WbString ZmUnitDim::GetTemplDimName() const try {
+  const zm::BoundaryCall boundary;
+  return templDimName;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return WbString();
+}
 
 namespace {
 template <class T>

@@ -1,10 +1,12 @@
 // ZmUnitDim: display names, unit symbols and the search of a system from a symbol.
 #include <wbcore/WbLocalize.h>
 
+#include <exception>
 #include <set>
 #include <string>
 
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 #include "units/units_internal.h"
 #include "zemcalc/ZmUnitManager.h"
 
@@ -99,25 +101,34 @@ bool VisitSymbols(const ZmUnitDim& dim, Visit&& visit) {
 
 }  // namespace
 
-WbString ZmUnitDim::GetDimName(const ZmUnitSystem* system) const {
+WbString ZmUnitDim::GetDimName(const ZmUnitSystem* system) const try {
+  const zm::BoundaryCall boundary;
   if (IsQuotient()) {
     return WbLocalizeStringVW(L"%s per %s", perNumerator->GetDimName(system).GetString(),
                               perDenominator->GetDimName(system).GetString());
   }
   if (!system || !system->IsValid(1)) return templDimName;
   return templDimName + WbString::Formatted(L" [%s]", GetShortName(*system, 1.0f, 1).GetString());
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return WbString();
 }
 
-WbString ZmUnitDim::GetShortName(const ZmUnitSystem& system, float factor, unsigned char useEquivalent) const {
+WbString ZmUnitDim::GetShortName(const ZmUnitSystem& system, float factor, unsigned char useEquivalent) const try {
+  const zm::BoundaryCall boundary;
   WbString name;
   if (useEquivalent && ZmUnitMgr.FindEquivalentUnit(*this, system, name, factor)) return name;
   if (IsQuotient()) {
     return perNumerator->GetShortName(system, 1.0f, 1) + WbString(L"/") + perDenominator->GetShortName(system, 1.0f, 1);
   }
   return ComposeSymbol(*this, system, factor);
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return WbString();
 }
 
-std::uint64_t ZmUnitDim::GetAllShortNames(WbObjectArrayTempl<WbString>& names) const {
+std::uint64_t ZmUnitDim::GetAllShortNames(WbObjectArrayTempl<WbString>& names) const try {
+  const zm::BoundaryCall boundary;
   names.RemoveAll();
   std::set<std::wstring> seen;
   VisitSymbols(*this, [&](const WbString& symbol, const ZmUnitSystem&) {
@@ -125,9 +136,14 @@ std::uint64_t ZmUnitDim::GetAllShortNames(WbObjectArrayTempl<WbString>& names) c
     return false;
   });
   return names.GetSize();
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  names.RemoveAll();
+  return 0;
 }
 
-const WbErrObj* ZmUnitDim::GetSystemFromShortName(const WbString& name, ZmUnitSystem& system) const {
+const WbErrObj* ZmUnitDim::GetSystemFromShortName(const WbString& name, ZmUnitSystem& system) const try {
+  const zm::BoundaryCall boundary;
   const bool found = VisitSymbols(*this, [&](const WbString& symbol, const ZmUnitSystem& candidate) {
     if (symbol != name) return false;
     system = candidate;
@@ -136,4 +152,7 @@ const WbErrObj* ZmUnitDim::GetSystemFromShortName(const WbString& name, ZmUnitSy
   if (found) return nullptr;
   return WbSetError(WbLocalizeStringExW(L"'%s' is not a supported %s unit name", 0), name.GetString(),
                     GetDimName(nullptr).GetString());
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return zm::OutOfMemoryError();
 }

@@ -1,7 +1,9 @@
 // ZmUnitManager: the built-in catalogue of units and derived units, and the lookups on it.
+#include <exception>
 #include <iterator>
 
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 #include "units/units_internal.h"
 #include "zemcalc/ZmUnitManager.h"
 
@@ -116,9 +118,13 @@ ZmUnitManager::ZmUnitManager() {
 }
 
 int ZmUnitManager::AddEquivalentUnit(const wchar_t* name, _ZmUnitLength length, _ZmUnitMass mass, _ZmUnitTime time,
-                                     const ZmUnitDim& dim, _ZmUnitTemp temp, _ZmUnitAngle angle) {
+                                     const ZmUnitDim& dim, _ZmUnitTemp temp, _ZmUnitAngle angle) try {
+  const zm::BoundaryCall boundary;
   return static_cast<int>(
       m_equivalents.Add(new UnitEquivName{ZmUnitSystem(length, mass, time, temp, angle), dim, WbString(name)}));
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return -1;
 }
 
 const ZmUnitManager::UnitEquivName* ZmUnitManager::GetEquivalentUnit(std::uint64_t i) const {
@@ -126,7 +132,8 @@ const ZmUnitManager::UnitEquivName* ZmUnitManager::GetEquivalentUnit(std::uint64
 }
 
 unsigned char ZmUnitManager::FindEquivalentUnit(const ZmUnitDim& dim, const ZmUnitSystem& system, WbString& name,
-                                                float factor) const {
+                                                float factor) const try {
+  const zm::BoundaryCall boundary;
   // A derived unit fits when the value converted from its system into system is 1 within
   // 0.001. A unit whose system leaves out a type of dim never converts, so never fits.
   const auto fits = [&](const UnitEquivName& unit, float value) {
@@ -148,10 +155,14 @@ unsigned char ZmUnitManager::FindEquivalentUnit(const ZmUnitDim& dim, const ZmUn
     }
   }
   return 0;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return 0;
 }
 
 unsigned char ZmUnitManager::FindEquivalentUnitByName(const wchar_t* name, ZmUnitDim& dim, ZmUnitSystem& system,
-                                                      const ZmUnitDim* filter) const {
+                                                      const ZmUnitDim* filter) const try {
+  const zm::BoundaryCall boundary;
   for (std::uint64_t i = 0; i < m_equivalents.GetSize(); ++i) {
     const UnitEquivName& unit = *m_equivalents[i];
     if (unit.name.CompareNoCase(name) != 0) continue;
@@ -161,10 +172,14 @@ unsigned char ZmUnitManager::FindEquivalentUnitByName(const wchar_t* name, ZmUni
     return 1;
   }
   return 0;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return 0;
 }
 
 std::uint64_t ZmUnitManager::GetEquivalentUnitNames(const ZmUnitDim& dim, WbObjectArrayTempl<WbString>& names,
-                                                    WbObjectArrayTempl<ZmUnitSystem>& systems) const {
+                                                    WbObjectArrayTempl<ZmUnitSystem>& systems) const try {
+  const zm::BoundaryCall boundary;
   names.RemoveAll();
   systems.RemoveAll();
   for (std::uint64_t i = 0; i < m_equivalents.GetSize(); ++i) {
@@ -174,6 +189,11 @@ std::uint64_t ZmUnitManager::GetEquivalentUnitNames(const ZmUnitDim& dim, WbObje
     systems.Add(new ZmUnitSystem(unit.system));
   }
   return names.GetSize();
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  names.RemoveAll();
+  systems.RemoveAll();
+  return 0;
 }
 
 const ZmUnitManager::UnitStruct* ZmUnitManager::Unit(_ZmUnitType type, int index) const {
@@ -195,14 +215,22 @@ int ZmUnitManager::ShortName2UnitIndex(_ZmUnitType type, const WbString& name, u
   return -1;
 }
 
-WbString ZmUnitManager::UnitIndex2ShortName(_ZmUnitType type, int index) const {
+WbString ZmUnitManager::UnitIndex2ShortName(_ZmUnitType type, int index) const try {
+  const zm::BoundaryCall boundary;
   const UnitStruct* unit = Unit(type, index);
   return unit ? unit->shortName : WbString();
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return WbString();
 }
 
-WbString ZmUnitManager::UnitIndex2LongName(_ZmUnitType type, int index) const {
+WbString ZmUnitManager::UnitIndex2LongName(_ZmUnitType type, int index) const try {
+  const zm::BoundaryCall boundary;
   const UnitStruct* unit = Unit(type, index);
   return unit ? unit->longName : WbString();
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return WbString();
 }
 
 float ZmUnitManager::UnitIndex2Factor(_ZmUnitType type, int index) const {
@@ -219,13 +247,17 @@ void ZmUnitManager::SetUnitIndexFactor(_ZmUnitType type, int index, float factor
   if (Unit(type, index)) m_units[type][static_cast<std::uint64_t>(index)]->factor = factor;
 }
 
-WbString ZmUnitManager::GetAllShortNames(_ZmUnitType type, const wchar_t* separator) const {
+WbString ZmUnitManager::GetAllShortNames(_ZmUnitType type, const wchar_t* separator) const try {
+  const zm::BoundaryCall boundary;
   WbString names;
   for (int i = 0; i < GetUnitCount(type); ++i) {
     if (i > 0) names += separator;
     names += Unit(type, i)->shortName;
   }
   return names;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return WbString();
 }
 
 unsigned char ZmUnitManager::IsSupportedByCSM(_ZmUnitType type, int index) const {

@@ -1,14 +1,18 @@
 // ZmUnitManager: the solver's unit line "UNIT MM TON S KELVIN" and systems from unit symbols.
 #include <wbcore/WbLocalize.h>
 
+#include <exception>
+
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 #include "units/units_internal.h"
 #include "zemcalc/ZmUnitManager.h"
 
 ZM_BUILD_INFO(unit_solver_line)
 
 const WbErrObj* ZmUnitManager::FormatCSMSolverString(const ZmUnitSystem& system, WbString& text,
-                                                     unsigned char withPrefix) const {
+                                                     unsigned char withPrefix) const try {
+  const zm::BoundaryCall boundary;
   const wchar_t* length = UnitIndex2CSMKeyword(ZmUnitTypeLength, system.GetUnitLength());
   const wchar_t* mass = UnitIndex2CSMKeyword(ZmUnitTypeMass, system.GetUnitMass());
   const wchar_t* time = UnitIndex2CSMKeyword(ZmUnitTypeTime, system.GetUnitTime());
@@ -19,10 +23,14 @@ const WbErrObj* ZmUnitManager::FormatCSMSolverString(const ZmUnitSystem& system,
   if (!*temp) return WbSetError(WbLocalizeStringExW(L"Unsupported temperature unit", 0));
   text.Format(withPrefix ? L"UNIT %s %s %s %s" : L"%s %s %s %s", length, mass, time, temp);
   return nullptr;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return zm::OutOfMemoryError();
 }
 
 const WbErrObj* ZmUnitManager::CSMSolverStringToSystem(const WbString& text, ZmUnitSystem& system,
-                                                       unsigned char withPrefix) const {
+                                                       unsigned char withPrefix) const try {
+  const zm::BoundaryCall boundary;
   const wchar_t* badFormat = L"Internal error : bad UNIT attribute format (%s)";
   if (withPrefix && text.Left(4) != L"UNIT") return WbSetError(WbLocalizeStringExW(badFormat, 0), text.GetString());
   // Runs of blanks and tabs separate words; no empty word is kept.
@@ -45,11 +53,15 @@ const WbErrObj* ZmUnitManager::CSMSolverStringToSystem(const WbString& text, ZmU
     return WbSetError(WbLocalizeStringExW(L"Unsupported temperature unit '%s'", 0), words[3]->GetString());
   }
   return nullptr;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return zm::OutOfMemoryError();
 }
 
 const WbErrObj* ZmUnitManager::ShortUnitStringsToSystem(const WbString& length, const WbString& mass,
                                                         const WbString& time, const WbString& temperature,
-                                                        ZmUnitSystem& system, unsigned char caseSensitive) const {
+                                                        ZmUnitSystem& system, unsigned char caseSensitive) const try {
+  const zm::BoundaryCall boundary;
   const int lengthIndex = ShortName2UnitIndex(ZmUnitTypeLength, length, caseSensitive);
   const int massIndex = ShortName2UnitIndex(ZmUnitTypeMass, mass, caseSensitive);
   const int timeIndex = ShortName2UnitIndex(ZmUnitTypeTime, time, caseSensitive);
@@ -68,4 +80,7 @@ const WbErrObj* ZmUnitManager::ShortUnitStringsToSystem(const WbString& length, 
     return fail(L"Unsupported temperature unit '%s'. Possible values are : %s", temperature, ZmUnitTypeTemp);
   }
   return nullptr;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return zm::OutOfMemoryError();
 }

@@ -1,8 +1,10 @@
 // ZmUnitSystem: the five unit indices, conversion of values into the system, compatibility
 // and the derived units that a system can express.
 #include <cmath>
+#include <exception>
 
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 #include "units/units_internal.h"
 #include "zemcalc/ZmUnitManager.h"
 
@@ -33,12 +35,20 @@ void ZmUnitSystem::Init(_ZmUnitLength length, _ZmUnitMass mass, _ZmUnitTime time
 
 int ZmUnitSystem::GetUnitIndex(_ZmUnitType type) const { return zm::units::IsTypeInRange(type) ? m_units[type] : -1; }
 
-WbString ZmUnitSystem::GetUnitLongName(_ZmUnitType type) const {
+WbString ZmUnitSystem::GetUnitLongName(_ZmUnitType type) const try {
+  const zm::BoundaryCall boundary;
   return ZmUnitMgr.UnitIndex2LongName(type, GetUnitIndex(type));
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return WbString();
 }
 
-WbString ZmUnitSystem::GetUnitShortName(_ZmUnitType type) const {
+WbString ZmUnitSystem::GetUnitShortName(_ZmUnitType type) const try {
+  const zm::BoundaryCall boundary;
   return ZmUnitMgr.UnitIndex2ShortName(type, GetUnitIndex(type));
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  return WbString();
 }
 
 unsigned char ZmUnitSystem::IsValid(unsigned char ignoreAngle) const {
@@ -57,13 +67,18 @@ unsigned char ZmUnitSystem::operator==(const ZmUnitSystem& other) const {
 }
 
 float ZmUnitSystem::ConvertValueFrom(float value, const ZmUnitSystem& from, const ZmUnitDim& dim,
-                                     WbString* unitName) const {
+                                     WbString* unitName) const try {
+  const zm::BoundaryCall boundary;
   ZmUnitConverter converter;
   unsigned char needed = 0;
   if (converter.InitFromTo(from, *this, needed, &dim)) return zm::kInvalid;
   if (unitName) *unitName = dim.GetShortName(*this, 1.0f, 1);
   converter.ConvertScalar(dim, value);
   return value;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  if (unitName) unitName->Empty();
+  return zm::kInvalid;
 }
 
 float ZmUnitSystem::ConvertLengthFrom(float value, _ZmUnitLength length) const {
@@ -112,7 +127,8 @@ unsigned char ZmUnitSystem::IsCompatibleWith(const ZmUnitSystem& other, const Zm
 }
 
 std::uint64_t ZmUnitSystem::GetCompatibleEquivUnits(const ZmUnitDim& dim, WbObjectArrayTempl<WbString>& names,
-                                                    WbArrayTempl<float>& factors, float value, int* index) const {
+                                                    WbArrayTempl<float>& factors, float value, int* index) const try {
+  const zm::BoundaryCall boundary;
   names.RemoveAll();
   factors.RemoveAll();
   if (index) *index = -1;
@@ -127,4 +143,10 @@ std::uint64_t ZmUnitSystem::GetCompatibleEquivUnits(const ZmUnitDim& dim, WbObje
     factors.Add(factor);
   }
   return names.GetSize();
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  names.RemoveAll();
+  factors.RemoveAll();
+  if (index) *index = -1;
+  return 0;
 }

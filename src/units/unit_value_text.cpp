@@ -1,10 +1,12 @@
 // ZmUnitSystem: values with their unit symbol as text, written and read back.
 #include <charconv>
 #include <cwctype>
+#include <exception>
 #include <string>
 #include <system_error>
 
 #include "foundation/build_info.h"
+#include "foundation/out_of_memory.h"
 #include "units/units_internal.h"
 #include "zemcalc/ZmUnitManager.h"
 
@@ -138,16 +140,22 @@ unsigned char ReadValue(const ZmUnitSystem& target, const WbString& text, const 
 
 }  // namespace
 
-unsigned char ZmUnitSystem::FormatDimensionalValue(float value, const ZmUnitDim& dim, WbString& text) const {
+unsigned char ZmUnitSystem::FormatDimensionalValue(float value, const ZmUnitDim& dim, WbString& text) const try {
+  const zm::BoundaryCall boundary;
   text.Empty();
   if (value == zm::kInvalid) return 0;
   text.FormatFloat(value, 16);
   if (!dim.IsNeutral()) text += WbString(L" ") + dim.GetShortName(*this, 1.0f, 1);
   return text.IsEmpty() ? 0 : 1;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  text.Empty();
+  return 0;
 }
 
 unsigned char ZmUnitSystem::FormatDimensionalValues(const WbArrayTempl<float>& values, const ZmUnitDim& dim,
-                                                    WbString& text) const {
+                                                    WbString& text) const try {
+  const zm::BoundaryCall boundary;
   text.Empty();
   WbString number;
   for (const float value : values) {
@@ -161,22 +169,43 @@ unsigned char ZmUnitSystem::FormatDimensionalValues(const WbArrayTempl<float>& v
   }
   if (!text.IsEmpty() && !dim.IsNeutral()) text += WbString(L" ") + dim.GetShortName(*this, 1.0f, 1);
   return text.IsEmpty() ? 0 : 1;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  text.Empty();
+  return 0;
 }
 
-unsigned char ZmUnitSystem::String2DimensionalValue(const WbString& text, const ZmUnitDim& dim, float& value) const {
+unsigned char ZmUnitSystem::String2DimensionalValue(const WbString& text, const ZmUnitDim& dim, float& value) const
+    try {
+  const zm::BoundaryCall boundary;
   return ReadValue(*this, text, dim, value);
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  value = zm::kInvalid;
+  return 0;
 }
 
-unsigned char ZmUnitSystem::String2DimensionalValue(const WbString& text, const ZmUnitDim& dim, double& value) const {
+unsigned char ZmUnitSystem::String2DimensionalValue(const WbString& text, const ZmUnitDim& dim, double& value) const
+    try {
+  const zm::BoundaryCall boundary;
   return ReadValue(*this, text, dim, value);
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  value = zm::Invalid<double>();
+  return 0;
 }
 
 unsigned char ZmUnitSystem::String2DimensionalValues(const WbString& text, const ZmUnitDim& dim,
-                                                     WbArrayTempl<float>& values) const {
+                                                     WbArrayTempl<float>& values) const try {
+  const zm::BoundaryCall boundary;
   values.RemoveAll();
   WbArrayTempl<float> numbers;
   WbString symbol;
   if (!ParseValues(text, true, numbers, symbol) || !ConvertFromSymbol(*this, dim, symbol, numbers)) return 0;
   values = numbers;
   return 1;
+} catch (const std::exception&) {
+  if (zm::BoundaryCall::Nested()) throw;
+  values.RemoveAll();
+  return 0;
 }

@@ -26,6 +26,9 @@ TEST(WbError, MessageIsTheFormattedText) {
   // The previous message may be an argument of the next one.
   error = WbSetError(L"Filtering failed: %s", error->GetMessage());
   EXPECT_EQ(WbString(error->GetMessage()), L"Filtering failed: 2 points for degree 3 (0.25)");
+  // The record keeps 1023 characters: a longer message is cut to 1020 and "...".
+  error = WbSetError(L"%s!", std::wstring(2000, L'u').c_str());
+  EXPECT_EQ(std::wstring(error->GetMessage()), std::wstring(1020, L'u') + L"...");
 }
 
 TEST(WbError, EachThreadKeepsItsOwnRecord) {

@@ -1,6 +1,7 @@
 #include "wbcore/WbObject.h"
 
 #include <cwchar>
+#include <exception>
 
 
 namespace {
@@ -31,8 +32,14 @@ unsigned char WbRuntimeClass::IsDerivedFrom(const WbRuntimeClass* cls) const {
 }
 
 WbObject* WbRuntimeClass::CreateObject() const {
-  WbObject* object = m_create ? m_create() : nullptr;
-  if (object) object->OnDynamicCreation();
+  WbObject* object = nullptr;
+  try {
+    object = m_create ? m_create() : nullptr;
+    if (object) object->OnDynamicCreation();
+  } catch (const std::exception&) {
+    delete object;  // the creation hook failed for lack of memory: no half-made object
+    object = nullptr;
+  }
   return object;
 }
 

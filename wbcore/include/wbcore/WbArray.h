@@ -78,9 +78,11 @@ public:
 
   std::uint64_t GetSize() const { return m_items.size(); }
   unsigned char IsEmpty() const { return m_items.empty() ? 1 : 0; }
-  // Takes ownership of object and returns its index.
+  // Takes ownership of object and returns its index. When the array cannot grow
+  // (std::bad_alloc) the object is deleted, so that a failed Add leaks nothing.
   std::uint64_t Add(T* object) {
-    m_items.emplace_back(object);
+    std::unique_ptr<T> owned(object);
+    m_items.push_back(std::move(owned));
     return m_items.size() - 1;
   }
   // Deletes the object at i and closes the gap.

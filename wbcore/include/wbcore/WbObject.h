@@ -22,12 +22,14 @@ public:
   const WbRuntimeClass* GetBaseClass() const { return m_baseClass; }
   // 1 when this record is cls or derives from it.
   unsigned char IsDerivedFrom(const WbRuntimeClass* cls) const;
-  // A new object of this class (calling its OnDynamicCreation), or null for an abstract class.
+  // A new object of this class (calling its OnDynamicCreation), or null for an abstract class
+  // and when memory runs out (in the constructor or the creation hook; nothing is left behind).
   WbObject* CreateObject() const;
 
   // The registered record with this exact name, or null.
   static const WbRuntimeClass* FromName(const wchar_t* className);
-  // Creates an object from its class name; null when the name is unknown or abstract.
+  // Creates an object from its class name; null when the name is unknown or abstract, or when
+  // memory runs out.
   static WbObject* CreateObject(const wchar_t* className);
 
 private:

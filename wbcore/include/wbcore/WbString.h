@@ -28,7 +28,9 @@ inline const wchar_t* FormatArg(const WbString& text);
 //
 // Formatting follows the wide-format convention on every platform: in a format string
 // "%s" takes a wide string (a const wchar_t* or a WbString) and "%c" a wide
-// character; "%hs" and "%hc" take narrow ones.
+// character; "%hs" and "%hc" take narrow ones; a format that cannot be rendered gives the
+// empty text. Like std::wstring, whose text it holds, a WbString reports a lack of memory
+// with std::bad_alloc (formatting included); the error record (WbSetError) never does.
 class WBCORE_API WbString {
 public:
   WbString() = default;
