@@ -16,13 +16,13 @@
 #include "zemcalc/ZmExport.h"
 
 template <class T>
-class ZmPoint2T;
+class ZMCALC_API_FORWARD ZmPoint2T;
 template <class T>
-class ZmVector2T;
+class ZMCALC_API_FORWARD ZmVector2T;
 template <class T>
-class ZmPoint3T;
+class ZMCALC_API_FORWARD ZmPoint3T;
 template <class T>
-class ZmVector3T;
+class ZMCALC_API_FORWARD ZmVector3T;
 
 namespace zm {
 

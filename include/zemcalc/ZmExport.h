@@ -25,3 +25,11 @@
 // that hold text or arrays (WbString, the arrays, ZmUnitDim) report a lack of memory as the
 // standard containers do, with std::bad_alloc; they leak nothing and leave an assigned object
 // as it was. A filter whose kernel could not be allocated refuses to compute (SetKernelSize).
+// Forward declarations of exported class templates. Clang fixes a template's visibility at its
+// first declaration, so the mark must be there as well; GCC takes it from the definition and
+// rejects it on a declaration seen after the definition.
+#if defined(__clang__)
+#  define ZMCALC_API_FORWARD ZMCALC_API
+#else
+#  define ZMCALC_API_FORWARD
+#endif

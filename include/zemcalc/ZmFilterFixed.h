@@ -27,8 +27,12 @@
 #include "zemcalc/ZmFilter.h"
 
 namespace zm {
-// The coefficient tables of the fixed kernels.
+// The coefficient tables of the fixed kernels. The enumeration is a template argument of
+// exported classes, and Clang gives a class no more visibility than its template arguments:
+// it is declared visible.
+#pragma GCC visibility push(default)
 enum class FilterTable { kCFC600, kCFC180, kCFC60 };
+#pragma GCC visibility pop
 }  // namespace zm
 
 // A CFC filter: normalise 1, point reflection, the time-step limits in unit, the table's kernel.

@@ -21,7 +21,7 @@
 #include "zemcalc/ZmPoint3.h"
 
 template <class T>
-class ZmPlaneT;
+class ZMCALC_API_FORWARD ZmPlaneT;
 
 // Comparison with an explicit tolerance. Both tests are inclusive and ignore the sign of the
 // tolerance; the difference is formed in the class's precision; a NaN gives 0.

@@ -27,7 +27,7 @@
 #include "zemcalc/ZmPoint3.h"
 
 template <class T>
-class ZmPlaneT;
+class ZMCALC_API_FORWARD ZmPlaneT;
 
 template <class T>
 class ZMCALC_API ZmMathDistanceT {

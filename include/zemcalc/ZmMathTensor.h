@@ -25,7 +25,7 @@
 #include "zemcalc/ZmPoint3.h"
 
 template <class T>
-class ZmFrameT;
+class ZMCALC_API_FORWARD ZmFrameT;
 
 template <class T>
 class ZMCALC_API ZmMathTensorT {

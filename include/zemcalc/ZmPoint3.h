@@ -20,11 +20,11 @@
 #include "zemcalc/ZmPoint2.h"
 
 template <class T>
-class ZmPlaneT;
+class ZMCALC_API_FORWARD ZmPlaneT;
 template <class T>
-class ZmExtents3T;
+class ZMCALC_API_FORWARD ZmExtents3T;
 template <class T>
-class ZmFrameT;
+class ZMCALC_API_FORWARD ZmFrameT;
 
 namespace zm {
 template <class T, class A, class B, class C>

@@ -19,6 +19,7 @@
 #include "zemcalc/ZmFilterFixed.h"
 #include "zemcalc/ZmFrame.h"
 #include "zemcalc/ZmFrame3D.h"
+#include "zemcalc/ZmKernelVersion.h"
 #include "zemcalc/ZmMath.h"
 #include "zemcalc/ZmMathAngle.h"
 #include "zemcalc/ZmMathDistance.h"

@@ -1,6 +1,7 @@
 #include "filters/symmetric_kernel.h"
 
 #include "foundation/build_info.h"
+#include "foundation/kernel_version.h"
 
 ZM_BUILD_INFO(symmetric_kernel)
 
@@ -56,20 +57,37 @@ inline __attribute__((always_inline)) void FilterInPlace(T* b, std::uint64_t cou
   for (; j < count; ++j) b[j] = OneOutput(b + j, c, n, h);
 }
 
-// One version per instruction set, each on its own register width; the first call binds the
-// version of the processor (an indirect function resolved by the loader), so every processor
-// runs the same operations in the same order and gets the same bits.
-#define ZM_KERNEL_VERSION(isa, bytes, T)                                                      \
-  __attribute__((target(isa))) void RunKernel(T* b, std::uint64_t count, const T* c, int n) { \
-    FilterInPlace<T, bytes>(b, count, c, n);                                                  \
+// One version per instruction set, each on its own register width. The version is chosen in
+// one place for the whole library (foundation/kernel_version.h); every version runs the same
+// operations in the same order, so every processor gets the same bits.
+template <class T>
+void RunDefault(T* b, std::uint64_t count, const T* c, int n) {
+  FilterInPlace<T, 16>(b, count, c, n);
+}
+
+#if ZM_HAS_KERNEL_VERSIONS
+template <class T>
+ZM_TARGET_AVX2 void RunAvx2(T* b, std::uint64_t count, const T* c, int n) {
+  FilterInPlace<T, 32>(b, count, c, n);
+}
+
+template <class T>
+ZM_TARGET_AVX512 void RunAvx512(T* b, std::uint64_t count, const T* c, int n) {
+  FilterInPlace<T, 64>(b, count, c, n);
+}
+#endif
+
+template <class T>
+void RunKernel(T* b, std::uint64_t count, const T* c, int n) {
+#if ZM_HAS_KERNEL_VERSIONS
+  switch (ChosenKernelVersion()) {
+    case KernelVersion::kAvx512: return RunAvx512(b, count, c, n);
+    case KernelVersion::kAvx2: return RunAvx2(b, count, c, n);
+    case KernelVersion::kDefault: break;
   }
-ZM_KERNEL_VERSION("default", 16, double)
-ZM_KERNEL_VERSION("avx2", 32, double)
-ZM_KERNEL_VERSION("avx512f", 64, double)
-ZM_KERNEL_VERSION("default", 16, float)
-ZM_KERNEL_VERSION("avx2", 32, float)
-ZM_KERNEL_VERSION("avx512f", 64, float)
-#undef ZM_KERNEL_VERSION
+#endif
+  RunDefault(b, count, c, n);
+}
 
 }  // namespace
 

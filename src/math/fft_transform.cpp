@@ -7,7 +7,7 @@
 #include <cmath>
 
 #include "foundation/build_info.h"
-#include "math/simd_clones.h"
+#include "foundation/kernel_version.h"
 #include "zemcalc/ZmComplex.h"
 
 ZM_BUILD_INFO(fft_transform)
@@ -18,7 +18,8 @@ ZM_BUILD_INFO(fft_transform)
 // - each butterfly takes the same operands in the same order, so the butterflies may run in
 //   any order that respects their data flow: along a block (long stages) or across blocks
 //   (short stages) in vector registers, and two stages per pass over the data;
-// - the butterfly passes are also built for AVX2 (simd_clones.h).
+// - the butterfly passes and the bit-reversal gather are also built for AVX2
+//   (foundation/kernel_version.h).
 
 namespace zm {
 namespace fft {
@@ -97,11 +98,13 @@ inline void RunButterflies(float* __restrict loRe, float* __restrict loIm, float
 }
 
 // One stage, block after block, vectorised along each block.
-ZM_AVX2_CLONES void Stage(const Workspace& work, std::uint64_t nfft, std::uint64_t half) {
-  for (std::uint64_t s = 0; s < nfft; s += 2 * half)
-    RunButterflies(work.re + s, work.im + s, work.re + s + half, work.im + s + half, work.twiddleRe + half - 1,
-                   work.twiddleIm + half - 1, half);
-}
+struct Stage {
+  ZM_KERNEL_BODY void Run(const Workspace& work, std::uint64_t nfft, std::uint64_t half) {
+    for (std::uint64_t s = 0; s < nfft; s += 2 * half)
+      RunButterflies(work.re + s, work.im + s, work.re + s + half, work.im + s + half, work.twiddleRe + half - 1,
+                     work.twiddleIm + half - 1, half);
+  }
+};
 
 // A stage of blocks shorter than a vector, vectorised across the blocks.
 template <std::uint64_t Half>
@@ -117,9 +120,11 @@ inline void ShortStageOn(float* __restrict re, float* __restrict im, std::uint64
 }
 
 template <std::uint64_t Half>
-ZM_AVX2_CLONES void ShortStage(const Workspace& work, std::uint64_t nfft) {
-  ShortStageOn<Half>(work.re, work.im, nfft, work.twiddleRe + Half - 1, work.twiddleIm + Half - 1);
-}
+struct ShortStage {
+  ZM_KERNEL_BODY void Run(const Workspace& work, std::uint64_t nfft) {
+    ShortStageOn<Half>(work.re, work.im, nfft, work.twiddleRe + Half - 1, work.twiddleIm + Half - 1);
+  }
+};
 
 // One block of a pair of stages: with the block's quarters 0 to 3 (runs of half points), the
 // pairs (0, 1) and (2, 3) with twiddle k of the first stage (a), then (0, 2) with twiddle k
@@ -141,21 +146,25 @@ inline void PairButterflies(float* __restrict r0, float* __restrict i0, float* _
 }
 
 // The stages half and 2*half in one pass over the data.
-ZM_AVX2_CLONES void StagePair(const Workspace& work, std::uint64_t nfft, std::uint64_t half) {
-  for (std::uint64_t s = 0; s < nfft; s += 4 * half) {
-    float* re = work.re + s;
-    float* im = work.im + s;
-    PairButterflies(re, im, re + half, im + half, re + 2 * half, im + 2 * half, re + 3 * half, im + 3 * half,
-                    work.twiddleRe + half - 1, work.twiddleIm + half - 1, work.twiddleRe + 2 * half - 1,
-                    work.twiddleIm + 2 * half - 1, half);
+struct StagePair {
+  ZM_KERNEL_BODY void Run(const Workspace& work, std::uint64_t nfft, std::uint64_t half) {
+    for (std::uint64_t s = 0; s < nfft; s += 4 * half) {
+      float* re = work.re + s;
+      float* im = work.im + s;
+      PairButterflies(re, im, re + half, im + half, re + 2 * half, im + 2 * half, re + 3 * half, im + 3 * half,
+                      work.twiddleRe + half - 1, work.twiddleIm + half - 1, work.twiddleRe + 2 * half - 1,
+                      work.twiddleIm + 2 * half - 1, half);
+    }
   }
-}
+};
 
 // out[l] = in[low[l] + column], l < count.
-ZM_AVX2_CLONES void GatherRow(const float* __restrict in, float* __restrict out, const std::uint64_t* __restrict low,
-                              std::uint64_t column, std::uint64_t count) {
-  for (std::uint64_t l = 0; l < count; ++l) out[l] = in[low[l] + column];
-}
+struct GatherRow {
+  ZM_KERNEL_BODY void Run(const float* __restrict in, float* __restrict out, const std::uint64_t* __restrict low,
+                          std::uint64_t column, std::uint64_t count) {
+    for (std::uint64_t l = 0; l < count; ++l) out[l] = in[low[l] + column];
+  }
+};
 
 }  // namespace
 
@@ -199,20 +208,20 @@ void LoadBitReversed(const Workspace& work, const float* in, std::uint64_t nfft,
   for (std::uint64_t c = 0; c < columns; ++c)
     reversedColumn[c] = WbBinFile::SwapNBits(static_cast<unsigned int>(c), highBits);
   for (std::uint64_t column = 0; column < columns; ++column)
-    GatherRow(scratch, work.re + (reversedColumn[column] << lowBits), rowStart, column, rows);
+    RunKernel<GatherRow>(scratch, work.re + (reversedColumn[column] << lowBits), rowStart, column, rows);
 }
 
 void Transform(const Workspace& work, std::uint64_t nfft) {
   MakeTwiddles(nfft, work.twiddleRe, work.twiddleIm);
   std::uint64_t half = 1;
   if (nfft >= 8) {
-    ShortStage<1>(work, nfft);
-    ShortStage<2>(work, nfft);
-    ShortStage<4>(work, nfft);
+    RunKernel<ShortStage<1>>(work, nfft);
+    RunKernel<ShortStage<2>>(work, nfft);
+    RunKernel<ShortStage<4>>(work, nfft);
     half = 8;
   }
-  for (; 4 * half <= nfft; half *= 4) StagePair(work, nfft, half);
-  for (; half < nfft; half *= 2) Stage(work, nfft, half);
+  for (; 4 * half <= nfft; half *= 4) RunKernel<StagePair>(work, nfft, half);
+  for (; half < nfft; half *= 2) RunKernel<Stage>(work, nfft, half);
 }
 
 }  // namespace fft

@@ -9,8 +9,8 @@
 
 #include "foundation/build_info.h"
 #include "foundation/out_of_memory.h"
+#include "foundation/kernel_version.h"
 #include "math/fft_transform.h"
-#include "math/simd_clones.h"
 #include "zemcalc/ZmAngle.h"
 #include "zemcalc/ZmComplex.h"
 #include "zemcalc/ZmMathSpectrum.h"
@@ -105,9 +105,11 @@ void LoadSamples(const Window<T>& window, int windowType, T span, std::uint64_t 
 
 // The moduli of the bins, after the division by nfft when asked (scale is then 1/nfft, else
 // 1: exact either way); they replace the real parts.
-ZM_AVX2_CLONES void Moduli(float* __restrict re, const float* __restrict im, float scale, std::uint64_t count) {
-  for (std::uint64_t i = 0; i < count; ++i) re[i] = (ZmComplexNumberf(re[i], im[i]) * scale).Module();
-}
+struct Moduli {
+  ZM_KERNEL_BODY void Run(float* __restrict re, const float* __restrict im, float scale, std::uint64_t count) {
+    for (std::uint64_t i = 0; i < count; ++i) re[i] = (ZmComplexNumberf(re[i], im[i]) * scale).Module();
+  }
+};
 
 // How an amplitude is corrected for the weighting window's loss of level.
 enum class WindowLoss { kNone, kHann, kHamming };
@@ -115,25 +117,28 @@ enum class WindowLoss { kNone, kHann, kHamming };
 // Bin i: (i*df, modulus*dt/Tx, doubled above bin 0, then corrected for the window). Bin 0 is
 // multiplied by 1 (exact) rather than branched around, and Index is the narrowest integer that
 // holds every bin, so that the loop vectorises.
-template <WindowLoss Loss, class T, class Index>
-ZM_AVX2_CLONES void ScaleAmplitudes(const float* __restrict moduli, Index count, T df, T dt, T tx,
-                                    ZmPoint2T<T>* __restrict spectrum) {
-  for (Index i = 0; i < count; ++i) {
-    const T doubling = i > 0 ? T(2) : T(1);
-    T amplitude = T(moduli[i]) * dt / tx * doubling;
-    if (Loss == WindowLoss::kHamming) amplitude = amplitude / T(kHammingBase);
-    if (Loss == WindowLoss::kHann) amplitude = amplitude * T(2);
-    spectrum[i].x = T(i) * df;
-    spectrum[i].y = amplitude;
+template <WindowLoss Loss>
+struct ScaleAmplitudesOf {
+  template <class T, class Index>
+  ZM_KERNEL_BODY void Run(const float* __restrict moduli, Index count, T df, T dt, T tx,
+                          ZmPoint2T<T>* __restrict spectrum) {
+    for (Index i = 0; i < count; ++i) {
+      const T doubling = i > 0 ? T(2) : T(1);
+      T amplitude = T(moduli[i]) * dt / tx * doubling;
+      if (Loss == WindowLoss::kHamming) amplitude = amplitude / T(kHammingBase);
+      if (Loss == WindowLoss::kHann) amplitude = amplitude * T(2);
+      spectrum[i].x = T(i) * df;
+      spectrum[i].y = amplitude;
+    }
   }
-}
+};
 
 template <WindowLoss Loss, class T>
 void ScaleAmplitudes(const float* moduli, std::uint64_t nfft, T df, T dt, T tx, ZmPoint2T<T>* spectrum) {
   if (nfft <= std::uint64_t(INT32_MAX))
-    ScaleAmplitudes<Loss>(moduli, static_cast<std::int32_t>(nfft), df, dt, tx, spectrum);
+    zm::RunKernel<ScaleAmplitudesOf<Loss>>(moduli, static_cast<std::int32_t>(nfft), df, dt, tx, spectrum);
   else
-    ScaleAmplitudes<Loss>(moduli, static_cast<std::int64_t>(nfft), df, dt, tx, spectrum);
+    zm::RunKernel<ScaleAmplitudesOf<Loss>>(moduli, static_cast<std::int64_t>(nfft), df, dt, tx, spectrum);
 }
 
 // The amplitude (and phase) spectrum of the transform.
@@ -147,7 +152,7 @@ void WriteSpectra(const zm::fft::Workspace& work, std::uint64_t nfft, unsigned c
       phase[i].y = ZmAngleT<T, zm::AngleUnit::Radian>(x.Arg()).AngleInDegrees();
     }
   }
-  Moduli(work.re, work.im, scale, nfft);
+  zm::RunKernel<Moduli>(work.re, work.im, scale, nfft);
   if (windowType == ZmMathSpectrumT<T>::FFT_WINDOW_HAMMING)
     ScaleAmplitudes<WindowLoss::kHamming>(work.re, nfft, df, dt, tx, spectrum);
   else if (windowType == ZmMathSpectrumT<T>::FFT_WINDOW_HANN)
@@ -165,27 +170,29 @@ void WriteSpectra(const zm::fft::Workspace& work, std::uint64_t nfft, unsigned c
 // x[i]*y[i + l], each sum sequential in i, so that it equals the plain loop bit for bit.
 // Lane l runs out of terms at limit - l, so the lanes still summing are always a prefix
 // (limit >= lanes).
-template <class T>
-ZM_AVX2_CLONES void SumLagBlock(const T* __restrict x, const T* __restrict y, std::uint64_t terms, std::uint64_t limit,
-                                std::uint64_t lanes, T* __restrict acc) {
-  std::fill(acc, acc + lanes, T(0));
-  const std::uint64_t end = std::min(terms, limit);
-  // Four terms at a time while every lane takes all four (i + 3 < limit - lanes + 1).
-  const std::uint64_t full = std::min(end, limit - lanes + 1);
-  std::uint64_t i = 0;
-  for (; i + 4 <= full; i += 4) {
-    const T x0 = x[i], x1 = x[i + 1], x2 = x[i + 2], x3 = x[i + 3];
-    const T* yi = y + i;
-    for (std::uint64_t l = 0; l < lanes; ++l)
-      acc[l] = (((acc[l] + x0 * yi[l]) + x1 * yi[l + 1]) + x2 * yi[l + 2]) + x3 * yi[l + 3];
+struct SumLagBlock {
+  template <class T>
+  ZM_KERNEL_BODY void Run(const T* __restrict x, const T* __restrict y, std::uint64_t terms, std::uint64_t limit,
+                          std::uint64_t lanes, T* __restrict acc) {
+    std::fill(acc, acc + lanes, T(0));
+    const std::uint64_t end = std::min(terms, limit);
+    // Four terms at a time while every lane takes all four (i + 3 < limit - lanes + 1).
+    const std::uint64_t full = std::min(end, limit - lanes + 1);
+    std::uint64_t i = 0;
+    for (; i + 4 <= full; i += 4) {
+      const T x0 = x[i], x1 = x[i + 1], x2 = x[i + 2], x3 = x[i + 3];
+      const T* yi = y + i;
+      for (std::uint64_t l = 0; l < lanes; ++l)
+        acc[l] = (((acc[l] + x0 * yi[l]) + x1 * yi[l + 1]) + x2 * yi[l + 2]) + x3 * yi[l + 3];
+    }
+    for (; i < end; ++i) {
+      const std::uint64_t active = std::min(lanes, limit - i);
+      const T xi = x[i];
+      const T* yi = y + i;
+      for (std::uint64_t l = 0; l < active; ++l) acc[l] = acc[l] + xi * yi[l];
+    }
   }
-  for (; i < end; ++i) {
-    const std::uint64_t active = std::min(lanes, limit - i);
-    const T xi = x[i];
-    const T* yi = y + i;
-    for (std::uint64_t l = 0; l < active; ++l) acc[l] = acc[l] + xi * yi[l];
-  }
-}
+};
 
 template <class T>
 void CircularCorrelation(const WbArrayTempl<T>& ay, const WbArrayTempl<T>& ax, const WbArrayTempl<T>& bWrapped,
@@ -195,7 +202,7 @@ void CircularCorrelation(const WbArrayTempl<T>& ay, const WbArrayTempl<T>& ax, c
   T acc[kLagBlock];
   for (std::uint64_t k0 = 0; k0 < n; k0 += kLagBlock) {
     const std::uint64_t lanes = std::min(kLagBlock, n - k0);
-    SumLagBlock(ay.GetData(), bWrapped.GetData() + k0, n, UINT64_MAX, lanes, acc);
+    zm::RunKernel<SumLagBlock>(ay.GetData(), bWrapped.GetData() + k0, n, UINT64_MAX, lanes, acc);
     for (std::uint64_t l = 0; l < lanes; ++l) out[k0 + l] = ZmPoint2T<T>(ax[k0 + l], scale * acc[l]);
   }
 }
@@ -210,7 +217,7 @@ void LinearCorrelation(const WbArrayTempl<T>& ay, const WbArrayTempl<T>& ax, con
   // Lags -q, q = 1 .. n-1: sum over i < min(n, nb - q) of a[i]*b[i + q].
   for (std::uint64_t q0 = 1; q0 < n; q0 += kLagBlock) {
     const std::uint64_t lanes = std::min(kLagBlock, n - q0);
-    SumLagBlock(ay.GetData(), by.GetData() + q0, n, nb - q0, lanes, acc);
+    zm::RunKernel<SumLagBlock>(ay.GetData(), by.GetData() + q0, n, nb - q0, lanes, acc);
     for (std::uint64_t l = 0; l < lanes; ++l) {
       const std::uint64_t q = q0 + l;
       out[n - 1 - q] = ZmPoint2T<T>(T(2) * ax[0] - ax[q], scale * acc[l]);
@@ -219,7 +226,7 @@ void LinearCorrelation(const WbArrayTempl<T>& ay, const WbArrayTempl<T>& ax, con
   // Lags L = 0 .. n-1: sum over i < n - L of b[i]*a[i + L].
   for (std::uint64_t l0 = 0; l0 < n; l0 += kLagBlock) {
     const std::uint64_t lanes = std::min(kLagBlock, n - l0);
-    SumLagBlock(by.GetData(), ay.GetData() + l0, n, n - l0, lanes, acc);
+    zm::RunKernel<SumLagBlock>(by.GetData(), ay.GetData() + l0, n, n - l0, lanes, acc);
     for (std::uint64_t l = 0; l < lanes; ++l) out[n - 1 + l0 + l] = ZmPoint2T<T>(ax[l0 + l], scale * acc[l]);
   }
 }
