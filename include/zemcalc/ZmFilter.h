@@ -39,8 +39,10 @@
 //
 // Compute(in, out):
 //   1. out becomes a copy of in; on every failure below out holds that copy.
-//   2. Refused filters: a kernel size below 1, or a coefficient array that does not hold
-//      (n+1)/2 values, fails with "Invalid filter kernel size %d"; an extrapolation outside 0..3
+//   2. Refused filters: a kernel size below 1 or above 2^20 (1048576) taps, or a coefficient
+//      array that does not hold (n+1)/2 values, fails with "Invalid filter kernel size %d". A
+//      wider kernel is never stored, so constructing one takes no memory: ZmFilterMVAf(INT_MAX)
+//      holds no coefficients and is refused at Compute. An extrapolation outside 0..3
 //      fails with "Unknown extrapolation type %d".
 //   3. When a time-step limit is set (not the invalid marker -1e32) and in has more than one
 //      point, each interval i = 1 .. N-1 (numbered from 1: interval 8 joins points 7 and 8) has
@@ -169,8 +171,8 @@ class ZMCALC_API ZmFilterMAT : public Base {
   // ZmUnitConverter for the time dimension when unit is not seconds (0). When that conversion
   // cannot be prepared (a unit outside the catalogue) the limits stay in seconds.
   void SetLimitDT(_ZmUnitTime unit);
-  // Sets the kernel size and sizes the coefficient array to (n+1)/2 zeros (none for n < 1, and
-  // none when memory runs out, which Compute then refuses).
+  // Sets the kernel size and sizes the coefficient array to (n+1)/2 zeros (none for n < 1, for
+  // n above 2^20 taps, and when memory runs out, which Compute then refuses).
   void SetKernelSize(int n);
   // SetKernelSize(n), then the (n+1)/2 values of table as the coefficients.
   void SetKernelTable(int n, const float* table);
@@ -202,7 +204,8 @@ ZM_FILTER_CLASS(ZmFilterMAf, ZmFilterMAT<ZmFilterf>)
 
 // The plain moving average of n samples: normalise 0, (n+1)/2 coefficients, each 1/n computed
 // in single precision (1.0f / n) and widened in the double twin, so 1/3 is 0.3333333432674408.
-// n = 1 copies the curve; n < 1 is refused at Compute ("Invalid filter kernel size %d").
+// n = 1 copies the curve; n < 1 and n > 2^20 are refused at Compute ("Invalid filter kernel
+// size %d"), and such a filter holds no coefficients.
 // By name: n = 3, point reflection.
 template <class Base>
 class ZMCALC_API ZmFilterMVAT : public Base {

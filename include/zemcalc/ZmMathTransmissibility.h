@@ -83,6 +83,19 @@ class ZMCALC_API ZmMathTransmissibilityT {
   //    width of 0 is no average). Errors of the filter are passed on.
   // 9. When resultStep is given, result is resampled with SampleX at that step; when that
   //    yields nothing, result is empty.
+  // Bounded work. A call accepts at most 2^18 (262144) points per resampled signal, 2^15 (32768)
+  // on the correlation routes (each correlation costs the square of that), and nfft at most
+  // 2^18; the smoothing of stage 8 then stays within about 2^31 multiply-adds and the whole call
+  // well under a second on such sizes. Beyond them the call is refused before the work starts:
+  //   nfft above 2^18, before stage 1: "FFT length %u is larger than 262144";
+  //   stages 2-3, when (largest abscissa - first sample)/samplingStep >= the limit (NaN
+  //   abscissas skipped; the first sample as SampleX takes it), or the resampled signal holds
+  //   more than the limit: "Sampling of input signal at step %g gives more than %d points",
+  //   "Sampling of output signal at step %g gives more than %d points" (%d the limit);
+  //   stage 9 by the same test with resultStep and 2^18: "Sampling of the transmissibility at
+  //   step %g gives more than 262144 points".
+  // Stages 7 and 8 read the other curve at increasing frequencies in one pass over it, so they
+  // are linear too.
   // Returns null on success. On failure result and *phaseDifference are unchanged, and the
   // curves and titles appended before the failing stage stay. Running out of memory fails with
   // "Not enough memory to compute the transmissibility". result, phaseDifference and the

@@ -25,6 +25,11 @@ constexpr float kMaxStepSeconds = 1.5e-04f;
 // windows reach beyond it, so it stays in the processor's caches while the curve streams through.
 constexpr std::uint64_t kBlock = 2048;
 
+// The widest kernel kept: 2^20 taps. A wider one needs a curve of over half a million points
+// and costs half its width in multiply-adds per point, some 10^11 at least; refusing it also
+// keeps a constructor given INT_MAX from taking gigabytes before any curve is seen.
+constexpr int kMaxKernelSize = 1 << 20;
+
 // The h padded values before the curve (left[i] = b[i]) and after it (right[i] = b[h+N+i]);
 // N >= h, N >= 1.
 template <class T>
@@ -98,7 +103,7 @@ template <class Base>
 void ZmFilterMAT<Base>::SetKernelSize(int n) {
   m_size = n;
   m_coefficients.RemoveAll();
-  if (n < 1) return;
+  if (n < 1 || n > kMaxKernelSize) return;
   try {
     m_coefficients.SetSize(static_cast<std::uint64_t>(n / 2 + (n & 1)));
   } catch (const std::bad_alloc&) {

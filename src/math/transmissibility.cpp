@@ -8,6 +8,7 @@
 
 #include "foundation/build_info.h"
 #include "foundation/out_of_memory.h"
+#include "geometry/curve_search.h"
 #include "zemcalc/ZmConstants.h"
 #include "zemcalc/ZmFilter.h"
 #include "zemcalc/ZmMathSpectrum.h"
@@ -66,11 +67,63 @@ bool IsGiven(T value) {
   return value != zm::Invalid<T>();
 }
 
+// The work a call accepts. The smoothing costs count^2/40 multiply-adds on up to nfft points, and
+// the correlations n^2 each on n samples: 2^18 points smooth in well under a second, and so do
+// two correlations of 2^15 samples. A resampled signal (and the final result) holds at most
+// kMaxPoints points, at most kMaxCorrelationPoints on a correlation route, and nfft is at most
+// kMaxPoints.
+constexpr std::uint64_t kMaxPoints = std::uint64_t(1) << 18;
+constexpr std::uint64_t kMaxCorrelationPoints = std::uint64_t(1) << 15;
+
+// Whether resampling from start on at step can give more than limit points, judged from the
+// abscissa span before any memory is taken: (largest abscissa - first sample)/step + 1, NaN
+// abscissas skipped, the first sample chosen as SampleX chooses it. Inputs that SampleX refuses
+// on its own (an empty curve, a step not > 0) are left to it.
+template <class T>
+bool SamplingExceeds(const WbArrayTempl<ZmPoint2T<T>>& signal, T start, T step, std::uint64_t limit) {
+  if (signal.IsEmpty() || !(step > T(0))) return false;
+  const T first = signal[0].x;
+  const T from = (IsGiven(start) && start > first) ? start : first;
+  T largest = from;
+  for (const ZmPoint2T<T>& p : signal) largest = p.x > largest ? p.x : largest;
+  return (largest - from) / step >= T(limit);
+}
+
 template <class T>
 T ValueAt(const WbArrayTempl<ZmPoint2T<T>>& curve, T x) {
   int index = -1;
   return ZmPoint2T<T>::InterpolateOnX(curve.GetData(), curve.GetSize(), x, index, 0);
 }
+
+// ValueAt for abscissae met in increasing order, as the stages below meet frequencies: the
+// same values in one pass over the curve instead of a search from its first point each time.
+// It keeps the first point whose abscissa is >= the last one asked; no segment closed before
+// it can hold a later abscissa, so the first holding segment is found from there (the
+// argument of ZmPoint2T::SampleX). An abscissa below the previous one starts again from the
+// first point.
+template <class T>
+class ForwardLookup {
+ public:
+  explicit ForwardLookup(const WbArrayTempl<ZmPoint2T<T>>& curve)
+      : m_points(curve.GetData()), m_count(zm::curve::IndexedCount(curve.GetData(), curve.GetSize())) {}
+
+  T At(T x) {
+    using zm::curve::Axis;
+    if (!(x >= m_last)) m_next = 0;
+    m_last = x;
+    while (m_next < m_count && !(m_points[m_next].x >= x)) ++m_next;
+    if (m_count == 0) return zm::Invalid<T>();
+    if (m_next == 0 && m_points[0].x == x) return m_points[0].y;
+    const std::uint64_t end = zm::curve::FindSegmentEnd<Axis::kX>(m_points, m_count, m_next == 0 ? 1 : m_next, x);
+    return end == m_count ? zm::Invalid<T>() : zm::curve::SegmentResult<Axis::kX>(m_points, end, x);
+  }
+
+ private:
+  const ZmPoint2T<T>* m_points;
+  std::uint64_t m_count;
+  std::uint64_t m_next = 0;
+  T m_last = zm::Invalid<T>();
+};
 
 // Stage 1: the output with its level moved onto the input's at alignAbscissa.
 template <class T>
@@ -86,10 +139,16 @@ void AlignLevels(const WbArrayTempl<ZmPoint2T<T>>& input, WbArrayTempl<ZmPoint2T
 
 // Stages 2 and 3.
 template <class T>
-const WbErrObj* Resample(const WbArrayTempl<ZmPoint2T<T>>& signal, T start, T step, bool isInput,
+const WbErrObj* Resample(const WbArrayTempl<ZmPoint2T<T>>& signal, T start, T step, bool isInput, std::uint64_t limit,
                          WbArrayTempl<ZmPoint2T<T>>& sampled, Chain<T>& chain) {
   const bool fromStart = IsGiven(start);
-  if (ZmPoint2T<T>::SampleX(signal.GetData(), signal.GetSize(), step, sampled, start) == 0) {
+  const int most = static_cast<int>(limit);
+  if (SamplingExceeds(signal, start, step, limit) ||
+      ZmPoint2T<T>::SampleX(signal.GetData(), signal.GetSize(), step, sampled, start) > limit) {
+    return isInput ? Fail(L"Sampling of input signal at step %g gives more than %d points", step, most)
+                   : Fail(L"Sampling of output signal at step %g gives more than %d points", step, most);
+  }
+  if (sampled.IsEmpty()) {
     const WbString from = fromStart ? WbString::Formatted(L" from abscissa %g", start) : WbString();
     return isInput ? Fail(L"Unable to sample points of input signal%s with shift=%g", from, step)
                    : Fail(L"Unable to sample points of output signal%s with shift=%g", from, step);
@@ -161,9 +220,10 @@ void PhaseDifference(const Spectra<T>& spectra, T frequencyMin, T frequencyMax, 
   WbArrayTempl<ZmPoint2T<T>> grid;
   ZmPoint2T<T>::SampleX(in.GetData(), in.GetSize(), in[1].x - in[0].x, grid, frequencyMin);
   difference.RemoveAll();
+  ForwardLookup<T> outputPhaseAt(spectra.outputPhase);
   for (const ZmPoint2T<T>& p : grid) {
     if (p.x > frequencyMax) break;
-    const T outputPhase = ValueAt(spectra.outputPhase, p.x);
+    const T outputPhase = outputPhaseAt.At(p.x);
     if (IsGiven(outputPhase)) difference.Add(ZmPoint2T<T>(p.x, outputPhase - p.y));
   }
   chain.Keep(difference, L"Phase difference (output - input)|Frequency|Angle (degrees)");
@@ -175,8 +235,9 @@ const WbErrObj* Transmissibility(const WbArrayTempl<ZmPoint2T<T>>& inputEnvelope
                                  const WbArrayTempl<ZmPoint2T<T>>& outputEnvelope,
                                  WbArrayTempl<ZmPoint2T<T>>& transmissibility) {
   transmissibility.RemoveAll();
+  ForwardLookup<T> inputEnvelopeAt(inputEnvelope);
   for (const ZmPoint2T<T>& p : outputEnvelope) {
-    const T reference = ValueAt(inputEnvelope, p.x);
+    const T reference = inputEnvelopeAt.At(p.x);
     if (IsGiven(reference) && reference != T(0)) transmissibility.Add(ZmPoint2T<T>(p.x, p.y / reference));
   }
   if (transmissibility.IsEmpty())
@@ -203,20 +264,23 @@ const WbErrObj* Run(const WbArrayTempl<ZmPoint2T<T>>& input, const WbArrayTempl<
   using Curve = WbArrayTempl<ZmPoint2T<T>>;
   using Math = ZmMathTransmissibilityT<T>;
   Chain<T> chain(curves, titles);
+  if (nfft > kMaxPoints) return Fail(L"FFT length %u is larger than %d", nfft, static_cast<int>(kMaxPoints));
 
   Curve alignedOutput = output;
   AlignLevels(input, alignedOutput, alignAbscissa, chain);
 
+  const bool correlation =
+      method == Math::TRANSMISSIBILITY_CIRCULAR_CORRELATION || method == Math::TRANSMISSIBILITY_LINEAR_CORRELATION;
+  const std::uint64_t limit = correlation ? kMaxCorrelationPoints : kMaxPoints;
   Curve sampledInput, sampledOutput;
-  if (const WbErrObj* error = Resample(input, samplingStart, samplingStep, true, sampledInput, chain)) return error;
-  if (const WbErrObj* error = Resample(alignedOutput, samplingStart, samplingStep, false, sampledOutput, chain))
+  if (const WbErrObj* error = Resample(input, samplingStart, samplingStep, true, limit, sampledInput, chain))
+    return error;
+  if (const WbErrObj* error = Resample(alignedOutput, samplingStart, samplingStep, false, limit, sampledOutput, chain))
     return error;
 
   const std::uint64_t length = nfft ? nfft : DefaultLength(std::max(sampledInput.GetSize(), sampledOutput.GetSize()));
   const bool withPhase = phaseDifference != nullptr;
   Spectra<T> spectra;
-  const bool correlation =
-      method == Math::TRANSMISSIBILITY_CIRCULAR_CORRELATION || method == Math::TRANSMISSIBILITY_LINEAR_CORRELATION;
   const WbErrObj* error =
       correlation ? CorrelationSpectra(sampledInput, sampledOutput, method == Math::TRANSMISSIBILITY_LINEAR_CORRELATION,
                                        length, withPhase, spectra, chain)
@@ -244,9 +308,14 @@ const WbErrObj* Run(const WbArrayTempl<ZmPoint2T<T>>& input, const WbArrayTempl<
 
   Curve transmissibility;
   if (const WbErrObj* failure = Transmissibility(inputEnvelope, outputEnvelope, transmissibility)) return failure;
-  if (IsGiven(resultStep) && ZmPoint2T<T>::SampleX(transmissibility.GetData(), transmissibility.GetSize(), resultStep,
-                                                   transmissibility, zm::Invalid<T>()) == 0)
-    transmissibility.RemoveAll();
+  if (IsGiven(resultStep)) {
+    if (SamplingExceeds(transmissibility, zm::Invalid<T>(), resultStep, kMaxPoints))
+      return Fail(L"Sampling of the transmissibility at step %g gives more than %d points", resultStep,
+                  static_cast<int>(kMaxPoints));
+    if (ZmPoint2T<T>::SampleX(transmissibility.GetData(), transmissibility.GetSize(), resultStep, transmissibility,
+                              zm::Invalid<T>()) == 0)
+      transmissibility.RemoveAll();
+  }
 
   result = std::move(transmissibility);
   if (phaseDifference) *phaseDifference = std::move(difference);

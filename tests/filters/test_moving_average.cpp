@@ -15,6 +15,8 @@
 //   linear padding: b[i] = ((y1-y0)*i + (h+1)*y0) - h*y1,
 //                   b[h+N+i] = ((B-A)*i + (h+N-1)*A) - (h+N-2)*B
 #include <gtest/gtest.h>
+
+#include <climits>
 #include <zemcalc/zemcalc.h>
 
 #include <cmath>
@@ -185,13 +187,16 @@ TEST(MovingAverage, ExtrapolationByItsNumber) {
 TEST(MovingAverage, DegenerateKernelsAndCurves) {
   WbArrayTempl<ZmPoint2d> out;
   const auto in = Curve<double>({3, -1, 2});
-  // Sizes below 1 are refused, out holding the copy.
-  for (int n : {0, -1, -4}) {
+  // Sizes below 1 and above 2^20 taps are refused, out holding the copy; the wide ones take no
+  // memory before a curve is seen (INT_MAX once meant 4 GiB of coefficients).
+  for (int n : {0, -1, -4, (1 << 20) + 1, INT_MAX}) {
     ZmFilterMVAd filter(n, ZmExtrapolationReflection);
     EXPECT_EQ(filter.GetCoefficients().GetSize(), 0u);
     EXPECT_EQ(Message(filter.Compute(in, out)), L"Invalid filter kernel size " + std::to_wstring(n));
     EXPECT_TRUE(SameCurve(out, in));
   }
+  EXPECT_EQ(ZmFilterMVAf(INT_MAX).GetCoefficients().GetSize(), 0u);
+  EXPECT_EQ(ZmFilterMVAf(1 << 20).GetCoefficients().GetSize(), 1u << 19);
   ZmFilterMAd bare(1, ZmExtrapolationReflection);
   EXPECT_EQ(Message(bare.Compute(in, out)), L"Invalid filter kernel size 0");
   // One tap copies the curve, and accepts an empty one.

@@ -162,6 +162,11 @@ TYPED_TEST(TransmissibilityTwins, HandsBackEveryStageWithItsTitleInOrder) {
   ASSERT_GT(phase.GetSize(), 100u);
   EXPECT_GE(phase[0].x, T(2));
   EXPECT_LE(phase[phase.GetSize() - 1].x, T(200));
+  // Each difference is the output phase minus the input phase, both read at its frequency by a
+  // search from the first point (curves 11 and 12).
+  for (std::uint64_t k = 0; k < phase.GetSize(); ++k) {
+    ASSERT_EQ(phase[k].y, ValueAt(*curves[12], phase[k].x) - ValueAt(*curves[11], phase[k].x)) << k;
+  }
   // Resampled at 1 Hz from the first frequency kept.
   ASSERT_GT(result.GetSize(), 100u);
   EXPECT_NEAR(result[1].x - result[0].x, 1.0, 1e-4);
@@ -222,6 +227,22 @@ TYPED_TEST(TransmissibilityTwins, RefusesWhatItCannotCompute) {
   refused(Math<T>::ComputeTransmissibility(twoPoints, twoPoints, absent, absent, T(kStep), absent, 1, absent, absent,
                                            absent, 0, result, nullptr, nullptr, nullptr),
           L"Less than 3 points in the window. Can't compute FFT", result);
+  // Work beyond the stated bounds is refused before it starts: a 2-point curve sampled a
+  // billion times, an output too long for a correlation route, nfft, the final step.
+  refused(Math<T>::ComputeTransmissibility(twoPoints, twoPoints, absent, absent, T(1e-9), absent, 1, absent, absent,
+                                           absent, 0, result, nullptr, nullptr, nullptr),
+          L"Sampling of input signal at step 1e-09 gives more than 262144 points", result);
+  Curve<T> longOutput = output;
+  longOutput.Add(ZmPoint2T<T>(T(400), T(0)));
+  refused(Math<T>::ComputeTransmissibility(input, longOutput, absent, absent, T(0.01), absent, 2, absent, absent,
+                                           absent, 0, result, nullptr, nullptr, nullptr),
+          L"Sampling of output signal at step 0.01 gives more than 32768 points", result);
+  refused(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), absent, 1, absent, absent, absent,
+                                           1u << 19, result, nullptr, nullptr, nullptr),
+          L"FFT length 524288 is larger than 262144", result);
+  refused(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), absent, 1, absent, absent,
+                                           T(1e-9), 0, result, nullptr, nullptr, nullptr),
+          L"Sampling of the transmissibility at step 1e-09 gives more than 262144 points", result);
   // A silent input has no spectrum to divide by.
   Curve<T> silent = input;
   for (auto& p : silent) p.y = 0;

@@ -47,6 +47,34 @@ TEST(WbStringFormat, OutputsLongerThanTheFirstBufferAreComplete) {
   EXPECT_EQ(padded.Find(L'4'), 998);
 }
 
+TEST(WbStringFormat, WorkIsBoundedAndARefusedFormatComesBackAsItsText) {
+  // Each of these once ran for seconds to minutes in vswprintf and returned an empty string.
+  // Widths and number precisions above 65536, from digits or '*', are refused at once.
+  struct Case {
+    WbString got;
+    const wchar_t* expected;
+  } cases[] = {
+      {WbString::Formatted(L"%999999999d", 1), L"%999999999d"},
+      {WbString::Formatted(L"[%.999999999f]", 1.0), L"[%.999999999f]"},
+      {WbString::Formatted(L"%*d", 2000000000, 1), L"%*d"},
+      {WbString::Formatted(L"%65537x", 1u), L"%65537x"},
+      {WbString::Formatted(L"%1$*2$d", 5, 3), L"%1$*2$d"},  // '*' with positional arguments
+      {WbString::Formatted(L"%m"), L"%m"},                  // no argument walk for it
+      {WbString::Formatted(L"%hs", "\xff\xfe"), L"%hs"},    // not text in the C locale
+      // Accepted: the limits themselves, a negative '*' width (left-justified) and precision
+      // (omitted), a long string precision that only cuts the string, positional arguments.
+      {WbString::Formatted(L"%*d|%.*f", -3, 7, -1, 0.5), L"7  |0.500000"},
+      {WbString::Formatted(L"%.999999999s", L"abc"), L"abc"},
+      {WbString::Formatted(L"%2$s %1$d", 5, L"ab"), L"ab 5"},
+  };
+  for (const Case& c : cases) EXPECT_EQ(c.got, WbString(c.expected));
+  EXPECT_EQ(WbString::Formatted(L"%65536d", 1).GetLength(), 65536u);
+  // %.65536f of 1e308: its 309 integer digits, the point and 65536 decimals.
+  EXPECT_EQ(WbString::Formatted(L"%.65536f", 1e308).GetLength(), 309u + 1u + 65536u);
+  // The largest long double has 4933 integer digits; %Lf adds the point and 6 decimals.
+  EXPECT_EQ(WbString::Formatted(L"%Lf", 1.18973149535723176502e+4932L).GetLength(), 4933u + 7u);
+}
+
 TEST(WbStringFormat, FormatFloatUsesSixteenSignificantDigitsAtMost) {
   // Python: '%.16g' % 0.1 -> '0.1'; '%.16g' % 1e32 -> '1e+32';
   // '%.16g' % -1.0000000331813535e32 -> '-1.000000033181354e+32' (the widened invalid marker).

@@ -64,7 +64,8 @@ public:
   int Compare(const wchar_t* other) const;
   int CompareNoCase(const wchar_t* other) const;
 
-  // printf-style formatting into this string (wide-format convention, see above).
+  // printf-style formatting into this string (wide-format convention, see above; the bounds
+  // and the result of a refused format are those of WbFormatV below).
   template <class... Args>
   void Format(const wchar_t* format, const Args&... args) {
     FormatVarArgs(format, wbcore_detail::FormatArg(args)...);
@@ -108,4 +109,13 @@ private:
 inline const wchar_t* wbcore_detail::FormatArg(const WbString& text) { return text.GetString(); }
 
 // vswprintf with the wide-format convention on every platform; returns the formatted text.
+// The work is bounded before anything is rendered. A format is refused, and the result is the
+// format text itself, unformatted, when: a field width, or the precision of a number,
+// exceeds 65536 (digits or '*'; a string's precision only cuts it short and is not limited); the result could exceed 2^24 characters (estimated from the widths, the lengths of
+// the string arguments and 8192 characters per number); a conversion is not one of
+// d i o u x X e E f F g G a A c s p n (with their length modifiers); or '*' is used together
+// with positional ("%1$d") arguments. A format that vswprintf cannot render (a narrow string
+// that is not valid in the current locale, say) gives the format text too. A null format
+// gives the empty string. Each call renders at most once (positional formats, whose strings
+// are not measured beforehand, may retry with larger buffers up to 2^24 characters).
 WBCORE_API std::wstring WbFormatV(const wchar_t* format, va_list args);
