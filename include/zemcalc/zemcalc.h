@@ -33,6 +33,7 @@
 #include "zemcalc/ZmMathTensor.h"
 #include "zemcalc/ZmMathTransmissibility.h"
 #include "zemcalc/ZmMatrix.h"
+#include "zemcalc/ZmMesh.h"
 #include "zemcalc/ZmPlane.h"
 #include "zemcalc/ZmPoint2.h"
 #include "zemcalc/ZmPoint3.h"
