@@ -7,10 +7,14 @@
 #include "zemcalc/ZmConstants.h"
 #include "zemcalc/ZmExport.h"
 #include "zemcalc/ZmMathAngle.h"
+#include "zemcalc/ZmMathArc.h"
 #include "zemcalc/ZmMathDistance.h"
+#include "zemcalc/ZmMathFit.h"
+#include "zemcalc/ZmMathGrid.h"
 #include "zemcalc/ZmMathIntersect.h"
 #include "zemcalc/ZmMathMaterial.h"
 #include "zemcalc/ZmMathPointCloud.h"
+#include "zemcalc/ZmMathPolygon.h"
 #include "zemcalc/ZmMathPolyline.h"
 #include "zemcalc/ZmMathRotation.h"
 #include "zemcalc/ZmMathSolve.h"
@@ -44,7 +48,9 @@ class ZMCALC_API ZmMathT : public ZmMathCompareT<T>, public ZmMathDistanceT<T>, 
                              public ZmMathAngleT<T>, public ZmMathRotationT<T>, public ZmMathPointCloudT<T>,
                              public ZmMathSolveT<T>, public ZmMathMaterialT<T>, public ZmMathTensorT<T>,
                              public ZmMathIntersectT<T>,
-                             public ZmMathSpectrumT<T>, public ZmMathTransmissibilityT<T> {};
+                             public ZmMathSpectrumT<T>, public ZmMathTransmissibilityT<T>,
+                             public ZmMathFitT<T>, public ZmMathArcT<T>, public ZmMathPolygonT<T>,
+                             public ZmMathGridT<T> {};
 
 using ZmMathd = ZmMathT<double>;
 using ZmMathf = ZmMathT<float>;
