@@ -11,6 +11,7 @@
 #include "zemcalc/ZmMathDistance.h"
 #include "zemcalc/ZmMathFit.h"
 #include "zemcalc/ZmMathGrid.h"
+#include "zemcalc/ZmMathInjury.h"
 #include "zemcalc/ZmMathIntersect.h"
 #include "zemcalc/ZmMathMaterial.h"
 #include "zemcalc/ZmMathPointCloud.h"
@@ -50,7 +51,7 @@ class ZMCALC_API ZmMathT : public ZmMathCompareT<T>, public ZmMathDistanceT<T>, 
                              public ZmMathIntersectT<T>,
                              public ZmMathSpectrumT<T>, public ZmMathTransmissibilityT<T>,
                              public ZmMathFitT<T>, public ZmMathArcT<T>, public ZmMathPolygonT<T>,
-                             public ZmMathGridT<T> {};
+                             public ZmMathGridT<T>, public ZmMathInjuryT<T> {};
 
 using ZmMathd = ZmMathT<double>;
 using ZmMathf = ZmMathT<float>;

@@ -1,0 +1,267 @@
+#include <cmath>
+#include <cstdint>
+#include <new>
+#include <type_traits>
+
+#include <wbcore/WbMem.h>
+
+#include "filters/filter_errors.h"
+#include "foundation/build_info.h"
+#include "zemcalc/ZmFilterCFC.h"
+#include "zemcalc/ZmUnitSystem.h"
+
+ZM_BUILD_INFO(cfc_butterworth)
+
+using zm::filter::Fail;
+
+namespace {
+
+constexpr const wchar_t* kBadClass = L"Can't process filtering. The channel frequency class %g is not a positive number";
+constexpr const wchar_t* kBadEnds = L"Unknown end treatment %d";
+constexpr const wchar_t* kBadDesign = L"Unknown design constant %d";
+constexpr const wchar_t* kBadUnit = L"Unknown time unit %d";
+constexpr const wchar_t* kBadTolerance = L"Can't process filtering. The step tolerance %g is not a non-negative number";
+constexpr const wchar_t* kNotIncreasing = L"Can't process filtering. The abscissae do not increase (mean step %g)";
+constexpr const wchar_t* kUneven =
+    L"Can't process filtering. The time step %g of interval %d differs from the mean step %g by more than %g %%";
+constexpr const wchar_t* kLowRate =
+    L"Can't process filtering. The sampling rate %g Hz is lower than 10 times the channel frequency class %g";
+constexpr const wchar_t* kAboveNyquist =
+    L"Can't process filtering. The design frequency %g Hz is not below half the sampling rate %g Hz";
+
+double DesignConstant(ZmCFCDesign design) { return design == ZmCFCDesignISO6487 ? 25.0 / 12.0 : 2.0775; }
+
+// Seconds in one unit of time (1 / the catalogue's units per second, in double); NaN for a
+// unit the catalogue cannot convert.
+double SecondsPerUnit(_ZmUnitTime unit) {
+  if (unit == ZmUnitSecond) return 1.0;
+  const ZmUnitSystem seconds(ZmUnitLengthUnset, ZmUnitMassUnset, ZmUnitSecond, ZmUnitTempUnset, ZmUnitAngleUnset);
+  const ZmUnitSystem to(ZmUnitLengthUnset, ZmUnitMassUnset, unit, ZmUnitTempUnset, ZmUnitAngleUnset);
+  ZmUnitConverter converter;
+  unsigned char needed = 0;
+  if (converter.InitFromTo(seconds, to, needed, &ZmUnitDimTime) != nullptr) return std::nan("");
+  const double perSecond = converter.GetFactor(ZmUnitTypeTime);
+  return perSecond > 0.0 && std::isfinite(perSecond) ? 1.0 / perSecond : std::nan("");
+}
+
+// The recursion of one pass, started in the steady state of `start` (0 for a start at rest).
+// Run over a stretch of values two at a time: the second output of a pair comes from the
+// recursion with the first one substituted, so that both wait only for the two outputs before
+// the pair and the processor works on them side by side.
+class Recursion {
+ public:
+  Recursion(const ZmCFCCoefficients& c, double start)
+      : m_c(c), m_c2(c.b1 * c.b1 + c.b2), m_c3(c.b1 * c.b2), m_x1(start), m_x2(start), m_y1(start), m_y2(start) {}
+
+  // Replaces v[0 .. n-1] (read through `read`, written through `write`) by the outputs.
+  template <class Read, class Write>
+  void Run(std::uint64_t n, Read read, Write write) {
+    const ZmCFCCoefficients& c = m_c;
+    std::uint64_t i = 0;
+    for (; i + 1 < n; i += 2) {
+      const double x = read(i), xn = read(i + 1);
+      const double u = (c.a0 * x + c.a1 * m_x1) + c.a2 * m_x2;
+      const double un = (c.a0 * xn + c.a1 * x) + c.a2 * m_x1;
+      const double y = (u + c.b2 * m_y2) + c.b1 * m_y1;
+      const double yn = ((un + c.b1 * u) + m_c3 * m_y2) + m_c2 * m_y1;
+      write(i, y);
+      write(i + 1, yn);
+      m_x2 = x;
+      m_x1 = xn;
+      m_y2 = y;
+      m_y1 = yn;
+    }
+    if (i < n) {
+      const double x = read(i);
+      const double y = (((c.a0 * x + c.a1 * m_x1) + c.a2 * m_x2) + c.b2 * m_y2) + c.b1 * m_y1;
+      write(i, y);
+      m_x2 = m_x1;
+      m_x1 = x;
+      m_y2 = m_y1;
+      m_y1 = y;
+    }
+  }
+
+ private:
+  const ZmCFCCoefficients m_c;
+  const double m_c2, m_c3;  // b1^2 + b2 and b1 b2: the weights of y[t-1], y[t-2] in y[t+1]
+  double m_x1, m_x2, m_y1, m_y2;
+};
+
+// Continues the values v[0 .. count-1] (count >= 2, pad <= count - 1) by pad samples on each
+// side: left[0 .. pad-1] ends next to v[0], right[0 .. pad-1] starts next to v[count-1].
+template <class P>
+void PadEnds(const P* in, std::uint64_t count, std::uint64_t pad, ZmFilterEnds ends, double* left, double* right) {
+  const double first = in[0].y;
+  const double last = in[count - 1].y;
+  for (std::uint64_t k = 1; k <= pad; ++k) {
+    const double before = in[k].y;              // k samples in from the start
+    const double after = in[count - 1 - k].y;   // k samples in from the end
+    double l = first, r = last;                 // constant
+    if (ends == ZmFilterEndsReflection) {
+      l = 2.0 * first - before;
+      r = 2.0 * last - after;
+    } else if (ends == ZmFilterEndsMirror) {
+      l = before;
+      r = after;
+    }
+    left[pad - k] = l;
+    right[k - 1] = r;
+  }
+}
+
+}  // namespace
+
+template <class Base>
+ZmFilterCFCButterworthT<Base>::ZmFilterCFCButterworthT(double cfc, _ZmUnitTime unit, ZmFilterEnds ends,
+                                                       ZmCFCDesign design)
+    : m_cfc(cfc),
+      m_unit(unit),
+      m_ends(ends),
+      m_design(design),
+      m_padLength(-1),
+      m_tolerance(1.0e-2),
+      m_allowLowRate(0) {}
+
+template <class Base>
+const WbErrObj* ZmFilterCFCButterworthT<Base>::CheckSettings(double& secondsPerUnit) const {
+  if (!(m_cfc > 0.0) || !std::isfinite(m_cfc)) return Fail(kBadClass, m_cfc);
+  if (m_ends < ZmFilterEndsReflection || m_ends > ZmFilterEndsNone) return Fail(kBadEnds, static_cast<int>(m_ends));
+  if (m_design != ZmCFCDesignJ211 && m_design != ZmCFCDesignISO6487) {
+    return Fail(kBadDesign, static_cast<int>(m_design));
+  }
+  if (!(m_tolerance >= 0.0) || !std::isfinite(m_tolerance)) return Fail(kBadTolerance, m_tolerance);
+  secondsPerUnit = SecondsPerUnit(m_unit);
+  if (std::isnan(secondsPerUnit)) return Fail(kBadUnit, static_cast<int>(m_unit));
+  return nullptr;
+}
+
+template <class Base>
+const WbErrObj* ZmFilterCFCButterworthT<Base>::ComputeCoefficients(double step, ZmCFCCoefficients& c) const {
+  double secondsPerUnit = 0.0;
+  if (const WbErrObj* error = CheckSettings(secondsPerUnit)) return error;
+  if (!(step > 0.0) || !std::isfinite(step)) return Fail(kNotIncreasing, step);
+  const double period = step * secondsPerUnit;
+  const double rate = 1.0 / period;
+  const double design = DesignConstant(m_design) * m_cfc;
+  if (!(design * period < 0.5)) return Fail(kAboveNyquist, design, rate);
+  if (!m_allowLowRate && rate < 10.0 * m_cfc) return Fail(kLowRate, rate, m_cfc);
+  const double pi = 3.14159265358979323846;
+  const double sqrt2 = 1.41421356237309504880;
+  const double wd = 2.0 * pi * design;
+  const double wa = std::tan(wd * period / 2.0);
+  const double wa2 = wa * wa;
+  const double d = 1.0 + sqrt2 * wa + wa2;
+  c.a0 = wa2 / d;
+  c.a1 = 2.0 * c.a0;
+  c.a2 = c.a0;
+  c.b1 = -2.0 * (wa2 - 1.0) / d;
+  c.b2 = (-1.0 + sqrt2 * wa - wa2) / d;
+  return nullptr;
+}
+
+template <class Base>
+const WbErrObj* ZmFilterCFCButterworthT<Base>::CheckSampling(const Curve& in, double& step) const {
+  const std::uint64_t count = in.GetSize();
+  if (count < 2) return Fail(zm::filter::kNotEnoughPoints);
+  const auto* p = in.GetData();
+  step = (static_cast<double>(p[count - 1].x) - static_cast<double>(p[0].x)) / static_cast<double>(count - 1);
+  if (!(step > 0.0) || !std::isfinite(step)) return Fail(kNotIncreasing, step);
+  const double allowed = m_tolerance * step;
+  for (std::uint64_t i = 1; i < count; ++i) {
+    const double dt = static_cast<double>(p[i].x) - static_cast<double>(p[i - 1].x);
+    if (!(std::fabs(dt - step) <= allowed)) {
+      return Fail(kUneven, dt, static_cast<int>(i < 0x7fffffffu ? i : 0x7fffffffu), step, 100.0 * m_tolerance);
+    }
+  }
+  return nullptr;
+}
+
+template <class Base>
+const WbErrObj* ZmFilterCFCButterworthT<Base>::Filter(const Curve& in, Curve& out) const {
+  double step = 0.0;
+  if (const WbErrObj* error = CheckSampling(in, step)) return error;
+  ZmCFCCoefficients c{};
+  if (const WbErrObj* error = ComputeCoefficients(step, c)) return error;
+
+  const std::uint64_t count = in.GetSize();
+  std::uint64_t pad = 0;
+  if (m_ends != ZmFilterEndsNone) {
+    double automatic = std::ceil(3.0 / (m_cfc * step * SecondsPerUnit(m_unit)));
+    std::uint64_t wanted = m_padLength >= 0 ? static_cast<std::uint64_t>(m_padLength)
+                                            : (automatic < 1.0e18 ? static_cast<std::uint64_t>(automatic) : count);
+    pad = wanted < count - 1 ? wanted : count - 1;
+  }
+  // The forward results of the samples wait for the backward pass in double: in out's own
+  // values in the double class (no work space to fault in), in a work array in the float class.
+  constexpr bool kInPlace = std::is_same<T, double>::value;
+  const std::uint64_t extra = kInPlace ? 0 : count;
+  double* w = static_cast<double*>(WbMemAlloc((2 * pad + extra + 1) * sizeof(double)));
+  if (!w) return Fail(zm::filter::kNotEnoughMemory);
+  try {
+    if (&in != &out) out.SetSize(count);
+  } catch (const std::bad_alloc&) {
+    WbMemFree(w);
+    return Fail(zm::filter::kNotEnoughMemory);
+  }
+  const auto* source = in.GetData();
+  auto* target = out.GetData();
+  double* left = w;
+  double* right = w + pad;
+  double* held = w + 2 * pad;
+  PadEnds(source, count, pad, m_ends, left, right);
+  const bool atRest = m_ends == ZmFilterEndsNone;
+  const auto keep = [held, target](std::uint64_t i, double y) {
+    if constexpr (kInPlace) {
+      target[i].y = y;
+    } else {
+      held[i] = y;
+    }
+  };
+  const auto kept = [held, target](std::uint64_t i) -> double {
+    if constexpr (kInPlace) {
+      return target[i].y;
+    } else {
+      return held[i];
+    }
+  };
+
+  // Forward over the left padding, the samples (abscissae copied on the way) and the right
+  // padding; a sample is read before its slot in out (which may be in) is written.
+  Recursion forward(c, atRest ? 0.0 : (pad > 0 ? left[0] : static_cast<double>(source[0].y)));
+  forward.Run(pad, [left](std::uint64_t i) { return left[i]; }, [](std::uint64_t, double) {});
+  forward.Run(count, [source](std::uint64_t i) { return static_cast<double>(source[i].y); },
+              [&keep, source, target](std::uint64_t i, double y) {
+                target[i].x = source[i].x;
+                keep(i, y);
+              });
+  forward.Run(pad, [right](std::uint64_t i) { return right[i]; }, [right](std::uint64_t i, double y) { right[i] = y; });
+
+  // Backward from the end of the right padding; the left padding's results are never needed.
+  Recursion backward(c, atRest ? 0.0 : (pad > 0 ? right[pad - 1] : kept(count - 1)));
+  backward.Run(pad, [right, pad](std::uint64_t i) { return right[pad - 1 - i]; }, [](std::uint64_t, double) {});
+  backward.Run(count, [&kept, count](std::uint64_t i) { return kept(count - 1 - i); },
+               [target, count](std::uint64_t i, double y) { target[count - 1 - i].y = static_cast<T>(y); });
+  WbMemFree(w);
+  return nullptr;
+}
+
+template <class Base>
+const WbErrObj* ZmFilterCFCButterworthT<Base>::Compute(const Curve& in, Curve& out) {
+  const WbErrObj* error = Filter(in, out);
+  // Nothing of out is written before the last step, so a failure only needs the copy.
+  if (error && &in != &out) {
+    try {
+      out = in;
+    } catch (const std::bad_alloc&) {
+      return Fail(zm::filter::kNotEnoughMemory);
+    }
+  }
+  return error;
+}
+
+template class ZmFilterCFCButterworthT<ZmFilterd>;
+template class ZmFilterCFCButterworthT<ZmFilterf>;
+
+WB_IMPLEMENT_DYNAMIC(ZmFilterCFCd, ZmFilterd, new ZmFilterCFCd)
+WB_IMPLEMENT_DYNAMIC(ZmFilterCFCf, ZmFilterf, new ZmFilterCFCf)

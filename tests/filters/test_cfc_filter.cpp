@@ -1,0 +1,234 @@
+// The CFC filter at any rate: coefficients and filtered signals against scipy (the committed
+// table of tests/reference/cfc_filter.py), the J211/1 corridor and the -3 dB points measured
+// from the implementation's coefficients and by a sine through Compute, the twins, the
+// refusals with their messages, time units and creation by name.
+#include <gtest/gtest.h>
+#include <zemcalc/zemcalc.h>
+
+#include <cmath>
+#include <complex>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "filters/filter_curves.h"
+
+using filter_test::Curve;
+using filter_test::Message;
+
+namespace {
+
+struct Row {
+  std::string kind, ends;
+  double k = 0, cfc = 0, fs = 0;
+  std::vector<double> values;
+};
+
+std::vector<Row> ReadTable() {
+  std::ifstream file(ZEMCALC_CFC_REFERENCE);
+  std::vector<Row> rows;
+  std::string line;
+  while (std::getline(file, line)) {
+    if (line.empty() || line[0] == '#') continue;
+    std::istringstream in(line);
+    Row r;
+    in >> r.kind;
+    double v = 0, pad = 0, n = 0;
+    if (r.kind == "coef") in >> r.k >> r.cfc >> r.fs;
+    if (r.kind == "input") in >> n >> r.fs;
+    if (r.kind == "filtered") in >> r.k >> r.cfc >> r.fs >> r.ends >> pad >> n;
+    while (in >> v) r.values.push_back(v);
+    rows.push_back(r);
+  }
+  return rows;
+}
+
+ZmCFCDesign DesignOf(double k) { return k == 2.0775 ? ZmCFCDesignJ211 : ZmCFCDesignISO6487; }
+
+// The combined (forward and backward) amplitude in dB at f: |H(e^{iwT})|^2.
+double ResponseDb(const ZmCFCCoefficients& c, double f, double fs) {
+  const std::complex<double> z1 = std::polar(1.0, -2.0 * M_PI * f / fs);
+  const std::complex<double> h = (c.a0 + c.a1 * z1 + c.a2 * z1 * z1) / (1.0 - c.b1 * z1 - c.b2 * z1 * z1);
+  return 20.0 * std::log10(std::norm(h));
+}
+
+TEST(CFCFilter, CoefficientsAgreeWithScipyButter) {
+  int checked = 0;
+  for (const Row& r : ReadTable()) {
+    if (r.kind != "coef") continue;
+    ZmFilterCFCd filter(r.cfc, ZmUnitSecond, ZmFilterEndsReflection, DesignOf(r.k));
+    ZmCFCCoefficients c{};
+    ASSERT_EQ(filter.ComputeCoefficients(1.0 / r.fs, c), nullptr);
+    const double ours[] = {c.a0, c.a1, c.a2, -c.b1, -c.b2};
+    for (int i = 0; i < 5; ++i) EXPECT_NEAR(ours[i], r.values[i], 1e-12) << r.cfc << " " << r.fs << " " << i;
+    ++checked;
+  }
+  EXPECT_EQ(checked, 40);
+}
+
+TEST(CFCFilter, FilteredSignalsAgreeWithSosfiltfiltInBothTwins) {
+  const auto rows = ReadTable();
+  const Row* input = nullptr;
+  int checked = 0;
+  for (const Row& r : rows) {
+    if (r.kind == "input") input = &r;
+    if (r.kind != "filtered") continue;
+    ASSERT_TRUE(input && input->fs == r.fs);
+    const ZmFilterEnds ends = r.ends == "odd"    ? ZmFilterEndsReflection
+                              : r.ends == "even" ? ZmFilterEndsMirror
+                              : r.ends == "none" ? ZmFilterEndsNone
+                                                 : ZmFilterEndsConstant;
+    ZmFilterCFCd filter(r.cfc, ZmUnitSecond, ends, DesignOf(r.k));
+    ZmFilterCFCf filterF(r.cfc, ZmUnitSecond, ends, DesignOf(r.k));
+    auto curve = Curve<double>(input->values, 1.0 / r.fs);
+    auto curveF = Curve<float>(input->values, 1.0 / r.fs);
+    WbArrayTempl<ZmPoint2d> out, outOfFloats;
+    ASSERT_EQ(filter.Compute(curve, out), nullptr) << Message(filter.Compute(curve, out));
+    ASSERT_EQ(filterF.Compute(curveF, curveF), nullptr);  // in place
+    // The float twin is the double filter run on its widened samples, each result rounded.
+    WbArrayTempl<ZmPoint2d> widened;
+    for (const auto& p : Curve<float>(input->values, 1.0 / r.fs)) widened.Add(ZmPoint2d(p.x, p.y));
+    ASSERT_EQ(filter.Compute(widened, outOfFloats), nullptr);
+    for (std::uint64_t i = 0; i < out.GetSize(); ++i) {
+      ASSERT_NEAR(out[i].y, r.values[i], 1e-9) << r.cfc << " " << r.fs << " " << r.ends << " at " << i;
+      ASSERT_EQ(curveF[i].y, static_cast<float>(outOfFloats[i].y)) << i;
+      ASSERT_EQ(out[i].x, curve[i].x);
+    }
+    ++checked;
+  }
+  EXPECT_EQ(checked, 9);
+}
+
+// The J211/1 corridor as stated in ZmFilterCFC.h, in dB.
+void Corridor(double cfc, double f, double& lower, double& upper) {
+  const double fh = cfc, fn = cfc * 5.0 / 3.0;
+  upper = f <= fn ? 0.5 : std::max(0.5 - 9.0 * std::log2(f / fn), -30.0);
+  lower = f <= fh ? -0.5 : f <= fn ? -1.0 - 3.0 * std::log(f / fh) / std::log(fn / fh) : -INFINITY;
+}
+
+TEST(CFCFilter, ResponseInsideTheCorridorAndMinus3dBPoints) {
+  // -3 dB of the pair of passes at 10 kHz: tan(pi f T) = (sqrt2 - 1)^(1/4) tan(pi k CFC T),
+  // e.g. CFC 60: f = atan(0.8022428 * tan(pi * 0.0124650)) / (pi * 1e-4) = 100.0178 Hz.
+  const struct {
+    double cfc, minus3dB;
+  } classes[] = {{60, 100.0178}, {180, 300.4909}, {600, 1018.2407}, {1000, 1751.0402}};
+  for (const auto& cls : classes) {
+    for (double fs : {10000.0, 20000.0, 50000.0, 100000.0}) {
+      ZmFilterCFCd filter(cls.cfc);
+      ZmCFCCoefficients c{};
+      ASSERT_EQ(filter.ComputeCoefficients(1.0 / fs, c), nullptr);
+      for (int i = 0; i <= 4000; ++i) {
+        const double f = 0.1 * std::pow(fs / 2 / 0.1, i / 4000.0);
+        double lower = 0, upper = 0;
+        Corridor(cls.cfc, f, lower, upper);
+        const double db = ResponseDb(c, f, fs);
+        ASSERT_TRUE(db >= lower && db <= upper) << cls.cfc << " at " << fs << ": " << db << " dB at " << f;
+      }
+      if (fs != 10000.0) continue;
+      double lo = 1, hi = fs / 2;
+      for (int i = 0; i < 60; ++i) (ResponseDb(c, (lo + hi) / 2, fs) > -3.0103 ? lo : hi) = (lo + hi) / 2;
+      EXPECT_NEAR(lo, cls.minus3dB, 1e-3);
+    }
+  }
+  // Measured on Compute: a sine of 180 Hz through CFC 180 at 20 kHz keeps |H|^2 of its
+  // amplitude in the middle of a long curve, -0.454 dB = 10^(-0.454/20) = 0.9491.
+  std::vector<double> y;
+  for (int i = 0; i < 20000; ++i) y.push_back(std::sin(2 * M_PI * 180.0 * i / 20000.0));
+  WbArrayTempl<ZmPoint2d> out;
+  ZmFilterCFCd filter(180);
+  ASSERT_EQ(filter.Compute(Curve<double>(y, 1.0 / 20000.0), out), nullptr);
+  double peak = 0;
+  for (int i = 9000; i < 11000; ++i) peak = std::max(peak, out[i].y);
+  ZmCFCCoefficients c{};
+  ASSERT_EQ(filter.ComputeCoefficients(1.0 / 20000.0, c), nullptr);
+  EXPECT_NEAR(20 * std::log10(peak), ResponseDb(c, 180.0, 20000.0), 1e-3);
+  EXPECT_NEAR(peak, 0.9491, 2e-4);
+}
+
+TEST(CFCFilter, RefusalsKeepTheInputAndNameTheCause) {
+  const auto even = Curve<double>(std::vector<double>(50, 1.0), 1e-4);  // 10 kHz
+  auto uneven = even;
+  uneven[7].x += 2e-6;  // intervals 7 and 8 are 2 % off the mean step
+  auto flat = even;
+  for (auto& p : flat) p.x = 0.0;
+  const struct {
+    double cfc;
+    _ZmUnitTime unit;
+    int ends;
+    const WbArrayTempl<ZmPoint2d>* in;
+    unsigned char allowLow;
+    const wchar_t* message;
+  } cases[] = {
+      {0.0, ZmUnitSecond, 0, &even, 0, L"Can't process filtering. The channel frequency class 0 is not a positive number"},
+      {NAN, ZmUnitSecond, 0, &even, 0, L"Can't process filtering. The channel frequency class nan is not a positive number"},
+      {60, ZmUnitSecond, 7, &even, 0, L"Unknown end treatment 7"},
+      {60, static_cast<_ZmUnitTime>(9), 0, &even, 0, L"Unknown time unit 9"},
+      {60, ZmUnitSecond, 0, &flat, 0, L"Can't process filtering. The abscissae do not increase (mean step 0)"},
+      {60, ZmUnitSecond, 0, &uneven, 0,
+       L"Can't process filtering. The time step 0.000102 of interval 7 differs from the mean step 0.0001 by more than 1 %"},
+      // 10 kHz is below 10 x 1000 Hz: refused unless asked; k CFC = 2077.5 Hz stays below 5 kHz.
+      {1001, ZmUnitSecond, 0, &even, 0,
+       L"Can't process filtering. The sampling rate 10000 Hz is lower than 10 times the channel frequency class 1001"},
+      {1001, ZmUnitSecond, 0, &even, 1, nullptr},
+      {2406, ZmUnitSecond, 0, &even, 1, nullptr},  // 2.0775 * 2406 = 4998.5 Hz, 2407: 5000.5 Hz
+      {2407, ZmUnitSecond, 0, &even, 1,
+       L"Can't process filtering. The design frequency 5000.54 Hz is not below half the sampling rate 10000 Hz"},
+      // The steps read in milliseconds are 1e-7 s: 10 MHz.
+      {60, ZmUnitMillisecond, 0, &even, 0, nullptr},
+  };
+  for (const auto& t : cases) {
+    ZmFilterCFCd filter(t.cfc, t.unit, static_cast<ZmFilterEnds>(t.ends));
+    filter.SetAllowLowRate(t.allowLow);
+    WbArrayTempl<ZmPoint2d> out;
+    out.Add(ZmPoint2d(9, 9));
+    const WbErrObj* error = filter.Compute(*t.in, out);
+    if (!t.message) {
+      EXPECT_EQ(error, nullptr) << t.cfc;
+      continue;
+    }
+    EXPECT_EQ(Message(error), t.message);
+    EXPECT_TRUE(filter_test::SameCurve(out, *t.in));
+  }
+  WbArrayTempl<ZmPoint2d> out;
+  EXPECT_EQ(Message(ZmFilterCFCd().Compute(Curve<double>({1.0}), out)), L"Not enough points to filter");
+}
+
+TEST(CFCFilter, UnitsEndsAndCreationByName) {
+  // The same samples in milliseconds filter alike; a constant survives every padded end.
+  const auto y = filter_test::Signal(300);
+  WbArrayTempl<ZmPoint2d> inSeconds, inMs;
+  ZmFilterCFCd seconds(180), ms(180, ZmUnitMillisecond);
+  ASSERT_EQ(seconds.Compute(Curve<double>(y, 1e-4), inSeconds), nullptr);
+  ASSERT_EQ(ms.Compute(Curve<double>(y, 0.1), inMs), nullptr);
+  for (std::uint64_t i = 0; i < inSeconds.GetSize(); ++i) ASSERT_NEAR(inSeconds[i].y, inMs[i].y, 1e-9);
+  for (int ends = 0; ends < 3; ++ends) {
+    ZmFilterCFCf filter(60, ZmUnitSecond, static_cast<ZmFilterEnds>(ends));
+    auto constant = Curve<float>(std::vector<double>(100, 3.5));
+    ASSERT_EQ(filter.Compute(constant, constant), nullptr);
+    for (const auto& p : constant) ASSERT_NEAR(p.y, 3.5f, 2e-6f);
+  }
+  // From rest a constant 1 is bent at both ends: the last output is a0 (the backward pass starts
+  // there), the first one the forward step response backed by the backward pass (scipy:
+  // sosfilt(butter(2, 124.65, fs=1e4, output='sos')) forward then backward: 0.5138320969722866).
+  ZmFilterCFCd none(60, ZmUnitSecond, ZmFilterEndsNone);
+  WbArrayTempl<ZmPoint2d> out;
+  ASSERT_EQ(none.Compute(Curve<double>(std::vector<double>(2000, 1.0)), out), nullptr);
+  EXPECT_NEAR(out[0].y, 0.5138320969722866, 1e-12);
+  EXPECT_NEAR(out[1999].y, 0.0014523674735534124, 1e-15);
+  EXPECT_NEAR(out[1000].y, 1.0, 1e-9);
+
+  for (const wchar_t* name : {L"ZmFilterCFCd", L"ZmFilterCFCf"}) {
+    std::unique_ptr<WbObject> object(WbRuntimeClass::CreateObject(name));
+    ASSERT_NE(object, nullptr);
+    EXPECT_EQ(std::wstring(object->GetRuntimeClass()->GetClassName()), name);
+  }
+  std::unique_ptr<WbObject> byName(WbRuntimeClass::CreateObject(L"ZmFilterCFCd"));
+  WbArrayTempl<ZmPoint2d> fromName, direct;
+  ASSERT_EQ(static_cast<ZmFilterd*>(byName.get())->Compute(Curve<double>(y), fromName), nullptr);
+  ASSERT_EQ(ZmFilterCFCd(60).Compute(Curve<double>(y), direct), nullptr);
+  EXPECT_TRUE(filter_test::SameCurve(fromName, direct));
+}
+
+}  // namespace

@@ -1,0 +1,166 @@
+// Injury criteria: HIC against a scan of every pair on random signals and against the
+// half-sine pulse worked by hand, the clip level on exact broken lines and the half sine,
+// units, the resultant and the refusals.
+#include <gtest/gtest.h>
+#include <zemcalc/zemcalc.h>
+
+#include <cmath>
+#include <random>
+#include <string>
+
+namespace {
+
+const ZmUnitSystem kSeconds(ZmUnitLengthUnset, ZmUnitMassUnset, ZmUnitSecond, ZmUnitTempUnset, ZmUnitAngleUnset);
+
+template <class T, class F>
+WbArrayTempl<ZmPoint2T<T>> Sampled(int n, double step, F f) {
+  WbArrayTempl<ZmPoint2T<T>> c;
+  for (int i = 0; i < n; ++i) c.Add(ZmPoint2T<T>(i * step, f(i * step)));
+  return c;
+}
+
+// Every pair, the definition written out: (t2 - t1) * (integral / (t2 - t1))^2.5.
+void ScanAllPairs(const WbArrayTempl<ZmPoint2d>& c, double window, double& hic, double& t1, double& t2) {
+  hic = 0;
+  t1 = t2 = c[0].x;
+  for (std::uint64_t i = 0; i < c.GetSize(); ++i) {
+    double area = 0;
+    for (std::uint64_t j = i + 1; j < c.GetSize() && c[j].x - c[i].x <= window * (1 + 1e-9); ++j) {
+      area += (c[j].x - c[j - 1].x) * (c[j].y + c[j - 1].y) / 2;
+      const double d = c[j].x - c[i].x;
+      if (area > 0 && d * std::pow(area / d, 2.5) > hic * (1 + 1e-13)) {
+        hic = d * std::pow(area / d, 2.5);
+        t1 = c[i].x;
+        t2 = c[j].x;
+      }
+    }
+  }
+}
+
+TEST(Injury, HICEqualsTheScanOfEveryPairOnRandomSignals) {
+  std::mt19937_64 rng(16);
+  std::normal_distribution<double> noise(0, 8);
+  for (int trial = 0; trial < 12; ++trial) {
+    const int n = 300 + 150 * trial;
+    const double step = trial % 2 ? 1e-4 : 5e-5;
+    const double width = 0.004 + 0.003 * trial;  // pulse length, s
+    const double offset = trial % 3 == 0 ? -20.0 : 0.0;
+    const auto c = Sampled<double>(n, step, [&](double t) {
+      return offset + (t < width ? 60 * std::sin(M_PI * t / width) : 0.0) + noise(rng);
+    });
+    for (double window : {0.015, 0.036, 0.002}) {
+      double hic = 0, t1 = 0, t2 = 0, h = 0, s1 = 0, s2 = 0;
+      ASSERT_EQ(ZmMathd::ComputeHIC(c, window, kSeconds, 1, hic, t1, t2), nullptr);
+      ScanAllPairs(c, window, h, s1, s2);
+      EXPECT_NEAR(hic, h, 1e-11 * h) << trial << " " << window;
+      EXPECT_EQ(t1, s1);
+      EXPECT_EQ(t2, s2);
+      // The float twin computes in double on its widened samples and rounds the results.
+      WbArrayTempl<ZmPoint2f> floats;
+      WbArrayTempl<ZmPoint2d> widened;
+      for (const auto& p : c) floats.Add(ZmPoint2f(static_cast<float>(p.x), static_cast<float>(p.y)));
+      for (const auto& p : floats) widened.Add(ZmPoint2d(p.x, p.y));
+      float hf = 0, f1 = 0, f2 = 0;
+      ASSERT_EQ(ZmMathf::ComputeHIC(floats, window, kSeconds, 1, hf, f1, f2), nullptr);
+      ASSERT_EQ(ZmMathd::ComputeHIC(widened, window, kSeconds, 1, h, s1, s2), nullptr);
+      EXPECT_EQ(hf, static_cast<float>(h));
+      EXPECT_EQ(f1, static_cast<float>(s1));
+    }
+  }
+}
+
+TEST(Injury, HalfSinePulseByHand) {
+  // a = A sin(pi t / D), A = 100 g. A window [D/2 - tau, D/2 + tau] has the mean
+  // (2 A D / (pi 2 tau)) sin(pi tau / D); with x = pi tau / D, HIC = (2 D A^2.5 / pi) sin^2.5(x)
+  // / x^1.5, largest where tan x = 5/3 x: x = 1.0527942937699977.
+  //   D = 10 ms: HIC = 414.6456495, window 6.702 ms (shorter than 15 ms).
+  //   D = 50 ms with at most 15 ms: tau = 7.5 ms, mean 96.33977620 g, HIC = 1366.486488.
+  // Clip: at or above L for D (1 - 2 asin(L / A) / pi) = 3 ms: L = A cos(pi 3 ms / (2 D)),
+  //   89.10065242 g for D = 10 ms.
+  const struct {
+    double duration, window, hic, span, clip;
+  } pulses[] = {{0.010, 0.036, 414.6456495, 0.006702, 89.10065242}, {0.050, 0.015, 1366.486488, 0.015, -1}};
+  for (const auto& p : pulses) {
+    const double step = 1e-5;
+    const auto c = Sampled<double>(static_cast<int>(std::lround(p.duration / step)) + 1, step,
+                                   [&](double t) { return 100 * std::sin(M_PI * t / p.duration); });
+    double hic = 0, t1 = 0, t2 = 0;
+    ASSERT_EQ(ZmMathd::ComputeHIC(c, p.window, kSeconds, 1, hic, t1, t2), nullptr);
+    // The trapezoids' error, 2.5 (pi h / D)^2 / 12 = 2.1e-6 of the HIC for D = 10 ms.
+    EXPECT_NEAR(hic, p.hic, 4e-6 * p.hic);
+    EXPECT_NEAR(t2 - t1, p.span, 1.5e-5);
+    EXPECT_NEAR((t1 + t2) / 2, p.duration / 2, 1e-5);
+    if (p.clip < 0) continue;
+    double level = 0;
+    ASSERT_EQ(ZmMathd::ComputeClipLevel(c, 0.003, kSeconds, 1, level), nullptr);
+    EXPECT_NEAR(level, p.clip, 1e-5);
+  }
+}
+
+TEST(Injury, ClipLevelOnExactBrokenLines) {
+  WbArrayTempl<ZmPoint2d> triangle, plateau;
+  // Above L for 4 ms (1 - L/10): 3 ms at L = 2.5. The plateau of 5 g lasts 3 ms exactly.
+  for (auto p : {ZmPoint2d(0, 0), ZmPoint2d(0.002, 10), ZmPoint2d(0.004, 0)}) triangle.Add(p);
+  for (auto p : {ZmPoint2d(0, 5), ZmPoint2d(0.003, 5), ZmPoint2d(0.004, 0)}) plateau.Add(p);
+  double level = 0;
+  ASSERT_EQ(ZmMathd::ComputeClipLevel(triangle, 0.003, kSeconds, 1, level), nullptr);
+  EXPECT_NEAR(level, 2.5, 1e-12);
+  ASSERT_EQ(ZmMathd::ComputeClipLevel(plateau, 0.003, kSeconds, 1, level), nullptr);
+  EXPECT_EQ(level, 5.0);
+  // The triangle in milliseconds and mm/ms^2: 10 g = 0.0980665 mm/ms^2 (1 mm/ms^2 = 1000 m/s^2).
+  WbArrayTempl<ZmPoint2d> inMs;
+  for (const auto& p : triangle) inMs.Add(ZmPoint2d(p.x * 1000, p.y * 9.80665e-3));
+  const ZmUnitSystem mmMs(ZmUnitMillimeter, ZmUnitTon, ZmUnitMillisecond, ZmUnitTempUnset, ZmUnitAngleUnset);
+  ASSERT_EQ(ZmMathd::ComputeClipLevel(inMs, 0.003, mmMs, 0, level), nullptr);
+  EXPECT_NEAR(level, 2.5, 1e-12);
+  double hic = 0, t1 = 0, t2 = 0, h = 0, s1 = 0, s2 = 0;
+  ASSERT_EQ(ZmMathd::ComputeHIC(inMs, 0.015, mmMs, 0, hic, t1, t2), nullptr);
+  ASSERT_EQ(ZmMathd::ComputeHIC(triangle, 0.015, kSeconds, 1, h, s1, s2), nullptr);
+  EXPECT_NEAR(hic, h, 1e-12 * h);
+  EXPECT_EQ(t1, s1 * 1000);
+  EXPECT_EQ(t2, s2 * 1000);
+}
+
+TEST(Injury, ResultantAndRefusals) {
+  WbArrayTempl<ZmPoint2d> x, y, z, r, shifted, one;
+  for (int i = 0; i < 4; ++i) {
+    x.Add(ZmPoint2d(i * 1e-4, 3 * i));
+    y.Add(ZmPoint2d(i * 1e-4, -4 * i));
+    z.Add(ZmPoint2d(i * 1e-4, 12 * i));
+  }
+  ASSERT_EQ(ZmMathd::ComputeResultant(x, y, z, r), nullptr);
+  EXPECT_EQ(r[3].y, 39.0);  // 13 * 3
+  shifted = z;
+  shifted[2].x += 1e-9;  // 1e-5 of the step
+  one.Add(ZmPoint2d(0, 1));
+  auto back = x;
+  back[2].x = 0;
+  double v = 0, a = 0, b = 0;
+  const std::wstring messages[] = {
+      ZmMathd::ComputeResultant(x, y, one, r)->GetMessage(),
+      ZmMathd::ComputeResultant(x, y, shifted, r)->GetMessage(),
+      ZmMathd::ComputeHIC(one, 0.015, kSeconds, 1, v, a, b)->GetMessage(),
+      ZmMathd::ComputeHIC(x, 0.0, kSeconds, 1, v, a, b)->GetMessage(),
+      ZmMathd::ComputeHIC(back, 0.015, kSeconds, 1, v, a, b)->GetMessage(),
+      ZmMathd::ComputeHIC(x, 0.015, kSeconds, 0, v, a, b)->GetMessage(),
+      ZmMathd::ComputeClipLevel(x, 0.003, kSeconds, 1, v)->GetMessage(),
+  };
+  const wchar_t* expected[] = {
+      L"The channels have different point counts (4, 4, 1)",
+      L"The abscissa of point 2 differs between the channels",
+      L"Not enough points to compute the HIC",
+      L"The HIC window 0 s is not a positive number",
+      L"The time of point 2 does not increase. Can't compute the HIC",
+      L"Unknown unit system. Can't compute the HIC",
+      L"The curve lasts 0.0003 s, less than the clip duration 0.003 s",
+  };
+  for (int i = 0; i < 7; ++i) EXPECT_EQ(messages[i], expected[i]);
+  // A curve without a window of positive mean.
+  for (auto& p : x) p.y = -1;
+  ASSERT_EQ(ZmMathd::ComputeHIC(x, 0.015, kSeconds, 1, v, a, b), nullptr);
+  EXPECT_EQ(v, 0.0);
+  EXPECT_EQ(a, 0.0);
+  EXPECT_EQ(b, 0.0);
+}
+
+}  // namespace
