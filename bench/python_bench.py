@@ -1,0 +1,80 @@
+"""Speed of the Python module against the C++ library and the usual numpy/scipy tools.
+
+    PYTHONPATH=<build>/python python3 bench/python_bench.py [--cpp <build>/bench/bench_filters]
+
+CFC 60 on a 10^6-sample crash pulse from Python (copy in, the library's Compute, copy out)
+next to the C++ time of the same filter (the Google Benchmark BM_CFC60 of bench_filters, same
+signal length, when --cpp names the program), scipy's sosfiltfilt of a 4-pole Butterworth
+low-pass at 100 Hz and numpy.convolve with the 81-tap CFC 60 kernel; then the principal
+values of 10^6 symmetric tensors next to numpy.linalg.eigvalsh. Medians of --repeat runs.
+"""
+import argparse
+import json
+import subprocess
+import time
+
+import numpy as np
+
+import zemcalc as zc
+
+
+def median_ms(fn, repeat):
+    times = []
+    for _ in range(repeat):
+        start = time.perf_counter()
+        fn()
+        times.append(time.perf_counter() - start)
+    return 1e3 * float(np.median(times))
+
+
+def cpp_ms(program, name, repeat):
+    out = subprocess.run([program, f"--benchmark_filter=^{name}$", "--benchmark_format=json",
+                          f"--benchmark_repetitions={repeat}", "--benchmark_report_aggregates_only=true"],
+                         check=True, capture_output=True, text=True).stdout
+    for b in json.loads(out)["benchmarks"]:
+        if b.get("aggregate_name") == "median":
+            return b["real_time"] * {"ms": 1.0, "us": 1e-3, "ns": 1e-6, "s": 1e3}[b["time_unit"]]
+    raise RuntimeError(f"no median for {name}")
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--cpp", help="the bench_filters program, for the C++ time")
+    parser.add_argument("--repeat", type=int, default=10)
+    args = parser.parse_args()
+    n = 1_000_000
+    rng = np.random.default_rng(7)
+    t = np.arange(n) * 1.0e-4
+    phase = np.fmod(t, 0.1)
+    pulse = np.column_stack([t, np.where(phase < 0.08, -40.0 * np.sin(np.pi * phase / 0.08), 0.0)
+                             + rng.normal(0.0, 2.0, n)])
+    cfc60 = zc.CFC60()
+    cfc60(pulse)  # the first call normalises the kernel
+    half = cfc60.coefficients
+    kernel = np.concatenate([half, half[-2::-1]])
+    rows = [("zemcalc.CFC60, float64", median_ms(lambda: cfc60(pulse), args.repeat))]
+    pulse32 = pulse.astype(np.float32)
+    rows.append(("zemcalc.CFC60, float32", median_ms(lambda: cfc60(pulse32), args.repeat)))
+    if args.cpp:
+        rows.append(("C++ ZmFilterCFC60_10kHzd::Compute", cpp_ms(args.cpp, "BM_CFC60", args.repeat)))
+    try:
+        from scipy import signal
+        sos = signal.butter(4, 100.0, fs=1.0e4, output="sos")
+        rows.append(("scipy.signal.sosfiltfilt, Butterworth 4", median_ms(lambda: signal.sosfiltfilt(sos, pulse[:, 1]),
+                                                                         args.repeat)))
+    except ImportError:
+        pass
+    rows.append(("numpy.convolve, 81 taps", median_ms(lambda: np.convolve(pulse[:, 1], kernel, "same"), args.repeat)))
+
+    tensors = rng.uniform(-100.0, 100.0, (n, 6))
+    matrices = tensors[:, [0, 3, 5, 3, 1, 4, 5, 4, 2]].reshape(n, 3, 3)
+    rows.append(("zemcalc.principal_values, 10^6 tensors", median_ms(lambda: zc.principal_values(tensors), args.repeat)))
+    rows.append(("numpy.linalg.eigvalsh, 10^6 tensors", median_ms(lambda: np.linalg.eigvalsh(matrices), args.repeat)))
+    print("| operation, 10^6 samples or tensors | median time (ms) |")
+    print("|---|---|")
+    for name, ms in rows:
+        print(f"| {name} | {ms:.1f} |")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,180 @@
+// Writes inputs and the library's own results for the Python suite, which feeds the same inputs
+// through the module and compares the bits. One record per array:
+//   <name>/<d|f> <rows> <cols>
+//   <values as C99 hexadecimal floats>
+// and one line "text <name> <utf-8 text>" per string.
+#include <cstdio>
+#include <cmath>
+#include <string>
+#include <type_traits>
+
+#include <zemcalc/zemcalc.h>
+
+namespace {
+
+template <class T>
+void Put(const std::string& name, const T* v, std::size_t rows, std::size_t cols) {
+  std::printf("%s/%c %zu %zu\n", name.c_str(), sizeof(T) == 4 ? 'f' : 'd', rows, cols);
+  for (std::size_t i = 0; i < rows * cols; ++i) std::printf("%a ", static_cast<double>(v[i]));
+  std::printf("\n");
+}
+template <class P>
+void PutCurve(const std::string& name, const WbArrayTempl<P>& c) {
+  Put(name, &c.GetData()->x, c.GetSize(), sizeof(P) / sizeof(c.GetData()->x));
+}
+void Text(const std::string& name, const WbString& text) {
+  std::string s;
+  for (wchar_t c : text.Std()) s += static_cast<char>(c < 128 ? c : '?');
+  std::printf("text %s %s\n", name.c_str(), s.c_str());
+}
+
+// A deterministic pseudo-random number in [-1, 1).
+double Noise(unsigned& state) {
+  state = state * 1664525u + 1013904223u;
+  return (state >> 8) / double(1 << 23) - 1.0;
+}
+
+// The named class of twin T of a family.
+#define TWIN(family) std::conditional_t<sizeof(T) == 4, family##f, family##d>
+
+template <class T>
+void Run() {
+  using Curve = WbArrayTempl<ZmPoint2T<T>>;
+  using M = ZmMathT<T>;
+  unsigned seed = 12345;
+  // A crash pulse sampled at 10 kHz: a half sine of 80 ms with ringing and noise.
+  Curve pulse;
+  for (int i = 0; i < 2000; ++i) {
+    const double t = i * 1.0e-4;
+    const double y = (t < 0.08 ? 400.0 * std::sin(M_PI * t / 0.08) : 0.0) + 30.0 * std::sin(2 * M_PI * 900 * t) + 5.0 * Noise(seed);
+    pulse.Add(ZmPoint2T<T>(t, y));
+  }
+  PutCurve("pulse", pulse);
+  const std::pair<const char*, ZmFilterT<T>*> filters[] = {
+      {"ZmFilterCFC60_10kHz", new TWIN(ZmFilterCFC60_10kHz)()},
+      {"ZmFilterCFC180_10kHz", new TWIN(ZmFilterCFC180_10kHz)()},
+      {"ZmFilterCFC600_10kHz", new TWIN(ZmFilterCFC600_10kHz)()},
+      {"ZmFilterFIRF16", new TWIN(ZmFilterFIRF16)()},
+      {"mva7", new TWIN(ZmFilterMVA)(7, 2)},
+      {"weighted5", new TWIN(ZmFilterMVAWeighted)(5, WbArrayTempl<T>{1, 2}, 1)},
+      {"cos9", new TWIN(ZmFilterCos)(9)},
+      {"swa", new TWIN(ZmFilterSWA)(2.5e-4, 0.75)},
+  };
+  for (const auto& f : filters) {
+    Curve out;
+    f.second->Compute(pulse, out);
+    PutCurve(f.first, out);
+    delete f.second;
+  }
+  Curve spectrum, phase, corr, sampled, env;
+  const int window[2] = {100, 1800};
+  M::ComputeFFT(pulse, window, M::FFT_WINDOW_HANN, 2048, spectrum, 0, &phase);
+  PutCurve("fft", spectrum);
+  PutCurve("phase", phase);
+  Curve head(pulse), shifted;
+  head.SetSize(300);
+  for (int i = 0; i < 300; ++i) shifted.Add(ZmPoint2T<T>(head[i].x, head[(i + 7) % 300].y));
+  M::ComputeCorrelation(head, shifted, 1, corr);
+  PutCurve("correlation", corr);
+  ZmPoint2T<T>::SampleX(pulse.GetData(), pulse.GetSize(), T(3.3e-4), sampled, T(0.01));
+  PutCurve("sampled", sampled);
+  ZmPoint2T<T>::EvaluateEnvelop(pulse, 1, env, T(5e-3));
+  PutCurve("envelope", env);
+
+  // Transmissibility of the pulse through a delayed, damped copy of itself.
+  Curve output, result, phaseDiff;
+  for (std::uint64_t i = 0; i < pulse.GetSize(); ++i)
+    output.Add(ZmPoint2T<T>(pulse[i].x, 0.6 * pulse[i >= 3 ? i - 3 : 0].y + 2.0));
+  WbObjectArrayTempl<Curve> curves;
+  WbObjectArrayTempl<WbString> titles;
+  PutCurve("trans_output", output);
+  M::ComputeTransmissibility(pulse, output, T(0.01), zm::Invalid<T>(), T(2e-4), T(10), 1, T(2000), zm::Invalid<T>(),
+                             T(5), 0, result, &curves, &titles, &phaseDiff);
+  PutCurve("transmissibility", result);
+  PutCurve("transmissibility_phase", phaseDiff);
+  for (std::uint64_t i = 0; i < titles.GetSize(); ++i) {
+    Text("title" + std::to_string(i) + (sizeof(T) == 4 ? "/f" : "/d"), *titles[i]);
+    PutCurve("step" + std::to_string(i), *curves[i]);
+  }
+
+  // Tensors, with a repeated eigenvalue and a zero tensor among them.
+  const int n = 1000;
+  std::vector<T> tensors(6 * n), values(3 * n), dirs(9 * n), mode(n);
+  for (int i = 0; i < 6 * n; ++i) tensors[i] = T(100 * Noise(seed));
+  for (int k = 0; k < 6; ++k) tensors[k] = k < 3 ? T(5) : T(0);
+  for (int k = 6; k < 12; ++k) tensors[k] = T(0);
+  for (int i = 0; i < n; ++i) {
+    const T* t = &tensors[6 * i];
+    ZmVector3T<T> d[3];
+    M::Tensor3DToVectors3D(t[0], t[1], t[2], t[3], t[4], t[5], &values[3 * i], &values[3 * i + 1], &values[3 * i + 2],
+                           &d[0], &d[1], &d[2]);
+    for (int k = 0; k < 3; ++k) {
+      dirs[9 * i + 3 * k] = d[k].x;
+      dirs[9 * i + 3 * k + 1] = d[k].y;
+      dirs[9 * i + 3 * k + 2] = d[k].z;
+    }
+    mode[i] = M::StrainTensor2DToMode(t[0] / 200, t[1] / 200, t[3] / 200, nullptr);
+  }
+  Put("tensors", tensors.data(), n, 6);
+  Put("values", values.data(), n, 3);
+  Put("directions", dirs.data(), n, 9);
+  Put("mode", mode.data(), n, 1);
+
+  // Units: pressures from Pa (m, Kg, s) into MPa (mm, T, s).
+  const ZmUnitSystem si(ZmUnitMeter, ZmUnitKilogram, ZmUnitSecond, ZmUnitKelvin, ZmUnitDegree);
+  const ZmUnitSystem mm(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitDegree);
+  ZmUnitConverter converter;
+  unsigned char needed = 0;
+  converter.InitFromTo(si, mm, needed, &ZmUnitDimPressure);
+  std::vector<T> pressures(100);
+  for (int i = 0; i < 100; ++i) pressures[i] = T(1.0e6 * (1 + Noise(seed)));
+  Put("pressures", pressures.data(), 100, 1);
+  for (T& p : pressures) converter.ConvertScalar(ZmUnitDimPressure, p);
+  Put("pressures_mpa", pressures.data(), 100, 1);
+  T parsed = 0;
+  mm.String2DimensionalValue(L" 2.1e5 Pa", ZmUnitDimPressure, parsed);
+  Put("parsed", &parsed, 1, 1);
+
+  // Material laws: a measured hardening curve, and two law curves.
+  Curve measured, keeler, kinematic;
+  for (int i = 0; i < 12; ++i) {
+    const double e = 0.02 + 0.03 * i;
+    measured.Add(ZmPoint2T<T>(e, 530 * std::pow(e, 0.21) * (1 + 0.01 * Noise(seed))));
+  }
+  T K = 0, nh = 0;
+  M::ComputeHollomonCoeff(measured.GetData(), 12, K, nh);
+  const T fit[2] = {K, nh};
+  PutCurve("measured", measured);
+  Put("hollomon", fit, 1, 2);
+  M::ComputeKeelerCurvePoints(keeler, T(1.2), T(0.18));
+  PutCurve("keeler", keeler);
+  M::ComputeKinematicCurvePoints(kinematic, T(210), T(12.5), T(180), T(350));
+  PutCurve("kinematic", kinematic);
+
+  // Geometry: points projected onto a polyline, and into a frame of three points.
+  WbArrayTempl<ZmPoint3T<T>> polyline, points, feet, local;
+  for (int i = 0; i < 50; ++i) polyline.Add(ZmPoint3T<T>(i, 3 * std::sin(i * 0.3), 0.1 * i * i));
+  std::vector<T> params(500);
+  for (int i = 0; i < 500; ++i) points.Add(ZmPoint3T<T>(60 * Noise(seed), 10 * Noise(seed), 250 * Noise(seed)));
+  const ZmFrameT<T> frame(ZmFrameT<double>(ZmPoint3T<double>(1, 2, 3), ZmPoint3T<double>(4, 6, 3),
+                                           ZmPoint3T<double>(0, 5, 9), 1, ZmFrameCylindrical));
+  for (int i = 0; i < 500; ++i) {
+    ZmPoint3T<T> foot;
+    M::GetProjectedPoint(polyline, points[i], params[i], foot);
+    feet.Add(foot);
+    local.Add(frame.GlobalToLocal(points[i]));
+  }
+  PutCurve("polyline", polyline);
+  PutCurve("points", points);
+  PutCurve("feet", feet);
+  Put("params", params.data(), 500, 1);
+  PutCurve("local", local);
+}
+
+}  // namespace
+
+int main() {
+  Run<double>();
+  Run<float>();
+  return 0;
+}

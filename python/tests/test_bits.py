@@ -1,0 +1,70 @@
+"""The module gives the very bits of the C++ library on the same inputs, in both precisions."""
+import numpy as np
+import pytest
+
+import zemcalc as zc
+from conftest import same_bits
+
+
+def _shifted(pulse):
+    head = pulse[:300]
+    return head, np.column_stack([head[:, 0], np.roll(head[:, 1], -7)])
+
+
+def _tensor_results(r, t):
+    values, directions = zc.principal_directions(r["tensors/" + t])
+    return [(values, "values"), (directions.reshape(-1, 9), "directions"),
+            (zc.principal_values(r["tensors/" + t]), "values")]
+
+
+# (what, computation from the reference arrays r of twin t -> [(result, expected key)])
+CASES = [
+    ("filters", lambda r, t: [(zc.Filter.from_name(name + t)(r["pulse/" + t]), name) for name in
+                              ("ZmFilterCFC60_10kHz", "ZmFilterCFC180_10kHz", "ZmFilterCFC600_10kHz", "ZmFilterFIRF16")]
+     + [(zc.CFC60()(r["pulse/" + t]), "ZmFilterCFC60_10kHz"),
+        (zc.MovingAverage(7, extrapolation=2)(r["pulse/" + t]), "mva7"),
+        (zc.WeightedMovingAverage(5, [1, 2], 1)(r["pulse/" + t]), "weighted5"),
+        (zc.CosineFilter(9)(r["pulse/" + t]), "cos9"),
+        (zc.SlidingWindowAverage(2.5e-4, 0.75)(r["pulse/" + t]), "swa")]),
+    ("spectra", lambda r, t: list(zip(zc.fft(r["pulse/" + t], (100, 1800), "hann", 2048, phase=True), ("fft", "phase")))
+     + [(zc.correlation(*_shifted(r["pulse/" + t]), linear=True), "correlation")]),
+    ("curves", lambda r, t: [(zc.sample_x(r["pulse/" + t], 3.3e-4, 0.01), "sampled"),
+                             (zc.envelope(r["pulse/" + t], True, 5e-3), "envelope")]),
+    ("transmissibility", lambda r, t: [(zc.transmissibility(r["pulse/" + t], r["trans_output/" + t], 2e-4,
+                                                            align_abscissa=0.01, frequency_min=10, frequency_max=2000,
+                                                            result_step=5), "transmissibility")]),
+    ("tensors", _tensor_results),
+    ("strain mode", lambda r, t: [(zc.strain_mode(r["tensors/" + t][:, [0, 1, 3]] / 200)[:, None], "mode")]),
+    ("units", lambda r, t: [(zc.UnitSystem("mm", "T", "s").convert(
+        r["pressures/" + t], zc.dimension("pressure"), zc.UnitSystem("m", "Kg", "s")), "pressures_mpa"),
+        (np.array([[zc.UnitSystem(2, 4, 0).parse(" 2.1e5 Pa", zc.dimension("pressure"), r["parsed/" + t].dtype)]],
+                  r["parsed/" + t].dtype), "parsed")]),
+    ("materials", lambda r, t: [(np.array([zc.hollomon_fit(r["measured/" + t])], r["measured/" + t].dtype), "hollomon"),
+                                (zc.keeler_curve(1.2, 0.18, r["measured/" + t].dtype), "keeler"),
+                                (zc.kinematic_curve(210, 12.5, 180, 350, r["measured/" + t].dtype), "kinematic")]),
+    ("geometry", lambda r, t: list(zip(zc.project_on_polyline(r["points/" + t], r["polyline/" + t]), ("feet", "params")))
+     + [(zc.Frame.from_points((1, 2, 3), (4, 6, 3), (0, 5, 9), 1, 1).to_local(r["points/" + t]), "local")]),
+]
+
+
+@pytest.mark.parametrize("twin", ["d", "f"])
+@pytest.mark.parametrize("what,compute", CASES, ids=[c[0] for c in CASES])
+def test_same_bits_as_cpp(reference, what, compute, twin):
+    arrays, _ = reference
+    for result, key in compute(arrays, twin):
+        expected = arrays[key + "/" + twin]
+        assert same_bits(np.asarray(result).reshape(expected.shape) if np.size(result) == expected.size else result,
+                         expected), f"{what}: {key}/{twin}"
+
+
+@pytest.mark.parametrize("twin", ["d", "f"])
+def test_transmissibility_steps_and_titles(reference, twin):
+    arrays, texts = reference
+    result, steps, phase = zc.transmissibility(arrays["pulse/" + twin], arrays["trans_output/" + twin], 2e-4,
+                                               align_abscissa=0.01, frequency_min=10, frequency_max=2000,
+                                               result_step=5, details=True)
+    assert [title for title, _ in steps] == [texts[f"title{i}/{twin}"] for i in range(len(steps))]
+    assert steps[0][0].startswith("Fitting of output curve with input (")
+    for i, (_, curve) in enumerate(steps):
+        assert same_bits(curve, arrays[f"step{i}/{twin}"]), f"step {i}"
+    assert same_bits(phase, arrays["transmissibility_phase/" + twin])

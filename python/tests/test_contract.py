@@ -1,0 +1,94 @@
+"""Errors carry the library's messages, wrong shapes raise, sentinels become nan or None, and the
+dtype of the input picks the precision."""
+import math
+
+import numpy as np
+import pytest
+
+import zemcalc as zc
+
+T = np.arange(100) * 1.0e-4
+CURVE = np.column_stack([T, np.sin(50 * T)])
+PRESSURE = zc.dimension("pressure")
+
+# (call, exception, message the library documents)
+FAILURES = [
+    (lambda: zc.CFC60()(CURVE[:39]), zc.Error, "Not enough points to filter"),
+    (lambda: zc.CFC60()(CURVE * [10, 1]), zc.Error,
+     "Can't process filtering. The time step of interval 1 is higher than 0.00015"),
+    (lambda: zc.CFC60("ms")(CURVE), zc.Error,
+     "Can't process filtering. The time step of interval 1 is lower than 0.05"),
+    (lambda: zc.MovingAverage(0)(CURVE), zc.Error, "Invalid filter kernel size 0"),
+    (lambda: zc.MovingAverage(3, 7)(CURVE), zc.Error, "Unknown extrapolation type 7"),
+    (lambda: zc.fft(CURVE, (5, 6)), zc.Error, "Less than 3 points in the window. Can't compute FFT"),
+    (lambda: zc.fft(CURVE, nfft=3), zc.Error,
+     "FFT length 3 is not a power of two between 2 and 4294967296. Can't compute FFT"),
+    (lambda: zc.fft(CURVE, (0, 100)), zc.Error, "Window [0, 100] is outside the signal of 100 points. Can't compute FFT"),
+    (lambda: zc.mooney_rivlin_fit(CURVE[:1]), zc.Error,
+     "Error while computing the coefficients : 2 points (at least) are mandatory"),
+    (lambda: zc.UnitSystem.from_solver_line("UNIT YARD TON S KELVIN"), zc.Error, "Unsupported length unit 'YARD'"),
+    (lambda: zc.UnitSystem(-1, "T", "s").convert([1.0], PRESSURE, zc.UnitSystem("m", "Kg", "s")), zc.Error,
+     "Inconsistent target unit system"),
+    (lambda: zc.Filter.from_name("ZmFilterMA"), zc.Error, "'ZmFilterMA' names no filter that can be created by name"),
+    # shapes and dtypes: checked before anything runs, never a crash
+    (lambda: zc.CFC60()(CURVE[:, :1]), ValueError, "curve must be an (n, 2) array, got shape (100, 1)"),
+    (lambda: zc.principal_values(np.zeros(6)), ValueError, "tensors must be an (n, 6) array, got shape (6,)"),
+    (lambda: zc.strain_mode(np.zeros((4, 6))), ValueError, "2D tensors must be an (n, 3) array, got shape (4, 6)"),
+    (lambda: zc.project_on_polyline(np.zeros((2, 2)), np.zeros((3, 3))), ValueError,
+     "points must be an (n, 3) array, got shape (2, 2)"),
+    (lambda: zc.distance_to_plane(np.zeros((2, 3)), (0, 0), (0, 0, 0)), ValueError, "normal must hold three numbers"),
+    (lambda: zc.correlation(CURVE, [["a", "b"]]), ValueError, "b must be a real numeric array"),
+    (lambda: zc.fft(CURVE, weighting="welch"), ValueError, "weighting must be 'none', 'hamming' or 'hann', got 'welch'"),
+]
+
+
+@pytest.mark.parametrize("call,exception,message", FAILURES, ids=[f[2][:40] for f in FAILURES])
+def test_failures_raise_with_the_message(call, exception, message):
+    with pytest.raises(exception) as raised:
+        call()
+    assert str(raised.value) == message
+
+
+NAN = float("nan")
+# (call, expected) for the library's in-band "no result"
+SENTINELS = [
+    (lambda: zc.interpolate_on_x(CURVE, -1.0), NAN),
+    (lambda: zc.interpolate_on_y(CURVE, 5.0), NAN),
+    (lambda: zc.polyline_length([[0, 0, 0], [1, 0, NAN]]), NAN),
+    (lambda: zc.project_on_polyline([[NAN, 0, 0]], [[0, 0, 0], [1, 0, 0]])[1][0], NAN),
+    (lambda: zc.distance_to_polyline([[0, 1e32, 0]], [[0, 0, 0], [1, 0, 0]])[0], 1e32),
+    (lambda: zc.hollomon_fit(CURVE[:2]), None),
+    (lambda: zc.hollomon_curve(500, 0.2, 200, 0, -1, 2e5), None),
+    (lambda: zc.hill_coefficients(-1, 1, 1), None),
+    (lambda: zc.UnitSystem("mm", "T", "s").parse("12 parsecs", PRESSURE), None),
+]
+
+
+@pytest.mark.parametrize("call,expected", SENTINELS, ids=range(len(SENTINELS)))
+def test_undefined_results(call, expected):
+    result = call()
+    if expected is None:
+        assert result is None
+    elif math.isnan(expected):
+        assert math.isnan(result)
+    else:
+        assert result == pytest.approx(expected, rel=1e-6)
+
+
+@pytest.mark.parametrize("dtype,out", [(np.float32, np.float32), (np.float64, np.float64), (np.int32, np.float64)])
+def test_dtype_picks_the_twin(dtype, out):
+    curve = (CURVE * 1000).astype(dtype)
+    assert zc.MovingAverage(3)(curve).dtype == out
+    assert zc.principal_values(np.ones((2, 6), dtype)).dtype == out
+    assert zc.UnitSystem("mm", "T", "s").convert(np.ones(3, dtype), PRESSURE, zc.UnitSystem("m", "Kg", "s")).dtype == out
+
+
+def test_every_public_name_is_documented_and_in_the_stubs():
+    import ast
+    import os
+    stub = ast.parse(open(os.path.join(os.path.dirname(zc.__file__), "__init__.pyi")).read())
+    stubbed = {node.name for node in stub.body if isinstance(node, (ast.FunctionDef, ast.ClassDef))}
+    stubbed |= {t.id for node in stub.body if isinstance(node, ast.AnnAssign) for t in [node.target]}
+    public = {name for name in zc.__all__ if not isinstance(getattr(zc, name), type(zc))}
+    assert public - stubbed == set()
+    assert [name for name in public if callable(getattr(zc, name)) and not getattr(zc, name).__doc__] == []
