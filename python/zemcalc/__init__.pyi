@@ -67,6 +67,20 @@ class CFC60(Filter):
 class FIRF16(Filter):
     def __init__(self) -> None: ...
 
+class CFCFilter(Filter):
+    cfc: float
+    time_unit: Union[int, str]
+    ends: Union[int, str]
+    design: Union[int, str]
+    pad_length: int
+    step_tolerance: float
+    allow_low_rate: bool
+    def __init__(
+        self, cfc: float = 60.0, time_unit: Union[int, str] = 0, ends: Union[int, str] = "reflection",
+        design: Union[int, str] = "j211",
+    ) -> None: ...
+    def coefficients_at(self, step: float) -> Tuple[float, float, float, float, float]: ...
+
 # spectra
 def fft(
     signal: ArrayLike,
@@ -185,3 +199,19 @@ class Frame:
     def to_local(self, points: ArrayLike, vectors: bool = False) -> Array: ...
     def to_global(self, points: ArrayLike, vectors: bool = False) -> Array: ...
     def rotate(self, axis: Vector3, angle_deg: float) -> bool: ...
+
+# injury criteria
+def resultant(x: ArrayLike, y: ArrayLike, z: ArrayLike) -> Array: ...
+def hic(
+    curve: ArrayLike, window: float = 0.015, units: Optional[UnitSystem] = None, in_g: bool = True
+) -> Tuple[float, float, float]: ...
+def clip_level(curve: ArrayLike, duration: float = 0.003, units: Optional[UnitSystem] = None, in_g: bool = True) -> float: ...
+
+# element metrics
+ELEMENT_METRICS: Tuple[str, ...]
+ELEMENT_TYPES: Tuple[str, ...]
+def mesh_metric(metric: Union[int, str], nodes: ArrayLike, types: ArrayLike, connectivity: ArrayLike) -> Array: ...
+def mesh_time_step(
+    nodes: ArrayLike, types: ArrayLike, connectivity: ArrayLike, young: float, poisson: float, density: float,
+    length: Union[int, str] = "characteristic_length",
+) -> Array: ...
