@@ -1,12 +1,13 @@
 """Speed of the Python module against the C++ library and the usual numpy/scipy tools.
 
-    PYTHONPATH=<build>/python python3 bench/python_bench.py [--cpp <build>/bench/bench_filters]
+    PYTHONPATH=<build>/python python3 bench/python_bench.py [--cpp <build>/bench]
 
 CFC 60 on a 10^6-sample crash pulse from Python (copy in, the library's Compute, copy out)
-next to the C++ time of the same filter (the Google Benchmark BM_CFC60 of bench_filters, same
-signal length, when --cpp names the program), scipy's sosfiltfilt of a 4-pole Butterworth
-low-pass at 100 Hz and numpy.convolve with the 81-tap CFC 60 kernel; then the principal
-values of 10^6 symmetric tensors next to numpy.linalg.eigvalsh. Medians of --repeat runs.
+next to the C++ time of the same call (BM_CFC60 of bench_filters, same signal length, when --cpp
+names the directory of the benchmark programs), scipy's sosfiltfilt of a 4-pole Butterworth
+low-pass at 100 Hz and numpy.convolve with the 81-tap CFC 60 kernel; then the principal values
+of 10^6 symmetric tensors next to the C++ loop (BM_ZmMathValues of bench_tensors) and
+numpy.linalg.eigvalsh. Wall-clock medians of --repeat runs.
 """
 import argparse
 import json
@@ -39,7 +40,7 @@ def cpp_ms(program, name, repeat):
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("--cpp", help="the bench_filters program, for the C++ time")
+    parser.add_argument("--cpp", help="the directory of bench_filters and bench_tensors, for the C++ times")
     parser.add_argument("--repeat", type=int, default=10)
     args = parser.parse_args()
     n = 1_000_000
@@ -56,7 +57,7 @@ def main():
     pulse32 = pulse.astype(np.float32)
     rows.append(("zemcalc.CFC60, float32", median_ms(lambda: cfc60(pulse32), args.repeat)))
     if args.cpp:
-        rows.append(("C++ ZmFilterCFC60_10kHzd::Compute", cpp_ms(args.cpp, "BM_CFC60", args.repeat)))
+        rows.append(("C++ ZmFilterCFC60_10kHzd::Compute", cpp_ms(f"{args.cpp}/bench_filters", "BM_CFC60", args.repeat)))
     try:
         from scipy import signal
         sos = signal.butter(4, 100.0, fs=1.0e4, output="sos")
@@ -69,6 +70,8 @@ def main():
     tensors = rng.uniform(-100.0, 100.0, (n, 6))
     matrices = tensors[:, [0, 3, 5, 3, 1, 4, 5, 4, 2]].reshape(n, 3, 3)
     rows.append(("zemcalc.principal_values, 10^6 tensors", median_ms(lambda: zc.principal_values(tensors), args.repeat)))
+    if args.cpp:
+        rows.append(("C++ ZmMathd::Tensor3DToMainValues loop", cpp_ms(f"{args.cpp}/bench_tensors", "BM_ZmMathValues", 3)))
     rows.append(("numpy.linalg.eigvalsh, 10^6 tensors", median_ms(lambda: np.linalg.eigvalsh(matrices), args.repeat)))
     print("| operation, 10^6 samples or tensors | median time (ms) |")
     print("|---|---|")

@@ -88,6 +88,7 @@ Array<T> Table(py::handle obj, py::ssize_t columns, const char* what) {
 // page by page in 4 KB pages otherwise costs more than filtering it.
 template <class Item>
 void ReserveLarge(WbArrayTempl<Item>& items, std::uint64_t n) {
+  if (n <= items.GetSize()) return;
   items.Reserve(n);
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
   constexpr std::uintptr_t kPage = 4096;
@@ -98,15 +99,22 @@ void ReserveLarge(WbArrayTempl<Item>& items, std::uint64_t n) {
 #endif
 }
 
+// The rows of an (n, k) array copied into items, an array of points of k scalars, whose storage
+// is reused when it is large enough. Needs no interpreter lock.
+template <class Item, class T>
+void Fill(WbArrayTempl<Item>& items, const Array<T>& a) {
+  static_assert(std::is_trivially_copyable<Item>::value, "points are copied as blocks of scalars");
+  const auto n = static_cast<std::uint64_t>(a.shape(0));
+  ReserveLarge(items, n);
+  items.SetSize(n);
+  if (n > 0) std::memcpy(static_cast<void*>(items.GetData()), a.data(), sizeof(Item) * n);
+}
+
 // A coordinate array (n, k) copied into the library's array of points of k scalars.
 template <class Item, class T, int k>
 WbArrayTempl<Item> ToItems(py::handle obj, const char* what) {
-  Array<T> a = Table<T>(obj, k, what);
   WbArrayTempl<Item> items;
-  ReserveLarge(items, static_cast<std::uint64_t>(a.shape(0)));
-  items.SetSize(static_cast<std::uint64_t>(a.shape(0)));
-  static_assert(std::is_trivially_copyable<Item>::value, "points are copied as blocks of scalars");
-  if (a.shape(0) > 0) std::memcpy(static_cast<void*>(items.GetData()), a.data(), sizeof(Item) * static_cast<std::size_t>(a.shape(0)));
+  Fill(items, Table<T>(obj, k, what));
   return items;
 }
 template <class Item, class T, int k>

@@ -20,23 +20,29 @@ struct Filter {
   std::unique_ptr<ZmFilterd> d;
   std::unique_ptr<ZmFilterf> f;
   std::string name;  // the runtime-class name of the family, without the precision letter
-  // Filtering normalises a kernel once, at the first call: one call at a time per object.
+  // Filtering normalises a kernel once, at the first call, and reuses the work curves below:
+  // one call at a time per object.
   std::unique_ptr<std::mutex> busy = std::make_unique<std::mutex>();
+  // The input and output curves of the last call of each twin, kept so that a long curve
+  // costs no fresh memory on the next call (the C++ caller's usual pattern). They hold the
+  // longest curve filtered so far, until the object is deleted.
+  std::pair<Curve<double>, Curve<double>> workD;
+  std::pair<Curve<float>, Curve<float>> workF;
 
   py::array Compute(py::handle curveObj) {
     return WithTwin(curveObj, [&](auto tag) -> py::array {
       using T = decltype(tag);
-      const Curve<T> curve = ToCurve<T>(curveObj);
-      Curve<T> out;
-      ReserveLarge(out, curve.GetSize());
-      const WbErrObj* err = nullptr;
-      {
-        py::gil_scoped_release release;
-        std::lock_guard<std::mutex> lock(*busy);
-        err = Twin<T>().Compute(curve, out);
-      }
+      const Array<T> in = Table<T>(curveObj, 2, "curve");
+      auto& work = Work<T>();
+      // Never wait for the object while holding the interpreter: release it first.
+      py::gil_scoped_release release;
+      std::lock_guard<std::mutex> lock(*busy);
+      Fill(work.first, in);
+      ReserveLarge(work.second, work.first.GetSize());
+      const WbErrObj* err = Twin<T>().Compute(work.first, work.second);
+      py::gil_scoped_acquire acquire;
       Check(err);
-      return FromCurve(std::move(out));
+      return FromCurve(work.second);
     });
   }
   template <class T>
@@ -45,6 +51,14 @@ struct Filter {
       return *f;
     } else {
       return *d;
+    }
+  }
+  template <class T>
+  std::pair<Curve<T>, Curve<T>>& Work() {
+    if constexpr (std::is_same<T, float>::value) {
+      return workF;
+    } else {
+      return workD;
     }
   }
   template <class Kind>
@@ -159,6 +173,9 @@ CFCTwins CFCOf(Filter& filter) {
 }
 template <class Set>
 void SetBoth(Filter& filter, Set set) {
+  // A running compute() holds the object and takes the interpreter back before letting go of
+  // it: wait for the object with the interpreter released (set touches no Python object).
+  py::gil_scoped_release release;
   std::lock_guard<std::mutex> lock(*filter.busy);
   const CFCTwins twins = CFCOf(filter);
   set(*twins.first);
@@ -249,7 +266,8 @@ void BindCFCAny(py::module_& m) {
 void BindFilters(py::module_& m) {
   py::class_<Filter>(m, "Filter",
                      "A filter of sampled curves. compute() returns the filtered copy of an (n, 2) curve;\n"
-                     "float32 curves run the single-precision twin. A refused curve raises zemcalc.Error.")
+                     "float32 curves run the single-precision twin. A refused curve raises zemcalc.Error.\n"
+                     "Calls on one object are serialised; it keeps work copies of its longest curve.")
       .def_static("from_name", &MakeFromName, py::arg("name"),
                   "A filter from its library class name, with or without the precision letter\n"
                   "('ZmFilterCFC60_10kHzd', 'ZmFilterMVA'), with the defaults of that class.")
