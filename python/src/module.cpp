@@ -82,4 +82,5 @@ PYBIND11_MODULE(_zemcalc, m) {
   BindGeometry(m);
   BindInjury(m);
   BindMesh(m);
+  BindFitting(m);
 }

@@ -205,6 +205,28 @@ void Run() {
                                   T(0.3), T(7.85e-9), metrics[1]);
   Put("scaled_jacobian", metrics[0], 5, 1);
   Put("time_step", metrics[1], 5, 1);
+
+  // Fits: the plane of the points, a noisy arc of a circle (geometric), a noisy quarter turn.
+  WbArrayTempl<ZmPoint2T<T>> arc;
+  WbArrayTempl<ZmPoint3T<T>> turned;
+  for (int i = 0; i < 40; ++i)
+    arc.Add(ZmPoint2T<T>(3 + 7 * std::cos(0.05 * i), -2 + 7 * std::sin(0.05 * i) + 0.01 * Noise(seed)));
+  for (int i = 0; i < 500; ++i) turned.Add(ZmPoint3T<T>(1 - points[i].y, 2 + points[i].x, 3 + points[i].z + T(0.1 * Noise(seed))));
+  const auto plane = ZmMathFitT<T>::FitPlane(points);
+  const auto circle = ZmMathFitT<T>::FitCircle(arc);
+  const auto rigid = ZmMathFitT<T>::FitRigid(points, turned);
+  const T fits[3][12] = {
+      {plane.point.x, plane.point.y, plane.point.z, plane.normal.x, plane.normal.y, plane.normal.z, plane.fitQuality,
+       plane.quality.rms, plane.quality.maxResidual},
+      {circle.center.x, circle.center.y, circle.radius, circle.quality.rms, circle.quality.maxResidual},
+      {rigid.rotation.GetRow(0).x, rigid.rotation.GetRow(0).y, rigid.rotation.GetRow(0).z, rigid.rotation.GetRow(1).x,
+       rigid.rotation.GetRow(1).y, rigid.rotation.GetRow(1).z, rigid.rotation.GetRow(2).x, rigid.rotation.GetRow(2).y,
+       rigid.rotation.GetRow(2).z, rigid.translation.x, rigid.translation.y, rigid.translation.z}};
+  PutCurve("arc", arc);
+  PutCurve("turned", turned);
+  Put("fit_plane", fits[0], 1, 9);
+  Put("fit_circle", fits[1], 1, 5);
+  Put("fit_rigid", fits[2], 1, 12);
 }
 
 }  // namespace

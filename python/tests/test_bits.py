@@ -27,6 +27,15 @@ def _cfc180(ends, curve):
     return cfc(curve)
 
 
+def _fits(r, t):
+    plane, circle = zc.fit_plane(r["points/" + t]), zc.fit_circle(r["arc/" + t])
+    rigid = zc.fit_rigid(r["points/" + t], r["turned/" + t])
+    row = lambda *parts: np.concatenate([np.ravel(p) for p in parts]).astype(r["points/" + t].dtype)[None]
+    return [(row(plane["point"], plane["normal"], plane["fit_quality"], plane["rms"], plane["max_residual"]), "fit_plane"),
+            (row(circle["center"], circle["radius"], circle["rms"], circle["max_residual"]), "fit_circle"),
+            (row(rigid["rotation"], rigid["translation"]), "fit_rigid")]
+
+
 # (what, computation from the reference arrays r of twin t -> [(result, expected key)])
 CASES = [
     ("filters", lambda r, t: [(zc.Filter.from_name(name + t)(r["pulse/" + t]), name) for name in
@@ -43,6 +52,7 @@ CASES = [
                                        r["pulse/" + t].dtype), "injury")]),
     ("mesh", lambda r, t: [(zc.mesh_metric("scaled_jacobian", r["points/" + t][:30], *MESH), "scaled_jacobian"),
                            (zc.mesh_time_step(r["points/" + t][:30], *MESH, 210000, 0.3, 7.85e-9), "time_step")]),
+    ("fits", _fits),
     ("spectra", lambda r, t: list(zip(zc.fft(r["pulse/" + t], (100, 1800), "hann", 2048, phase=True), ("fft", "phase")))
      + [(zc.correlation(*_shifted(r["pulse/" + t]), linear=True), "correlation")]),
     ("curves", lambda r, t: [(zc.sample_x(r["pulse/" + t], 3.3e-4, 0.01), "sampled"),

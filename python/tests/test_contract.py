@@ -44,6 +44,8 @@ FAILURES = [
      "connectivity holds 3 node indices, the types need 4"),
     (lambda: zc.mesh_metric("volumes", np.zeros((4, 3)), [3], [0, 1, 2, 3]), ValueError,
      "unknown element metric 'volumes' (see ELEMENT_METRICS)"),
+    (lambda: zc.fit_circle(CURVE, "lsq"), ValueError,
+     "unknown circle fit method 'lsq' (kasa, pratt, taubin, hyper or geometric)"),
     # shapes and dtypes: checked before anything runs, never a crash
     (lambda: zc.CFC60()(CURVE[:, :1]), ValueError, "curve must be an (n, 2) array, got shape (100, 1)"),
     (lambda: zc.principal_values(np.zeros(6)), ValueError, "tensors must be an (n, 6) array, got shape (6,)"),
@@ -75,6 +77,7 @@ SENTINELS = [
     (lambda: zc.hollomon_curve(500, 0.2, 200, 0, -1, 2e5), None),
     (lambda: zc.hill_coefficients(-1, 1, 1), None),
     (lambda: zc.UnitSystem("mm", "T", "s").parse("12 parsecs", PRESSURE), None),
+    (lambda: zc.fit_circle([[0, 0], [1, 0], [2, 0]])["radius"], NAN),  # collinear: status 'degenerate'
     (lambda: zc.mesh_metric("volume", np.eye(3), [1], [0, 1, 2])[0], NAN),  # no volume for a triangle
     (lambda: zc.mesh_metric("area", np.eye(3), [1, 9, 1], [0, 1, 2, 0, 1, 2])[2], NAN),  # walk ends at type 9
 ]
