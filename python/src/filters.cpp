@@ -28,6 +28,9 @@ struct Filter {
   // longest curve filtered so far, until the object is deleted.
   std::pair<Curve<double>, Curve<double>> workD;
   std::pair<Curve<float>, Curve<float>> workF;
+  // Filter the copy of the curve in place (no copy from input to output curve in the library):
+  // set for filters whose in-place call costs no extra pass.
+  bool inPlace = false;
 
   py::array Compute(py::handle curveObj) {
     return WithTwin(curveObj, [&](auto tag) -> py::array {
@@ -37,9 +40,15 @@ struct Filter {
       // Never wait for the object while holding the interpreter: release it first.
       py::gil_scoped_release release;
       std::lock_guard<std::mutex> lock(*busy);
-      Fill(work.first, in);
-      ReserveLarge(work.second, work.first.GetSize());
-      const WbErrObj* err = Twin<T>().Compute(work.first, work.second);
+      const WbErrObj* err = nullptr;
+      if (inPlace) {
+        Fill(work.second, in);
+        err = Twin<T>().Compute(work.second, work.second);
+      } else {
+        Fill(work.first, in);
+        ReserveLarge(work.second, work.first.GetSize());
+        err = Twin<T>().Compute(work.first, work.second);
+      }
       py::gil_scoped_acquire acquire;
       Check(err);
       return FromCurve(work.second);
@@ -222,7 +231,9 @@ void BindCFCAny(py::module_& m) {
         const auto u = static_cast<_ZmUnitTime>(UnitIndex(ZmUnitTypeTime, unit));
         const auto e = static_cast<ZmFilterEnds>(Choice(ends, kEnds, "end treatment"));
         const auto d = static_cast<ZmCFCDesign>(Choice(design, kDesigns, "design"));
-        return Make<CFCAny, ZmFilterCFCd, ZmFilterCFCf>("ZmFilterCFC", cfc, u, e, d);
+        auto filter = Make<CFCAny, ZmFilterCFCd, ZmFilterCFCf>("ZmFilterCFC", cfc, u, e, d);
+        filter.inPlace = true;  // the recursion runs over the output curve's values anyway
+        return filter;
       },
       py::arg("cfc") = 60.0, py::arg("time_unit") = 0, py::arg("ends") = "reflection", py::arg("design") = "j211")
       ZMPY_CFC_PROPERTY("cfc", GetClass, SetClass, double, "The channel frequency class (Hz).")
