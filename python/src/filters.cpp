@@ -28,8 +28,9 @@ struct Filter {
   // longest curve filtered so far, until the object is deleted.
   std::pair<Curve<double>, Curve<double>> workD;
   std::pair<Curve<float>, Curve<float>> workF;
-  // Filter the copy of the curve in place (no copy from input to output curve in the library):
-  // set for filters whose in-place call costs no extra pass.
+  // Filter a fresh copy of the curve in place and hand it to numpy as the result: one copy per
+  // call instead of two (copy in, copy out) and nothing kept between calls. Set for filters
+  // whose in-place call costs no extra pass (the CFC recursion runs over the output values).
   bool inPlace = false;
 
   py::array Compute(py::handle curveObj) {
@@ -42,8 +43,12 @@ struct Filter {
       std::lock_guard<std::mutex> lock(*busy);
       const WbErrObj* err = nullptr;
       if (inPlace) {
-        Fill(work.second, in);
-        err = Twin<T>().Compute(work.second, work.second);
+        Curve<T> own;
+        Fill(own, in);
+        err = Twin<T>().Compute(own, own);
+        py::gil_scoped_acquire acquire;
+        Check(err);
+        return FromCurve(std::move(own));
       } else {
         Fill(work.first, in);
         ReserveLarge(work.second, work.first.GetSize());
