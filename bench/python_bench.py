@@ -8,6 +8,11 @@ names the directory of the benchmark programs), scipy's sosfiltfilt of a 4-pole 
 low-pass at 100 Hz and numpy.convolve with the 81-tap CFC 60 kernel; then the principal values
 of 10^6 symmetric tensors next to the C++ loop (BM_ZmMathValues of bench_tensors) and
 numpy.linalg.eigvalsh. Wall-clock medians of --repeat runs.
+
+The CFC filter at any rate (zemcalc.CFCFilter(60), both twins) on the same pulse, next to the C++
+call (BM_CFCAnyRate60d of bench_crash) and scipy's sosfiltfilt with the same design: a 2-pole
+Butterworth at 2.0775 x 60 Hz run forward and backward, reflected ends of the filter's automatic
+500 samples (padtype "odd"); the largest difference between the two results is printed too.
 """
 import argparse
 import json
@@ -63,6 +68,21 @@ def main():
         sos = signal.butter(4, 100.0, fs=1.0e4, output="sos")
         rows.append(("scipy.signal.sosfiltfilt, Butterworth 4", median_ms(lambda: signal.sosfiltfilt(sos, pulse[:, 1]),
                                                                          args.repeat)))
+    except ImportError:
+        pass
+    cfc_any, cfc_any32 = zc.CFCFilter(60), zc.CFCFilter(60)
+    cfc_any32.step_tolerance = 0.1  # float abscissae of a 100 s record are 7.6e-6 s apart near its end
+    rows.append(("zemcalc.CFCFilter(60), float64", median_ms(lambda: cfc_any(pulse), args.repeat)))
+    rows.append(("zemcalc.CFCFilter(60), float32", median_ms(lambda: cfc_any32(pulse32), args.repeat)))
+    if args.cpp:
+        rows.append(("C++ ZmFilterCFCd(60)::Compute", cpp_ms(f"{args.cpp}/bench_crash", "BM_CFCAnyRate60d", args.repeat)))
+    try:
+        from scipy import signal
+        sos2 = signal.butter(2, 2.0775 * 60.0, fs=1.0e4, output="sos")
+        rows.append(("scipy.signal.sosfiltfilt, same design, padtype odd, padlen 500",
+                     median_ms(lambda: signal.sosfiltfilt(sos2, pulse[:, 1], padtype="odd", padlen=500), args.repeat)))
+        gap = np.max(np.abs(cfc_any(pulse)[:, 1] - signal.sosfiltfilt(sos2, pulse[:, 1], padtype="odd", padlen=500)))
+        print(f"largest |zemcalc.CFCFilter(60) - sosfiltfilt|: {gap:.3g} (signal amplitude 40)")
     except ImportError:
         pass
     rows.append(("numpy.convolve, 81 taps", median_ms(lambda: np.convolve(pulse[:, 1], kernel, "same"), args.repeat)))

@@ -11,4 +11,7 @@ void BindUnits(pybind11::module_& m);
 void BindTensors(pybind11::module_& m);
 void BindMaterials(pybind11::module_& m);
 void BindGeometry(pybind11::module_& m);
+void BindInjury(pybind11::module_& m);
+void BindMesh(pybind11::module_& m);
+void BindFitting(pybind11::module_& m);
 }  // namespace zmpy

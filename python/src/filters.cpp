@@ -9,6 +9,7 @@
 #include "arrays.h"
 #include "families.h"
 #include "zemcalc/ZmFilter.h"
+#include "zemcalc/ZmFilterCFC.h"
 #include "zemcalc/ZmFilterFixed.h"
 #include "zemcalc/ZmUnitDim.h"
 
@@ -27,6 +28,10 @@ struct Filter {
   // longest curve filtered so far, until the object is deleted.
   std::pair<Curve<double>, Curve<double>> workD;
   std::pair<Curve<float>, Curve<float>> workF;
+  // Filter a fresh copy of the curve in place and hand it to numpy as the result: one copy per
+  // call instead of two (copy in, copy out) and nothing kept between calls. Set for filters
+  // whose in-place call costs no extra pass (the CFC recursion runs over the output values).
+  bool inPlace = false;
 
   py::array Compute(py::handle curveObj) {
     return WithTwin(curveObj, [&](auto tag) -> py::array {
@@ -36,9 +41,19 @@ struct Filter {
       // Never wait for the object while holding the interpreter: release it first.
       py::gil_scoped_release release;
       std::lock_guard<std::mutex> lock(*busy);
-      Fill(work.first, in);
-      ReserveLarge(work.second, work.first.GetSize());
-      const WbErrObj* err = Twin<T>().Compute(work.first, work.second);
+      const WbErrObj* err = nullptr;
+      if (inPlace) {
+        Curve<T> own;
+        Fill(own, in);
+        err = Twin<T>().Compute(own, own);
+        py::gil_scoped_acquire acquire;
+        Check(err);
+        return FromCurve(std::move(own));
+      } else {
+        Fill(work.first, in);
+        ReserveLarge(work.second, work.first.GetSize());
+        err = Twin<T>().Compute(work.first, work.second);
+      }
       py::gil_scoped_acquire acquire;
       Check(err);
       return FromCurve(work.second);
@@ -164,6 +179,104 @@ void BindCFC(py::module_& m, const char* pyName, const char* name) {
                 py::arg("time_unit") = 0);
 }
 
+// The CFC filter at any rate: both twins hold the same settings, changed through both at once.
+struct CFCAny;
+using CFCTwins = std::pair<ZmFilterCFCd*, ZmFilterCFCf*>;
+CFCTwins CFCOf(Filter& filter) {
+  return {dynamic_cast<ZmFilterCFCd*>(filter.d.get()), dynamic_cast<ZmFilterCFCf*>(filter.f.get())};
+}
+template <class Set>
+void SetBoth(Filter& filter, Set set) {
+  // A running compute() holds the object and takes the interpreter back before letting go of
+  // it: wait for the object with the interpreter released (set touches no Python object).
+  py::gil_scoped_release release;
+  std::lock_guard<std::mutex> lock(*filter.busy);
+  const CFCTwins twins = CFCOf(filter);
+  set(*twins.first);
+  set(*twins.second);
+}
+
+// A choice given by its number or by its lower-case name (names[i] is number i).
+template <std::size_t N>
+int Choice(py::handle value, const char* const (&names)[N], const char* what) {
+  if (!py::isinstance<py::str>(value)) return value.cast<int>();
+  const std::string name = value.cast<std::string>();
+  for (std::size_t i = 0; i < N; ++i)
+    if (name == names[i]) return static_cast<int>(i);
+  std::string known;
+  for (const char* n : names) known += std::string(known.empty() ? "" : ", ") + "'" + n + "'";
+  throw py::value_error(std::string("unknown ") + what + " '" + name + "' (one of " + known + ")");
+}
+const char* const kEnds[] = {"reflection", "mirror", "constant", "none"};
+const char* const kDesigns[] = {"j211", "iso6487"};
+
+py::tuple CFCCoefficients(Filter& filter, double step) {
+  ZmCFCCoefficients c{};
+  Check(CFCOf(filter).first->ComputeCoefficients(step, c));
+  return py::make_tuple(c.a0, c.a1, c.a2, c.b1, c.b2);
+}
+
+void BindCFCAny(py::module_& m) {
+  // Each property reads the double twin and writes both.
+#define ZMPY_CFC_PROPERTY(pyName, Get, Set, Type, doc)                                                      \
+  .def_property(                                                                                           \
+      pyName, [](Filter& f) { return CFCOf(f).first->Get(); },                                             \
+      [](Filter& f, Type v) { SetBoth(f, [&](auto& c) { c.Set(v); }); }, doc)
+  BindKind<CFCAny>(
+      m, "CFCFilter",
+      "The channel-frequency-class low-pass filter at any sampling rate: a 2-pole Butterworth\n"
+      "recursion run forward then backward (4 poles, no phase shift), its coefficients derived from\n"
+      "the class (Hz) and the curve's mean time step in time_unit (catalogue index or symbol).\n"
+      "ends: how the curve is continued beyond its ends, 'reflection' (point reflection, like\n"
+      "scipy's sosfiltfilt padtype 'odd'), 'mirror', 'constant' or 'none' (0 to 3). design: the\n"
+      "constant between class and design frequency, 'j211' (2.0775) or 'iso6487' (25/12).\n"
+      "Refused curves (uneven steps beyond step_tolerance, rate below 10 x class unless\n"
+      "allow_low_rate, ...) raise zemcalc.Error with the library's message.",
+      [](double cfc, py::object unit, py::object ends, py::object design) {
+        const auto u = static_cast<_ZmUnitTime>(UnitIndex(ZmUnitTypeTime, unit));
+        const auto e = static_cast<ZmFilterEnds>(Choice(ends, kEnds, "end treatment"));
+        const auto d = static_cast<ZmCFCDesign>(Choice(design, kDesigns, "design"));
+        auto filter = Make<CFCAny, ZmFilterCFCd, ZmFilterCFCf>("ZmFilterCFC", cfc, u, e, d);
+        filter.inPlace = true;  // the recursion runs over the output curve's values anyway
+        return filter;
+      },
+      py::arg("cfc") = 60.0, py::arg("time_unit") = 0, py::arg("ends") = "reflection", py::arg("design") = "j211")
+      ZMPY_CFC_PROPERTY("cfc", GetClass, SetClass, double, "The channel frequency class (Hz).")
+      ZMPY_CFC_PROPERTY("pad_length", GetPadLength, SetPadLength, std::int64_t,
+                        "Samples added at each end; -1 (default): ceil(3 / (cfc * step)), at most n - 1.")
+      ZMPY_CFC_PROPERTY("step_tolerance", GetStepTolerance, SetStepTolerance, double,
+                        "Largest relative deviation of a time step from the mean step (default 0.01).")
+      .def_property(
+          "allow_low_rate", [](Filter& f) { return CFCOf(f).first->GetAllowLowRate() != 0; },
+          [](Filter& f, bool v) { SetBoth(f, [&](auto& c) { c.SetAllowLowRate(v ? 1 : 0); }); },
+          "Accept a sampling rate below 10 x the class (the design frequency must still be below half the rate).")
+      .def_property(
+          "time_unit", [](Filter& f) { return static_cast<int>(CFCOf(f).first->GetTimeUnit()); },
+          [](Filter& f, py::object u) {
+            const auto unit = static_cast<_ZmUnitTime>(UnitIndex(ZmUnitTypeTime, u));
+            SetBoth(f, [&](auto& c) { c.SetTimeUnit(unit); });
+          },
+          "Time unit of the abscissae: catalogue index (read back as such) or symbol.")
+      .def_property(
+          "ends", [](Filter& f) { return static_cast<int>(CFCOf(f).first->GetEnds()); },
+          [](Filter& f, py::object v) {
+            const auto e = static_cast<ZmFilterEnds>(Choice(v, kEnds, "end treatment"));
+            SetBoth(f, [&](auto& c) { c.SetEnds(e); });
+          },
+          "End treatment: 0 reflection, 1 mirror, 2 constant, 3 none (names accepted when set).")
+      .def_property(
+          "design", [](Filter& f) { return static_cast<int>(CFCOf(f).first->GetDesign()); },
+          [](Filter& f, py::object v) {
+            const auto d = static_cast<ZmCFCDesign>(Choice(v, kDesigns, "design"));
+            SetBoth(f, [&](auto& c) { c.SetDesign(d); });
+          },
+          "Design constant: 0 j211 (2.0775), 1 iso6487 (25/12) (names accepted when set).")
+      .def("coefficients_at", &CFCCoefficients, py::arg("step"),
+           "The coefficients (a0, a1, a2, b1, b2) of one pass, Y = a0 X + a1 X[-1] + a2 X[-2] + b1 Y[-1]\n"
+           "+ b2 Y[-2], for a time step in time_unit, with the checks of compute().");
+#undef ZMPY_CFC_PROPERTY
+}
+
 }  // namespace
 
 void BindFilters(py::module_& m) {
@@ -220,6 +333,7 @@ void BindFilters(py::module_& m) {
   BindCFC<CFC60, ZmFilterCFC60_10kHzd, ZmFilterCFC60_10kHzf>(m, "CFC60", "ZmFilterCFC60_10kHz");
   BindKind<FIRF16>(m, "FIRF16", "The fixed 50-tap low-pass FIRF16 (kernel sum 0.9974511, any time step).",
                    [] { return Make<FIRF16, ZmFilterFIRF16d, ZmFilterFIRF16f>("ZmFilterFIRF16"); });
+  BindCFCAny(m);
 }
 
 }  // namespace zmpy

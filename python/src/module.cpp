@@ -80,4 +80,7 @@ PYBIND11_MODULE(_zemcalc, m) {
   BindTensors(m);
   BindMaterials(m);
   BindGeometry(m);
+  BindInjury(m);
+  BindMesh(m);
+  BindFitting(m);
 }

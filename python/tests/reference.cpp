@@ -66,6 +66,32 @@ void Run() {
     PutCurve(f.first, out);
     delete f.second;
   }
+  // The CFC filter at any rate: the pulse in ms, every end treatment, the ISO constant, a set pad.
+  for (int ends = 0; ends < 4; ++ends) {
+    Curve ms(pulse), out;
+    for (std::uint64_t i = 0; i < ms.GetSize(); ++i) ms[i].x = T(i * 0.1);
+    TWIN(ZmFilterCFC) cfc(180.0, ZmUnitMillisecond, static_cast<ZmFilterEnds>(ends), ZmCFCDesignISO6487);
+    if (ends == 1) cfc.SetPadLength(40);
+    cfc.Compute(ms, out);
+    if (ends == 0) PutCurve("pulse_ms", ms);
+    PutCurve("cfc180_" + std::to_string(ends), out);
+  }
+  ZmCFCCoefficients c{};
+  TWIN(ZmFilterCFC)(1000.0).ComputeCoefficients(5e-5, c);
+  const double coefficients[5] = {c.a0, c.a1, c.a2, c.b1, c.b2};
+  if (sizeof(T) == 8) Put("cfc1000_coefficients", coefficients, 1, 5);  // double in both twins
+
+  // Injury criteria of the pulse read in g (HIC36 and the 3 ms clip), and of its resultant.
+  Curve lateral, res;
+  for (std::uint64_t i = 0; i < pulse.GetSize(); ++i) lateral.Add(ZmPoint2T<T>(pulse[i].x, T(0.5) * pulse[i].y));
+  M::ComputeResultant(pulse, lateral, pulse, res);
+  PutCurve("lateral", lateral);
+  PutCurve("resultant", res);
+  T injury[4] = {};
+  M::ComputeHIC(res, 0.036, ZmUnitSystem(), 1, injury[0], injury[1], injury[2]);
+  M::ComputeClipLevel(res, 0.003, ZmUnitSystem(), 1, injury[3]);
+  Put("injury", injury, 1, 4);
+
   Curve spectrum, phase, corr, sampled, env;
   const int window[2] = {100, 1800};
   M::ComputeFFT(pulse, window, M::FFT_WINDOW_HANN, 2048, spectrum, 0, &phase);
@@ -169,6 +195,38 @@ void Run() {
   PutCurve("feet", feet);
   Put("params", params.data(), 500, 1);
   PutCurve("local", local);
+
+  // Element metrics and time steps over a small mixed mesh made of the points above.
+  const ZmElementType types[] = {ZmElementTri3, ZmElementQuad4, ZmElementTet4, ZmElementHex8, ZmElementWedge6};
+  const std::int64_t connectivity[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25};
+  T metrics[2][5];
+  ZmMeshT<T>::ComputeMeshMetric(ZmMetricScaledJacobian, points.GetData(), 30, types, connectivity, 5, metrics[0]);
+  ZmMeshT<T>::ComputeMeshTimeStep(ZmMetricCharacteristicLength, points.GetData(), 30, types, connectivity, 5, T(210000),
+                                  T(0.3), T(7.85e-9), metrics[1]);
+  Put("scaled_jacobian", metrics[0], 5, 1);
+  Put("time_step", metrics[1], 5, 1);
+
+  // Fits: the plane of the points, a noisy arc of a circle (geometric), a noisy quarter turn.
+  WbArrayTempl<ZmPoint2T<T>> arc;
+  WbArrayTempl<ZmPoint3T<T>> turned;
+  for (int i = 0; i < 40; ++i)
+    arc.Add(ZmPoint2T<T>(3 + 7 * std::cos(0.05 * i), -2 + 7 * std::sin(0.05 * i) + 0.01 * Noise(seed)));
+  for (int i = 0; i < 500; ++i) turned.Add(ZmPoint3T<T>(1 - points[i].y, 2 + points[i].x, 3 + points[i].z + T(0.1 * Noise(seed))));
+  const auto plane = ZmMathFitT<T>::FitPlane(points);
+  const auto circle = ZmMathFitT<T>::FitCircle(arc);
+  const auto rigid = ZmMathFitT<T>::FitRigid(points, turned);
+  const T fits[3][12] = {
+      {plane.point.x, plane.point.y, plane.point.z, plane.normal.x, plane.normal.y, plane.normal.z, plane.fitQuality,
+       plane.quality.rms, plane.quality.maxResidual},
+      {circle.center.x, circle.center.y, circle.radius, circle.quality.rms, circle.quality.maxResidual},
+      {rigid.rotation.GetRow(0).x, rigid.rotation.GetRow(0).y, rigid.rotation.GetRow(0).z, rigid.rotation.GetRow(1).x,
+       rigid.rotation.GetRow(1).y, rigid.rotation.GetRow(1).z, rigid.rotation.GetRow(2).x, rigid.rotation.GetRow(2).y,
+       rigid.rotation.GetRow(2).z, rigid.translation.x, rigid.translation.y, rigid.translation.z}};
+  PutCurve("arc", arc);
+  PutCurve("turned", turned);
+  Put("fit_plane", fits[0], 1, 9);
+  Put("fit_circle", fits[1], 1, 5);
+  Put("fit_rigid", fits[2], 1, 12);
 }
 
 }  // namespace

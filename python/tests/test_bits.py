@@ -17,6 +17,25 @@ def _tensor_results(r, t):
             (zc.principal_values(r["tensors/" + t]), "values")]
 
 
+MESH = ([1, 2, 3, 6, 5], np.arange(26))
+
+
+def _cfc180(ends, curve):
+    cfc = zc.CFCFilter(180, "ms", ends, "iso6487")
+    if ends == 1:
+        cfc.pad_length = 40
+    return cfc(curve)
+
+
+def _fits(r, t):
+    plane, circle = zc.fit_plane(r["points/" + t]), zc.fit_circle(r["arc/" + t])
+    rigid = zc.fit_rigid(r["points/" + t], r["turned/" + t])
+    row = lambda *parts: np.concatenate([np.ravel(p) for p in parts]).astype(r["points/" + t].dtype)[None]
+    return [(row(plane["point"], plane["normal"], plane["fit_quality"], plane["rms"], plane["max_residual"]), "fit_plane"),
+            (row(circle["center"], circle["radius"], circle["rms"], circle["max_residual"]), "fit_circle"),
+            (row(rigid["rotation"], rigid["translation"]), "fit_rigid")]
+
+
 # (what, computation from the reference arrays r of twin t -> [(result, expected key)])
 CASES = [
     ("filters", lambda r, t: [(zc.Filter.from_name(name + t)(r["pulse/" + t]), name) for name in
@@ -26,6 +45,14 @@ CASES = [
         (zc.WeightedMovingAverage(5, [1, 2], 1)(r["pulse/" + t]), "weighted5"),
         (zc.CosineFilter(9)(r["pulse/" + t]), "cos9"),
         (zc.SlidingWindowAverage(2.5e-4, 0.75)(r["pulse/" + t]), "swa")]),
+    ("cfc any rate", lambda r, t: [(_cfc180(e, r["pulse_ms/" + t]), f"cfc180_{e}") for e in range(4)]
+     + [(np.array([zc.CFCFilter(1000).coefficients_at(5e-5)]), "cfc1000_coefficients")] * (t == "d")),
+    ("injury", lambda r, t: [(zc.resultant(r["pulse/" + t], r["lateral/" + t], r["pulse/" + t]), "resultant"),
+                             (np.array([[*zc.hic(r["resultant/" + t], 0.036), zc.clip_level(r["resultant/" + t])]],
+                                       r["pulse/" + t].dtype), "injury")]),
+    ("mesh", lambda r, t: [(zc.mesh_metric("scaled_jacobian", r["points/" + t][:30], *MESH), "scaled_jacobian"),
+                           (zc.mesh_time_step(r["points/" + t][:30], *MESH, 210000, 0.3, 7.85e-9), "time_step")]),
+    ("fits", _fits),
     ("spectra", lambda r, t: list(zip(zc.fft(r["pulse/" + t], (100, 1800), "hann", 2048, phase=True), ("fft", "phase")))
      + [(zc.correlation(*_shifted(r["pulse/" + t]), linear=True), "correlation")]),
     ("curves", lambda r, t: [(zc.sample_x(r["pulse/" + t], 3.3e-4, 0.01), "sampled"),

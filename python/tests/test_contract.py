@@ -30,6 +30,22 @@ FAILURES = [
     (lambda: zc.UnitSystem(-1, "T", "s").convert([1.0], PRESSURE, zc.UnitSystem("m", "Kg", "s")), zc.Error,
      "Inconsistent target unit system"),
     (lambda: zc.Filter.from_name("ZmFilterMA"), zc.Error, "'ZmFilterMA' names no filter that can be created by name"),
+    (lambda: zc.CFCFilter(2000)(CURVE), zc.Error,
+     "Can't process filtering. The sampling rate 10000 Hz is lower than 10 times the channel frequency class 2000"),
+    (lambda: zc.CFCFilter(60, ends=7)(CURVE), zc.Error, "Unknown end treatment 7"),
+    (lambda: zc.CFCFilter(60, ends="odd"), ValueError,
+     "unknown end treatment 'odd' (one of 'reflection', 'mirror', 'constant', 'none')"),
+    (lambda: zc.CFCFilter(60, "ms").coefficients_at(2.0), zc.Error,
+     "Can't process filtering. The sampling rate 500 Hz is lower than 10 times the channel frequency class 60"),
+    (lambda: zc.hic(CURVE, 0), zc.Error, "The HIC window 0 s is not a positive number"),
+    (lambda: zc.clip_level(CURVE, 1.0), zc.Error, "The curve lasts 0.0099 s, less than the clip duration 1 s"),
+    (lambda: zc.resultant(CURVE, CURVE[:99], CURVE), zc.Error, "The channels have different point counts (100, 99, 100)"),
+    (lambda: zc.mesh_metric("volume", np.zeros((4, 3)), [3], [0, 1, 2]), ValueError,
+     "connectivity holds 3 node indices, the types need 4"),
+    (lambda: zc.mesh_metric("volumes", np.zeros((4, 3)), [3], [0, 1, 2, 3]), ValueError,
+     "unknown element metric 'volumes' (see ELEMENT_METRICS)"),
+    (lambda: zc.fit_circle(CURVE, "lsq"), ValueError,
+     "unknown circle fit method 'lsq' (kasa, pratt, taubin, hyper or geometric)"),
     # shapes and dtypes: checked before anything runs, never a crash
     (lambda: zc.CFC60()(CURVE[:, :1]), ValueError, "curve must be an (n, 2) array, got shape (100, 1)"),
     (lambda: zc.principal_values(np.zeros(6)), ValueError, "tensors must be an (n, 6) array, got shape (6,)"),
@@ -61,6 +77,9 @@ SENTINELS = [
     (lambda: zc.hollomon_curve(500, 0.2, 200, 0, -1, 2e5), None),
     (lambda: zc.hill_coefficients(-1, 1, 1), None),
     (lambda: zc.UnitSystem("mm", "T", "s").parse("12 parsecs", PRESSURE), None),
+    (lambda: zc.fit_circle([[0, 0], [1, 0], [2, 0]])["radius"], NAN),  # collinear: status 'degenerate'
+    (lambda: zc.mesh_metric("volume", np.eye(3), [1], [0, 1, 2])[0], NAN),  # no volume for a triangle
+    (lambda: zc.mesh_metric("area", np.eye(3), [1, 9, 1], [0, 1, 2, 0, 1, 2])[2], NAN),  # walk ends at type 9
 ]
 
 
@@ -92,3 +111,14 @@ def test_every_public_name_is_documented_and_in_the_stubs():
     public = {name for name in zc.__all__ if not isinstance(getattr(zc, name), type(zc))}
     assert public - stubbed == set()
     assert [name for name in public if callable(getattr(zc, name)) and not getattr(zc, name).__doc__] == []
+
+
+def test_cfc_settings_reach_both_twins():
+    pulse = np.column_stack([T * 1000, np.where(T < 0.005, 40.0, 0.0)])
+    cfc = zc.CFCFilter(60)
+    cfc.time_unit, cfc.ends, cfc.design, cfc.pad_length = "ms", "constant", "iso6487", 30
+    fresh = zc.CFCFilter(60, "ms", 2, 1)
+    fresh.pad_length = 30
+    for dtype in (np.float64, np.float32):
+        assert cfc(pulse.astype(dtype)).tobytes() == fresh(pulse.astype(dtype)).tobytes()
+    assert (cfc.cfc, cfc.ends, cfc.design, cfc.pad_length) == (60, 2, 1, 30)
