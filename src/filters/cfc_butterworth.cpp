@@ -211,14 +211,14 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Filter(const Curve& in, Curve& ou
   double* held = w + 2 * pad;
   PadEnds(source, count, pad, m_ends, left, right);
   const bool atRest = m_ends == ZmFilterEndsNone;
-  const auto keep = [held, target](std::uint64_t i, double y) {
+  const auto keep = [=](std::uint64_t i, double y) {
     if constexpr (kInPlace) {
       target[i].y = y;
     } else {
       held[i] = y;
     }
   };
-  const auto kept = [held, target](std::uint64_t i) -> double {
+  const auto kept = [=](std::uint64_t i) -> double {
     if constexpr (kInPlace) {
       return target[i].y;
     } else {
