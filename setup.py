@@ -25,7 +25,7 @@ class CMakeBuild(build_ext):
         shutil.rmtree(stage, ignore_errors=True)
         subprocess.run(["cmake", "-S", ROOT, "-B", build, "-DCMAKE_BUILD_TYPE=Release",
                         "-DZEMCALC_BUILD_PYTHON=ON", "-DZEMCALC_BUILD_TESTS=OFF", "-DZEMCALC_BUILD_EXAMPLES=OFF",
-                        "-DZEMCALC_BUILD_BENCH=OFF", f"-DPython3_EXECUTABLE={sys.executable}",
+                        "-DZEMCALC_BUILD_BENCH=OFF", "-DZEMCALC_BUILD_TOOLS=OFF", f"-DPython3_EXECUTABLE={sys.executable}",
                         "-DZEMCALC_PYTHON_INSTALL_DIR=.", "-DCMAKE_INSTALL_LIBDIR=zemcalc"], check=True)
         subprocess.run(["cmake", "--build", build, "--target", "_zemcalc", "-j", str(os.cpu_count() or 2)], check=True)
         subprocess.run(["cmake", "--install", build, "--prefix", stage], check=True, stdout=subprocess.DEVNULL)
