@@ -14,4 +14,6 @@ void BindGeometry(pybind11::module_& m);
 void BindInjury(pybind11::module_& m);
 void BindMesh(pybind11::module_& m);
 void BindFitting(pybind11::module_& m);
+void BindArcs(pybind11::module_& m);
+void BindPolygons(pybind11::module_& m);
 }  // namespace zmpy

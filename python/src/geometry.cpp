@@ -1,8 +1,7 @@
 // Geometry over arrays of points: distances and projections onto polylines and planes, and
 // frames. Undefined results (the library's invalid marker) come back as NaN.
-#include "arrays.h"
 #include "families.h"
-#include "zemcalc/ZmFrame.h"
+#include "shapes.h"
 #include "zemcalc/ZmMath.h"
 #include "zemcalc/ZmPlane.h"
 
@@ -40,32 +39,6 @@ ZmPlaneT<T> MakePlane(py::handle normalObj, py::handle pointObj) {
   if (!ok) throw py::value_error("the plane normal is too short to be normalised");
   return plane;
 }
-
-// A frame kept in double precision; float32 arrays are converted through its float copy.
-struct Frame {
-  ZmFrameT<double> frame;
-
-  template <class T>
-  py::array Convert(py::handle pointsObj, bool toGlobal, bool vectors) const {
-    const ZmFrameT<T> f(frame);
-    Points<T> points = ToPoints<T>(pointsObj);
-    {
-      py::gil_scoped_release release;
-      for (auto& p : points) {
-        if (vectors) {
-          const ZmVector3T<T> v(p.x, p.y, p.z);
-          p = ZmPoint3T<T>(toGlobal ? f.LocalToGlobal(v) : f.GlobalToLocal(v));
-        } else {
-          p = toGlobal ? f.LocalToGlobal(p) : f.GlobalToLocal(p);
-        }
-      }
-    }
-    return FromPoints(std::move(points));
-  }
-  py::array Apply(py::handle points, bool toGlobal, bool vectors) const {
-    return WithTwin(points, [&](auto tag) { return Convert<decltype(tag)>(points, toGlobal, vectors); });
-  }
-};
 
 ZmFrameType FrameType(int type) {
   if (type < 0 || type > 2) throw py::value_error("frame type must be 0 (Cartesian), 1 (cylindrical) or 2 (spherical)");

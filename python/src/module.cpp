@@ -83,4 +83,6 @@ PYBIND11_MODULE(_zemcalc, m) {
   BindInjury(m);
   BindMesh(m);
   BindFitting(m);
+  BindArcs(m);
+  BindPolygons(m);
 }

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include <zemcalc/zemcalc.h>
 
@@ -36,6 +37,110 @@ double Noise(unsigned& state) {
 
 // The named class of twin T of a family.
 #define TWIN(family) std::conditional_t<sizeof(T) == 4, family##f, family##d>
+
+// Puts the scalars and the coordinates of points and vectors given as one row.
+template <class T, class... F>
+void Row(const std::string& name, const F&... fields) {
+  std::vector<T> row;
+  const auto add = [&](const auto& f) {
+    if constexpr (std::is_arithmetic_v<std::decay_t<decltype(f)>>)
+      row.push_back(T(f));
+    else
+      for (const T* v = &f.x; v < &f.x + sizeof(f) / sizeof(T); ++v) row.push_back(*v);
+  };
+  (add(fields), ...);
+  Put(name, row.data(), 1, row.size());
+}
+
+// Fits of lines, spheres, cylinders and ellipses, arcs, grids, polygons and penetrations.
+template <class T>
+void Shapes(const WbArrayTempl<ZmPoint3T<T>>& points, const WbArrayTempl<ZmPoint2T<T>>& arc, unsigned& seed) {
+  using M = ZmMathT<T>;
+  using P3 = ZmPoint3T<T>;
+  using V3 = ZmVector3T<T>;
+  WbArrayTempl<P3> sphere, cylinder, tessellated, grid, penNodes;
+  WbArrayTempl<ZmPoint2T<T>> oval;
+  for (int i = 0; i < 60; ++i) {
+    const double a = 0.37 * i, b = 0.05 * i - 1.5, r = 4 + 0.01 * Noise(seed);
+    sphere.Add(P3(1 + r * std::cos(a) * std::cos(b), -2 + r * std::sin(a) * std::cos(b), 3 + r * std::sin(b)));
+    cylinder.Add(P3(2 + r * std::cos(a), 0.2 * i, -1 + r * std::sin(a)));
+    oval.Add(ZmPoint2T<T>(1 + 4 * std::cos(a) - 1.2 * std::sin(a),
+                          2 + 3 * std::cos(a) + 1.6 * std::sin(a) + 0.01 * Noise(seed)));
+  }
+  PutCurve("sphere", sphere);
+  PutCurve("cylinder", cylinder);
+  PutCurve("oval", oval);
+  const auto l3 = M::FitLine(points);
+  const auto l2 = M::FitLine(arc);
+  const auto sp = M::FitSphere(sphere);
+  const auto cy = M::FitCylinder(cylinder);
+  const auto el = M::FitEllipse(oval);
+  Row<T>("fit_line3", l3.point, l3.direction, l3.fitQuality, l3.quality.rms, l3.quality.maxResidual);
+  Row<T>("fit_line2", l2.point, l2.direction, l2.fitQuality, l2.quality.rms, l2.quality.maxResidual);
+  Row<T>("fit_sphere", sp.center, sp.radius, sp.quality.rms, sp.quality.maxResidual);
+  Row<T>("fit_cylinder", cy.point, cy.direction, cy.radius, cy.quality.rms, cy.quality.maxResidual);
+  Row<T>("fit_ellipse", el.center, el.majorAxis, el.a, el.b, el.quality.rms, el.quality.maxResidual);
+
+  // Arcs: each with a point and a tangent at t = 0.3; the first tessellated, and an ellipse.
+  const ZmArcT<T> arcs[] = {M::ArcThroughPoints(points[0], points[1], points[2]),
+                            M::ArcThroughPoints(arc[0], arc[20], arc[39]),
+                            M::ArcFromCenter(points[3], points[4], points[5], V3(1, 2, 3)),
+                            M::ArcFromTangent(points[6], V3(points[7]), points[8]),
+                            M::Fillet(P3(1, 2, 3), V3(4, 1, 0), P3(1, 2, 3), V3(-1, 3, 0.5), T(0.7))};
+  for (int i = 0; i < 5; ++i)
+    Row<T>("arc" + std::to_string(i), arcs[i].center, arcs[i].normal, arcs[i].startDirection, arcs[i].radius,
+           arcs[i].sweep, M::ArcLength(arcs[i]), M::PointAtParameter(arcs[i], T(0.3)),
+           M::TangentAtParameter(arcs[i], T(0.3)));
+  M::TessellateArc(arcs[0], T(2.5), T(0.2), tessellated);
+  PutCurve("arc_tessellated", tessellated);
+  ZmEllipseT<T> ellipse;
+  ellipse = {P3(1, 2, 3), V3(0.6, 0.8, 0), V3(0, 0, 1), T(5), T(2)};
+  M::TessellateEllipse(ellipse, T(-1), T(4), T(0.01), T(0.3), tessellated);
+  PutCurve("ellipse_tessellated", tessellated);
+
+  // Grids over a rectangle of a frame, a tilted square with a hole, a range; polygon frames.
+  const ZmFrameT<T> frame(ZmFrameT<double>(ZmPoint3T<double>(1, 2, 3), ZmPoint3T<double>(4, 6, 3),
+                                           ZmPoint3T<double>(0, 5, 9), 1, ZmFrameCartesian));
+  M::RectangleGrid(frame, T(10), T(7), T(1), T(0.7), grid);
+  PutCurve("rectangle_grid", grid);
+  WbArrayTempl<P3> square, hole;
+  for (int i = 0; i < 4; ++i) {
+    square.Add(P3(10 * ((i + 1) / 2 % 2), 10 * (i / 2), 0.1 * i));
+    hole.Add(P3(4 + 2 * ((i + 1) / 2 % 2), 4 + 2 * (i / 2), 0));
+  }
+  WbArrayTempl<WbArrayTempl<P3>> holes;
+  holes.Add(hole);
+  M::PolygonGrid(square, &holes, P3(0.3, 0.2, 0), T(0.9), grid);
+  PutCurve("square", square);
+  PutCurve("polygon_grid", grid);
+  WbArrayTempl<T> range;
+  M::RangeGrid(T(0), T(1), T(0.3), range);
+  Put("range_grid", range.GetData(), 1, range.GetSize());
+  const auto props = M::PolygonProperties(square);
+  ZmFrameT<T> polygonFrame;
+  M::PolygonFrame(square, ZmPolygonAxisMidLines, polygonFrame);
+  Row<T>("polygon", props.centroid, props.vertexAverage, props.normal, props.area, props.outOfPlaneRms, props.convex,
+         M::SignedArea(arc), M::SignedArea(square, V3(1, 1, -3)), polygonFrame.GetOrigin(), polygonFrame.GetVector(0),
+         polygonFrame.GetVector(1), polygonFrame.GetVector(2));
+
+  // Penetrations of noisy nodes into a quad and a triangle (thicknesses 0.5 and 0.6).
+  const P3 corners[] = {P3(0, 0, 0), P3(2, 0, 0), P3(2, 2, 0.1), P3(0, 2, 0), P3(3, 0, 0), P3(5, 0, 0), P3(4, 2, 0.2)};
+  for (const P3& c : corners) penNodes.Add(c);
+  for (int i = 0; i < 40; ++i) penNodes.Add(P3(2.5 + 3 * Noise(seed), 1 + 1.5 * Noise(seed), 0.4 * Noise(seed)));
+  const ZmElementType types[] = {ZmElementQuad4, ZmElementTri3};
+  const std::int64_t connectivity[] = {0, 1, 2, 3, 4, 5, 6};
+  const std::vector<T> nodeThickness(penNodes.GetSize(), T(0.5)), segmentThickness(2, T(0.6));
+  WbArrayTempl<ZmPenetrationT<T>> found;
+  ZmMeshT<T>::FindPenetrations(penNodes.GetData(), penNodes.GetSize(), nullptr, 0, nodeThickness.data(), types,
+                               connectivity, 2, segmentThickness.data(), found);
+  PutCurve("pen_nodes", penNodes);
+  std::vector<T> rows;
+  for (const auto& p : found)
+    for (T v : {T(p.node), T(p.segment), p.depth, p.distance, p.closest.x, p.closest.y, p.closest.z, p.natural.x,
+                p.natural.y, p.natural.z, p.normal.x, p.normal.y, p.normal.z})
+      rows.push_back(v);
+  Put("penetrations", rows.data(), found.GetSize(), 13);
+}
 
 template <class T>
 void Run() {
@@ -227,6 +332,7 @@ void Run() {
   Put("fit_plane", fits[0], 1, 9);
   Put("fit_circle", fits[1], 1, 5);
   Put("fit_rigid", fits[2], 1, 12);
+  Shapes<T>(points, arc, seed);
 }
 
 }  // namespace

@@ -46,6 +46,11 @@ FAILURES = [
      "unknown element metric 'volumes' (see ELEMENT_METRICS)"),
     (lambda: zc.fit_circle(CURVE, "lsq"), ValueError,
      "unknown circle fit method 'lsq' (kasa, pratt, taubin, hyper or geometric)"),
+    (lambda: zc.polygon_frame(np.eye(3), "diagonal"), ValueError, "unknown polygon axis 'diagonal' (first_edge or mid_lines)"),
+    (lambda: zc.signed_area(np.eye(3)), ValueError, "the signed area of (n, 3) vertices needs a reference direction"),
+    (lambda: zc.find_penetrations(np.eye(4, 3), [1], [0, 1, 2], node_thickness=[1, 2]), ValueError,
+     "node_thickness must hold one value per node (4)"),
+    (lambda: zc.find_penetrations(np.eye(4, 3), [2], [0, 1, 2]), ValueError, "connectivity holds 3 node indices, the types need 4"),
     # shapes and dtypes: checked before anything runs, never a crash
     (lambda: zc.CFC60()(CURVE[:, :1]), ValueError, "curve must be an (n, 2) array, got shape (100, 1)"),
     (lambda: zc.principal_values(np.zeros(6)), ValueError, "tensors must be an (n, 6) array, got shape (6,)"),
@@ -55,6 +60,12 @@ FAILURES = [
     (lambda: zc.distance_to_plane(np.zeros((2, 3)), (0, 0), (0, 0, 0)), ValueError, "normal must hold three numbers"),
     (lambda: zc.correlation(CURVE, [["a", "b"]]), ValueError, "b must be a real numeric array"),
     (lambda: zc.fft(CURVE, weighting="welch"), ValueError, "weighting must be 'none', 'hamming' or 'hann', got 'welch'"),
+    (lambda: zc.Arc.through_points((0, 0), (1, 0), (0, 1, 0)), ValueError, "the three points must hold two numbers each, or three each"),
+    (lambda: zc.Arc.from_center((0, 0, 0), (1, 0, 0), (0, 0), (0, 0, 1)), ValueError, "center must hold three numbers"),
+    (lambda: zc.tessellate_ellipse((0, 0, 0), (1, 0), (0, 0, 1), 2, 1, 0, 1, 0.1), ValueError, "major_axis must hold three numbers"),
+    (lambda: zc.fit_sphere(np.zeros((5, 2))), ValueError, "points must be an (n, 3) array, got shape (5, 2)"),
+    (lambda: zc.fit_ellipse(np.zeros((5, 3), np.float32)), ValueError, "points must be an (n, 2) array, got shape (5, 3)"),
+    (lambda: zc.polygon_grid(np.eye(3), (0, 0, 0), 1, [np.zeros((3, 2))]), ValueError, "hole must be an (n, 3) array, got shape (3, 2)"),
 ]
 
 
@@ -80,6 +91,21 @@ SENTINELS = [
     (lambda: zc.fit_circle([[0, 0], [1, 0], [2, 0]])["radius"], NAN),  # collinear: status 'degenerate'
     (lambda: zc.mesh_metric("volume", np.eye(3), [1], [0, 1, 2])[0], NAN),  # no volume for a triangle
     (lambda: zc.mesh_metric("area", np.eye(3), [1, 9, 1], [0, 1, 2, 0, 1, 2])[2], NAN),  # walk ends at type 9
+    (lambda: zc.find_penetrations(np.eye(4, 3), [3], [0, 1, 2, 3])["depth"].size, 0),  # a tet is no segment
+    (lambda: zc.Arc.through_points((0, 0, 0), (1, 1, 1), (2, 2, 2)).radius, NAN),  # status 'collinear'
+    (lambda: zc.Arc.from_tangent((0, 0, 0), (1, 0, 0), (2, 0, 0)).points_at([0.5])[0, 0], NAN),
+    (lambda: zc.Arc.fillet((0, 0, 0), (1, 0, 0), (0, 1, 0), (1, 0, 0), 1.0).tessellate(0.1), None),  # parallel
+    (lambda: zc.tessellate_ellipse((0, 0, 0), (1, 0, 0), (0, 0, 1), 1, 2, 0, 1, 0.1), None),  # a < b
+    (lambda: zc.rectangle_grid(zc.Frame(), 1, 1, -1, 1), None),
+    (lambda: zc.polygon_grid(np.eye(3), (NAN, 0, 0), 0.1), None),
+    (lambda: zc.range_grid(0, 1, 0, np.float32), None),
+    (lambda: zc.polygon_frame([[0, 0, 0], [1, 0, 0], [2, 0, 0]]), None),  # degenerate
+    (lambda: zc.polygon_properties(np.eye(3)[:2])["area"], NAN),  # too few points
+    (lambda: zc.signed_area([[0, 0], [1, NAN], [0, 1]]), NAN),
+    (lambda: zc.fit_line(np.ones((1, 2)))["direction"][0], NAN),
+    (lambda: zc.fit_sphere(np.eye(3)[[0, 1, 2, 0, 1]] * [1, 1, 0])["radius"], NAN),  # coplanar
+    (lambda: zc.fit_cylinder(np.eye(3))["radius"], NAN),
+    (lambda: zc.fit_ellipse(np.column_stack([np.arange(6.0), np.arange(6.0)]))["a"], NAN),  # collinear
 ]
 
 
