@@ -62,13 +62,6 @@ py::array AlongArc(const Arc& a, py::handle tObj, bool tangents) {
   });
 }
 
-// Points of a tessellation as an (m, 3) array, None when the library refuses it.
-template <class T>
-py::object Tessellation(ZmArcStatus status, Points<T>&& points) {
-  if (status != ZmArcOk) return py::none();
-  return FromPoints(std::move(points));
-}
-
 // The arc built by make(tag) in the twin of dtype (or of the first point when dtype is None).
 template <class Make>
 Arc Build(py::handle dtype, py::handle first, Make make) {
@@ -182,9 +175,9 @@ void BindArcs(py::module_& m) {
           [](const Arc& a, double chordTolerance, double maxAngle) {
             return a.Visit([&](const auto& arc) {
               using T = Scalar<decltype(arc)>;
-              Points<T> points;
-              const ZmArcStatus status = Math<T>::TessellateArc(arc, T(chordTolerance), T(maxAngle), points);
-              return Tessellation(status, std::move(points));
+              return PointsOrNone<T>([&](Points<T>& points) {
+                return Math<T>::TessellateArc(arc, T(chordTolerance), T(maxAngle), points) == ZmArcOk;
+              });
             });
           },
           py::arg("chord_tolerance"), py::arg("max_angle") = 0.0,
@@ -211,10 +204,9 @@ void BindArcs(py::module_& m) {
           e.normal = V<T>(normal, "normal");
           e.a = T(a);
           e.b = T(b);
-          Points<T> points;
-          const ZmArcStatus status =
-              Math<T>::TessellateEllipse(e, T(t0), T(t1), T(chordTolerance), T(maxAngle), points);
-          return Tessellation(status, std::move(points));
+          return PointsOrNone<T>([&](Points<T>& points) {
+            return Math<T>::TessellateEllipse(e, T(t0), T(t1), T(chordTolerance), T(maxAngle), points) == ZmArcOk;
+          });
         });
       },
       py::arg("center"), py::arg("major_axis"), py::arg("normal"), py::arg("a"), py::arg("b"), py::arg("t0"),

@@ -21,13 +21,6 @@ ZmPolygonAxis Axis(const std::string& name) {
   throw py::value_error("unknown polygon axis '" + name + "' (first_edge or mid_lines)");
 }
 
-// The points a grid call wrote, or None when it returned -1 (bad input).
-template <class T>
-py::object GridPoints(std::int64_t count, Points<T>&& points) {
-  if (count < 0) return py::none();
-  return FromPoints(std::move(points));
-}
-
 py::dict Properties(py::handle verticesObj) {
   return WithTwin(verticesObj, [&](auto tag) {
     using T = decltype(tag);
@@ -77,13 +70,9 @@ py::object PolygonGrid(py::handle polygonObj, py::handle origin, double spacing,
     if (!holesObj.is_none())
       for (py::handle hole : holesObj) holes.Add(ToPoints<T>(hole, "hole"));
     const auto o = ToPoint3<ZmPoint3T<T>>(origin, "origin");
-    Points<T> points;
-    std::int64_t count = 0;
-    {
-      py::gil_scoped_release release;
-      count = ZmMathGridT<T>::PolygonGrid(polygon, holesObj.is_none() ? nullptr : &holes, o, T(spacing), points);
-    }
-    return GridPoints(count, std::move(points));
+    return PointsOrNone<T>([&](Points<T>& points) {
+      return ZmMathGridT<T>::PolygonGrid(polygon, holesObj.is_none() ? nullptr : &holes, o, T(spacing), points) >= 0;
+    });
   });
 }
 
@@ -96,8 +85,9 @@ void BindPolygons(py::module_& m) {
         "'normal' (unit Newell normal), 'area', 'out_of_plane_rms' and 'convex'. Fields a failed polygon\n"
         "cannot give are nan; a degenerate one keeps its vertex average and area 0.");
   m.def("signed_area", &SignedArea, py::arg("vertices"), py::arg("reference") = py::none(),
-        "Signed area of an (n, 2) polygon (positive counter-clockwise), or of an (n, 3) polygon seen along\n"
-        "reference (positive counter-clockwise about it); nan for unusable vertices or reference.");
+        "Signed area of an (n, 2) polygon (positive counter-clockwise; reference is not used), or of an\n"
+        "(n, 3) polygon seen along reference (positive counter-clockwise about it); nan for unusable\n"
+        "vertices or reference.");
   m.def("polygon_frame", &PolygonFrame, py::arg("vertices"), py::arg("axis") = "first_edge",
         "The Cartesian Frame of the (n, 3) polygon at its area centroid, Z the Newell normal, X along the\n"
         "first edge ('first_edge') or, for a quadrilateral, the bisector of its mid-lines ('mid_lines');\n"
@@ -107,10 +97,10 @@ void BindPolygons(py::module_& m) {
       [](const Frame& frame, double lengthX, double lengthY, double spacingX, double spacingY, py::handle dtype) {
         return WithDtype(dtype, [&](auto tag) {
           using T = decltype(tag);
-          Points<T> points;
-          const std::int64_t count = ZmMathGridT<T>::RectangleGrid(ZmFrameT<T>(frame.frame), T(lengthX), T(lengthY),
-                                                                   T(spacingX), T(spacingY), points);
-          return GridPoints(count, std::move(points));
+          const ZmFrameT<T> f(frame.frame);
+          return PointsOrNone<T>([&](Points<T>& points) {
+            return ZmMathGridT<T>::RectangleGrid(f, T(lengthX), T(lengthY), T(spacingX), T(spacingY), points) >= 0;
+          });
         });
       },
       py::arg("frame"), py::arg("length_x"), py::arg("length_y"), py::arg("spacing_x"), py::arg("spacing_y"),

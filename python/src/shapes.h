@@ -24,6 +24,20 @@ py::array Vector(const P& p) {
   return std::move(a);
 }
 
+// The points that run(points) writes, run with the interpreter lock released, as an (m, 3)
+// array; None when run reports that the library refused its input (returns false).
+template <class T, class Run>
+py::object PointsOrNone(Run run) {
+  Points<T> points;
+  bool ok = false;
+  {
+    py::gil_scoped_release release;
+    ok = run(points);
+  }
+  if (!ok) return py::none();
+  return FromPoints(std::move(points));
+}
+
 // Calls taking single points (sequences of numbers) run the twin that dtype names, or, when
 // dtype is None, that of the first point (float32 when it is a float32 array, double else).
 template <class F>
