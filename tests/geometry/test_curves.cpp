@@ -91,57 +91,180 @@ TYPED_TEST(CurveTwins, AllCrossingsOfALevel) {
   }
 }
 
-// Every row is also run with the curve held in its own output. Out, back and out again (by
+// The statics that turn a curve into a curve (or a point set into its hull), one row each:
+// the input, the operation's arguments a, b, c, the points it gives and, for the sinusoid
+// envelope and the hull, their indices. Every row but the sinusoid's also runs in place.
+//
+// SampleX (a step, b startX): from max(startX, x0); a NaN startX counts as not given. One point
+// is its own sample; on a decreasing run x0 is the largest abscissa. Out, back and out again (by
 // hand): 2 is an exact hit on point 1; 2.5 is beyond the first segment, not on the way back
 // (2 -> 1), but on (1 -> 3): 3 + (2.5 - 1)/(3 - 1)*(5 - 3) = 4.5; 3.5 is beyond every point.
-// The spacing of doubles at 1e20 is 16384: a step of 1 never moves the abscissa (the same
-// sample would repeat forever); 1e6/65536 = 15.26 gives 16 samples. A step of 1e-9 across
-// [0, 1] needs more than the 2^27 samples allowed.
-const XY kZig = {{0, 0}, {2, 2}, {1, 3}, {3, 5}};
-struct SampleRow {
+// ExtrapolateOnX (a x, b floor, c linear): linear on (0, 0), (1, 2) gives before 0 - 2/1*(0 -
+// (-1)) = -2 (raised to a floor of -1.5) and after 2 + 2/1*(3 - 1) = 6 (above a floor of 5); the
+// floor counts only in the linear case; linear needs two points and a non-vertical end segment.
+// ExtractXRange (a xmin, b xmax, c tol): points within |tol| outside the bounds are kept as they
+// are, and a kept point within tol of a bound stands for it. Out and back, each pass keeps its
+// own bound points: segment (4, 4) -> (0, 8) at 3 gives 4 + (3 - 4)/(0 - 4)*4 = 5, at 1 gives
+// 4 + 0.75*4 = 7. A NaN point is dropped and makes no bound point.
+// EvaluateEnvelop (a upper, b width): without width a falling first point is an upper extreme
+// (reached from below), a rising one a lower; the last point is never a lower extreme; a plateau
+// is not a fall. Width 2 (spans of 1) over y = 1, 5, 2, 4, 3, 6 at x = 0..5, by hand: upper:
+// candidate 0 -> 1 (higher); x3 - x1 = 2 > 1 keeps (1, 5); x5 - x3 = 2 keeps (3, 4); the last
+// candidate (5, 6) closes. Lower: x2 - x0 = 2 keeps (0, 1); x4 - x2 = 2 keeps (2, 2); the last
+// candidate is (4, 3). Ties do not replace the candidate; a span never closes on equality.
+// EvaluateSinusoidEnvelop (a upper) on y = 0.5, 3, 1, -1, -3, -0.5, 2.5, 2.5, 1.2, -2, -1 at
+// x = 0..10: min -3, max 3, mid 0, half amplitude 1.5 either way. The crossings of 0 close
+// segments 2 (1 -> -1), 5 (-0.5 -> 2.5) and 8 (1.2 -> -2). Pieces 0..2, 3..5, 6..8:
+//   upper: 3 at 1 (kept), -0.5 at 5 (no), 2.5 at 6 (kept: earliest of the tie 6, 7)
+//   lower: 0.5 at 0 (no), -3 at 4 (kept), 1.2 at 8 (no)
+// The trough -2 at 9 lies after the last crossing. No peak on a constant curve (amplitude 0), a
+// monotone, an empty or an all-NaN one; NaN values take no part in the extremes or the pieces.
+// EvaluateConvexShape: a square with a point on an edge, one inside, a duplicate corner (the
+// first is named) and a NaN point; collinear points give their two ends, equal points one.
+enum Op { kSample, kExtrapolate, kRange, kEnvelope, kSinusoid, kHull };
+struct CurveRow {
+  Op op;
   XY curve;
-  double step, startX;
-  std::uint64_t count;
-  XY samples;  // checked when count samples are listed
-  bool doubleOnly;
+  double a, b, c;
+  XY result;
+  std::vector<int> indices = {42};  // 42: the operation takes no index list
 };
-const SampleRow kSamples[] = {
-    {kLine, 0.5, kMarker, 5, {{0, 0}, {0.5, 5}, {1, 10}, {1.5, 15}, {2, 20}}, false},
-    {kLine, 0.5, 0.25, 4, {{0.25, 2.5}, {0.75, 7.5}, {1.25, 12.5}, {1.75, 17.5}}, false},  // from max(startX, x0)
-    {kLine, 0.5, -4, 5, {}, false},
-    {kLine, 0.5, kNaN, 5, {}, false},  // NaN: not given
-    {kLine, 0.5, 5, 0, {}, false},
-    {kLine, 0, kMarker, 0, {}, false},
-    {kLine, -1, kMarker, 0, {}, false},
-    {kLine, kNaN, kMarker, 0, {}, false},
-    {{}, 1, kMarker, 0, {}, false},
-    {{{3, 7}}, 1, kMarker, 1, {{3, 7}}, false},             // its own sample, then nothing
-    {{{2, 0}, {0, 10}}, 0.5, kMarker, 1, {{2, 0}}, false},  // decreasing: x0 is the largest
-    {{{kNaN, 0}, {1, 10}}, 0.5, kMarker, 0, {}, false},
-    {kZig, 0.5, kMarker, 7, {{0, 0}, {0.5, 0.5}, {1, 1}, {1.5, 1.5}, {2, 2}, {2.5, 4.5}, {3, 5}}, false},
-    {{{0, 0}, {1, 1}}, 1e-9, kMarker, 0, {}, true},
-    {{{0, 0}, {1, 1}}, std::numeric_limits<double>::denorm_min(), kMarker, 0, {}, true},
-    {{{1e20, 0}, {1e20 + 1e6, 1}}, 1.0, kMarker, 0, {}, true},
-    {{{1e20, 0}, {1e20 + 1e6, 1}}, 65536.0, kMarker, 16, {}, true},
-    {{{0, 0}, {INFINITY, 1}}, 1.0, kMarker, 0, {}, true},
+const XY kZig = {{0, 0}, {2, 2}, {1, 3}, {3, 5}}, kLineSamples = {{0, 0}, {0.5, 5}, {1, 10}, {1.5, 15}, {2, 20}};
+const XY kRamp = {{0, 0}, {1, 10}, {2, 20}, {3, 30}}, kEdge = {{0, 0}, {1, 2}}, kUp = {{1, 0}, {1, 5}};
+const XY kBumps = {{0, 1}, {1, 3}, {2, 2}, {3, 4}}, kSix = {{0, 1}, {1, 5}, {2, 2}, {3, 4}, {4, 3}, {5, 6}};
+const XY kWave = {{0, 0.5}, {1, 3},   {2, 1},   {3, -1}, {4, -3}, {5, -0.5},
+                  {6, 2.5}, {7, 2.5}, {8, 1.2}, {9, -2}, {10, -1}};
+const CurveRow kCurveRows[] = {
+    {kSample, kLine, 0.5, kMarker, 0, kLineSamples},
+    {kSample, kLine, 0.5, 0.25, 0, {{0.25, 2.5}, {0.75, 7.5}, {1.25, 12.5}, {1.75, 17.5}}},
+    {kSample, kLine, 0.5, -4, 0, kLineSamples},
+    {kSample, kLine, 0.5, kNaN, 0, kLineSamples},
+    {kSample, kLine, 0.5, 5, 0, {}},
+    {kSample, kLine, 0, kMarker, 0, {}},
+    {kSample, kLine, -1, kMarker, 0, {}},
+    {kSample, kLine, kNaN, kMarker, 0, {}},
+    {kSample, {}, 1, kMarker, 0, {}},
+    {kSample, {{3, 7}}, 1, kMarker, 0, {{3, 7}}},
+    {kSample, {{2, 0}, {0, 10}}, 0.5, kMarker, 0, {{2, 0}}},
+    {kSample, {{kNaN, 0}, {1, 10}}, 0.5, kMarker, 0, {}},
+    {kSample, kZig, 0.5, kMarker, 0, {{0, 0}, {0.5, 0.5}, {1, 1}, {1.5, 1.5}, {2, 2}, {2.5, 4.5}, {3, 5}}},
+    {kExtrapolate, {{1, 4}}, 0, kMarker, 1, {{1, 4}}},
+    {kExtrapolate, {{1, 4}}, 0, kMarker, 0, {{0, 4}, {1, 4}}},
+    {kExtrapolate, {{1, 4}}, 3, 100, 0, {{1, 4}, {3, 4}}},
+    {kExtrapolate, kEdge, -1, kMarker, 1, {{-1, -2}, {0, 0}, {1, 2}}},
+    {kExtrapolate, kEdge, 3, kMarker, 1, {{0, 0}, {1, 2}, {3, 6}}},
+    {kExtrapolate, kEdge, -1, -1.5, 1, {{-1, -1.5}, {0, 0}, {1, 2}}},
+    {kExtrapolate, kEdge, 3, 5, 1, {{0, 0}, {1, 2}, {3, 6}}},
+    {kExtrapolate, kUp, 0, kMarker, 1, kUp},
+    {kExtrapolate, kUp, 2, kMarker, 1, kUp},
+    {kExtrapolate, kEdge, 0.5, kMarker, 0, kEdge},
+    {kExtrapolate, kEdge, 1, kMarker, 0, kEdge},
+    {kExtrapolate, kEdge, kNaN, kMarker, 0, kEdge},
+    {kExtrapolate, {}, 0, kMarker, 0, {}},
+    {kRange, kRamp, 0.5, 2.5, 0, {{0.5, 5}, {1, 10}, {2, 20}, {2.5, 25}}},
+    {kRange, {{3, 30}, {2, 20}, {1, 10}, {0, 0}}, 2.5, 0.5, 0, {{2.5, 25}, {2, 20}, {1, 10}, {0.5, 5}}},
+    {kRange, kRamp, 0.5, 2.5, 0.6, kRamp},
+    {kRange, kRamp, 0.95, 2, -0.1, {{1, 10}, {2, 20}}},
+    {kRange, {{0, 0}, {10, 100}}, 2.5, 5, 0, {{2.5, 25}, {5, 50}}},
+    {kRange, {{0, 0}, {10, 100}}, 5, 5, 0, {{5, 50}}},
+    {kRange, {{0, 0}, {4, 4}, {0, 8}}, 1, 3, 0, {{1, 1}, {3, 3}, {3, 5}, {1, 7}}},
+    {kRange, {{0, 0}, {1, 10}}, 5, 6, 0, {}},
+    {kRange, {}, 0, 1, 0, {}},
+    {kRange, {{0, 0}, {1, 10}}, kNaN, 1, 0, {}},
+    {kRange, {{0, 0}, {kNaN, 5}, {3, 30}, {4, 40}}, 1, 3.5, kNaN, {{3, 30}, {3.5, 35}}},
+    {kEnvelope, kBumps, 1, kMarker, 0, {{1, 3}, {3, 4}}},
+    {kEnvelope, kBumps, 0, kMarker, 0, {{0, 1}, {2, 2}}},
+    {kEnvelope, {{0, 5}, {1, 1}, {2, 3}}, 1, kMarker, 0, {{0, 5}, {2, 3}}},
+    {kEnvelope, {{0, 5}, {1, 1}, {2, 3}}, 0, kMarker, 0, {{1, 1}}},
+    {kEnvelope, {{0, 1}}, 1, kMarker, 0, {{0, 1}}},
+    {kEnvelope, {{0, 1}}, 0, kMarker, 0, {}},
+    {kEnvelope, {}, 1, kMarker, 0, {}},
+    {kEnvelope, {{0, 0}, {1, 2}, {2, 2}, {3, 0}}, 1, kMarker, 0, {{2, 2}}},
+    {kEnvelope, kSix, 1, 2, 0, {{1, 5}, {3, 4}, {5, 6}}},
+    {kEnvelope, kSix, 0, 2, 0, {{0, 1}, {2, 2}, {4, 3}}},
+    {kEnvelope, {{0, 1}, {0.5, 1}, {1, 0}}, 1, 2, 0, {{0, 1}}},
+    {kEnvelope, {{3, 3}}, 0, 2, 0, {{3, 3}}},
+    {kSinusoid, kWave, 1, 0, 0, {{1, 3}, {6, 2.5}}, {1, 6}},
+    {kSinusoid, kWave, 0, 0, 0, {{4, -3}}, {4}},
+    {kSinusoid, {{0, 1}, {1, 1}}, 1, 0, 0, {}, {}},
+    {kSinusoid, {{0, 0}, {1, 1}, {2, 2}}, 1, 0, 0, {}, {}},
+    {kSinusoid, {}, 1, 0, 0, {}, {}},
+    {kSinusoid, {{0, kNaN}, {1, kNaN}}, 1, 0, 0, {}, {}},
+    {kSinusoid, {{0, kNaN}, {1, 3}, {2, -3}, {3, kNaN}, {4, 3}}, 1, 0, 0, {{1, 3}}, {1}},
+    {kHull,
+     {{2, 2}, {1, 0}, {0, 0}, {1, 1}, {2, 0}, {0, 2}, {2, 0}, {kNaN, 5}, {1, 2}},
+     0,
+     0,
+     0,
+     {{0, 0}, {2, 0}, {2, 2}, {0, 2}},
+     {2, 4, 0, 5}},
+    {kHull, {{2, 2}, {0, 0}, {1, 1}, {3, 3}}, 0, 0, 0, {{0, 0}, {3, 3}}, {1, 3}},
+    {kHull, {{4, 5}, {4, 5}}, 0, 0, 0, {{4, 5}}, {0}},
+    {kHull, {}, 0, 0, 0, {}, {}},
+    {kHull, {{0, 0}, {1, 0}, {0, 1}}, 0, 0, 0, {{0, 0}, {1, 0}, {0, 1}}, {0, 1, 2}},
 };
 
-TYPED_TEST(CurveTwins, SampleXTable) {
+// The row's operation on in; returns the count of points it leaves in out.
+template <class T>
+std::uint64_t Apply(const CurveRow& r, const WbArrayTempl<ZmPoint2T<T>>& in, WbArrayTempl<ZmPoint2T<T>>& out,
+                    WbArrayTempl<int>* indices) {
+  using P = ZmPoint2T<T>;
+  const T a = T(r.a), b = T(r.b), c = T(r.c);
+  switch (r.op) {
+    case kSample:
+      return P::SampleX(in.GetSize() ? in.GetData() : nullptr, in.GetSize(), a, out, b);
+    case kExtrapolate:
+      out = in;
+      return in.GetSize() + P::ExtrapolateOnX(out, a, r.c != 0, b);
+    case kRange:
+      out = in;
+      return P::ExtractXRange(out, a, b, c);
+    case kEnvelope:
+      return P::EvaluateEnvelop(in, r.a != 0, out, b);
+    case kSinusoid:
+      return P::EvaluateSinusoidEnvelop(in, r.a != 0, out, indices);
+    case kHull:
+      return P::EvaluateConvexShape(in, out, indices);
+  }
+  return 0;
+}
+
+TYPED_TEST(CurveTwins, CurveToCurveTable) {
   using P = ZmPoint2T<TypeParam>;
   int row = 0;
-  for (const SampleRow& r : kSamples) {
-    ++row;
-    if (r.doubleOnly && kIsFloat<TypeParam>) continue;
-    const auto c = Curve<TypeParam>(r.curve);
-    WbArrayTempl<P> out{P(7, 7)}, self = c;
-    const TypeParam step = TypeParam(r.step), startX = TypeParam(r.startX);
-    EXPECT_EQ(P::SampleX(c.GetSize() ? c.GetData() : nullptr, c.GetSize(), step, out, startX), r.count)
-        << "row " << row;
-    EXPECT_EQ(P::SampleX(self.GetData(), self.GetSize(), step, self, startX), r.count) << "row " << row;
-    if (r.samples.size() == r.count) {
-      EXPECT_EQ(Pairs(out), Rounded<TypeParam>(r.samples)) << "row " << row;
-    }
-    EXPECT_EQ(Pairs(self), Pairs(out)) << "row " << row;
+  for (const CurveRow& r : kCurveRows) {
+    const auto in = Curve<TypeParam>(r.curve);
+    WbArrayTempl<P> out{P(9, 9)}, self = in, spare;
+    WbArrayTempl<int> indices{42};
+    EXPECT_EQ(Apply(r, in, out, &indices), r.result.size()) << "row " << ++row;
+    EXPECT_EQ(Pairs(out), Rounded<TypeParam>(r.result)) << "row " << row;
+    EXPECT_EQ(Values(indices), r.indices) << "row " << row;
+    EXPECT_EQ(Apply(r, self, r.op == kSinusoid ? spare : self, nullptr), r.result.size()) << "row " << row;
+    EXPECT_EQ(Pairs(r.op == kSinusoid ? spare : self), Pairs(out)) << "row " << row;
+  }
+  // The value at a cut bound is the segment formula in its order, as InterpolateOnX gives it.
+  auto c = Curve<TypeParam>(kOrderX);
+  ASSERT_EQ(P::ExtractXRange(c, 0, TypeParam(0.48), 0), 2u);
+  EXPECT_EQ(c[1].y, kAt048.Get<TypeParam>());
+}
+
+// The output is bounded. A step of 1e-9 across [0, 1] needs more than the 2^27 samples allowed.
+// The spacing of doubles at 1e20 is 16384: a step of 1 never moves the abscissa (the same sample
+// would repeat forever); 1e6/65536 = 15.26 gives 16 samples.
+TEST(Curves, SampleXBoundsItsOutput) {
+  const struct {
+    XY curve;
+    double step;
+    std::uint64_t count;
+  } rows[] = {{{{0, 0}, {1, 1}}, 1e-9, 0},
+              {{{0, 0}, {1, 1}}, std::numeric_limits<double>::denorm_min(), 0},
+              {{{1e20, 0}, {1e20 + 1e6, 1}}, 1.0, 0},
+              {{{1e20, 0}, {1e20 + 1e6, 1}}, 65536.0, 16},
+              {{{0, 0}, {INFINITY, 1}}, 1.0, 0}};
+  for (const auto& r : rows) {
+    WbArrayTempl<ZmPoint2d> out{ZmPoint2d(7, 7)};
+    EXPECT_EQ(ZmPoint2d::SampleX(Curve<double>(r.curve).GetData(), r.curve.size(), r.step, out), r.count) << r.step;
+    EXPECT_EQ(out.GetSize(), r.count);
   }
 }
 
@@ -205,179 +328,6 @@ TYPED_TEST(CurveTwins, SampleXMatchesTheRestartingSearchOnEveryKindOfCurve) {
       EXPECT_TRUE(count == 0 || std::memcmp(fast.GetData(), reference.GetData(), count * sizeof(P)) == 0)
           << "kind " << kind << " trial " << trial;
     }
-  }
-}
-
-// Linear on (0, 0), (1, 2): before, 0 - 2/1*(0 - (-1)) = -2 (raised to a floor of -1.5);
-// after, 2 + 2/1*(3 - 1) = 6 (above a floor of 5). The floor counts only in the linear case.
-struct ExtrapolationRow {
-  XY curve;
-  double x, floor;
-  unsigned char linear;
-  XY result;  // the curve unchanged when nothing is added
-};
-const ExtrapolationRow kExtrapolations[] = {
-    {{{1, 4}}, 0, kMarker, 1, {{1, 4}}},  // linear needs two points
-    {{{1, 4}}, 0, kMarker, 0, {{0, 4}, {1, 4}}},
-    {{{1, 4}}, 3, 100, 0, {{1, 4}, {3, 4}}},
-    {{{0, 0}, {1, 2}}, -1, kMarker, 1, {{-1, -2}, {0, 0}, {1, 2}}},
-    {{{0, 0}, {1, 2}}, 3, kMarker, 1, {{0, 0}, {1, 2}, {3, 6}}},
-    {{{0, 0}, {1, 2}}, -1, -1.5, 1, {{-1, -1.5}, {0, 0}, {1, 2}}},
-    {{{0, 0}, {1, 2}}, 3, 5, 1, {{0, 0}, {1, 2}, {3, 6}}},
-    {{{1, 0}, {1, 5}}, 0, kMarker, 1, {{1, 0}, {1, 5}}},  // vertical end segment
-    {{{1, 0}, {1, 5}}, 2, kMarker, 1, {{1, 0}, {1, 5}}},
-    {{{0, 0}, {1, 2}}, 0.5, kMarker, 0, {{0, 0}, {1, 2}}},  // inside
-    {{{0, 0}, {1, 2}}, 1, kMarker, 0, {{0, 0}, {1, 2}}},    // on the last point
-    {{{0, 0}, {1, 2}}, kNaN, kMarker, 0, {{0, 0}, {1, 2}}},
-    {{}, 0, kMarker, 0, {}},
-};
-
-TYPED_TEST(CurveTwins, ExtrapolateOnXTable) {
-  using P = ZmPoint2T<TypeParam>;
-  for (const ExtrapolationRow& r : kExtrapolations) {
-    auto c = Curve<TypeParam>(r.curve);
-    const unsigned char added = P::ExtrapolateOnX(c, TypeParam(r.x), r.linear, TypeParam(r.floor));
-    EXPECT_EQ(added, r.result.size() > r.curve.size() ? 1 : 0) << "x " << r.x;
-    EXPECT_EQ(Pairs(c), Rounded<TypeParam>(r.result)) << "x " << r.x;
-  }
-}
-
-// Points within tol outside the bounds are kept as they are, and a kept point within tol of a
-// bound stands for it. Out and back, each pass keeps its own bound points: segment (4, 4) ->
-// (0, 8) at 3 gives 4 + (3 - 4)/(0 - 4)*4 = 5, at 1 gives 4 + 0.75*4 = 7. A NaN point is
-// dropped and makes no bound point.
-struct RangeRow {
-  XY curve;
-  double xmin, xmax, tol;
-  XY result;
-};
-const XY kRamp = {{0, 0}, {1, 10}, {2, 20}, {3, 30}};
-const RangeRow kRanges[] = {
-    {kRamp, 0.5, 2.5, 0, {{0.5, 5}, {1, 10}, {2, 20}, {2.5, 25}}},
-    {{{3, 30}, {2, 20}, {1, 10}, {0, 0}}, 2.5, 0.5, 0, {{2.5, 25}, {2, 20}, {1, 10}, {0.5, 5}}},
-    {kRamp, 0.5, 2.5, 0.6, kRamp},
-    {kRamp, 0.95, 2, -0.1, {{1, 10}, {2, 20}}},  // tol taken as |tol|
-    {{{0, 0}, {10, 100}}, 2.5, 5, 0, {{2.5, 25}, {5, 50}}},
-    {{{0, 0}, {10, 100}}, 5, 5, 0, {{5, 50}}},
-    {{{0, 0}, {4, 4}, {0, 8}}, 1, 3, 0, {{1, 1}, {3, 3}, {3, 5}, {1, 7}}},
-    {{{0, 0}, {1, 10}}, 5, 6, 0, {}},
-    {{}, 0, 1, 0, {}},
-    {{{0, 0}, {1, 10}}, kNaN, 1, 0, {}},
-    {{{0, 0}, {kNaN, 5}, {3, 30}, {4, 40}}, 1, 3.5, kNaN, {{3, 30}, {3.5, 35}}},
-};
-
-TYPED_TEST(CurveTwins, ExtractXRangeTable) {
-  using P = ZmPoint2T<TypeParam>;
-  for (const RangeRow& r : kRanges) {
-    auto c = Curve<TypeParam>(r.curve);
-    EXPECT_EQ(P::ExtractXRange(c, TypeParam(r.xmin), TypeParam(r.xmax), TypeParam(r.tol)), r.result.size());
-    EXPECT_EQ(Pairs(c), Rounded<TypeParam>(r.result)) << r.xmin << " " << r.xmax;
-  }
-  // The value at a bound is the segment formula in its order, as InterpolateOnX gives it.
-  auto c = Curve<TypeParam>(kOrderX);
-  ASSERT_EQ(P::ExtractXRange(c, 0, TypeParam(0.48), 0), 2u);
-  EXPECT_EQ(c[1].y, kAt048.Get<TypeParam>());
-}
-
-// Without width: a falling first point is an upper extreme (reached from below), a rising one a
-// lower; the last point is never a lower extreme; a plateau is not a fall. Width 2 (spans of 1)
-// over y = 1, 5, 2, 4, 3, 6 at x = 0..5, by hand: upper: candidate 0 -> 1 (higher); x3 - x1 = 2
-// > 1 keeps (1, 5); x5 - x3 = 2 keeps (3, 4); the last candidate (5, 6) closes. Lower: x2 - x0
-// = 2 keeps (0, 1); x4 - x2 = 2 keeps (2, 2); the last candidate is (4, 3). Ties do not replace
-// the candidate; a span never closes on equality.
-struct EnvelopeRow {
-  XY curve;
-  unsigned char upper;
-  double width;
-  XY result;
-};
-const XY kBumps = {{0, 1}, {1, 3}, {2, 2}, {3, 4}};
-const XY kSix = {{0, 1}, {1, 5}, {2, 2}, {3, 4}, {4, 3}, {5, 6}};
-const EnvelopeRow kEnvelopes[] = {
-    {kBumps, 1, kMarker, {{1, 3}, {3, 4}}},
-    {kBumps, 0, kMarker, {{0, 1}, {2, 2}}},
-    {{{0, 5}, {1, 1}, {2, 3}}, 1, kMarker, {{0, 5}, {2, 3}}},
-    {{{0, 5}, {1, 1}, {2, 3}}, 0, kMarker, {{1, 1}}},
-    {{{0, 1}}, 1, kMarker, {{0, 1}}},
-    {{{0, 1}}, 0, kMarker, {}},
-    {{}, 1, kMarker, {}},
-    {{{0, 0}, {1, 2}, {2, 2}, {3, 0}}, 1, kMarker, {{2, 2}}},
-    {kSix, 1, 2, {{1, 5}, {3, 4}, {5, 6}}},
-    {kSix, 0, 2, {{0, 1}, {2, 2}, {4, 3}}},
-    {{{0, 1}, {0.5, 1}, {1, 0}}, 1, 2, {{0, 1}}},
-    {{{3, 3}}, 0, 2, {{3, 3}}},
-};
-
-TYPED_TEST(CurveTwins, EnvelopeTable) {
-  using P = ZmPoint2T<TypeParam>;
-  for (const EnvelopeRow& r : kEnvelopes) {
-    const auto c = Curve<TypeParam>(r.curve);
-    WbArrayTempl<P> out{P(9, 9)}, self = c;
-    EXPECT_EQ(P::EvaluateEnvelop(c, r.upper, out, TypeParam(r.width)), r.result.size());
-    EXPECT_EQ(P::EvaluateEnvelop(self, r.upper, self, TypeParam(r.width)), r.result.size());  // in place
-    EXPECT_EQ(Pairs(out), Rounded<TypeParam>(r.result)) << int(r.upper) << " " << r.width;
-    EXPECT_EQ(Pairs(self), Pairs(out));
-  }
-}
-
-// y = 0.5, 3, 1, -1, -3, -0.5, 2.5, 2.5, 1.2, -2, -1 at x = 0..10: min -3, max 3, mid 0, and
-// half amplitude 1.5 either way. The crossings of 0 close segments 2 (1 -> -1), 5 (-0.5 -> 2.5)
-// and 8 (1.2 -> -2). Pieces 0..2, 3..5, 6..8:
-//   upper: 3 at 1 (kept), -0.5 at 5 (no), 2.5 at 6 (kept: earliest of the tie 6, 7)
-//   lower: 0.5 at 0 (no), -3 at 4 (kept), 1.2 at 8 (no)
-// The trough -2 at 9 lies after the last crossing and is not examined. No crossing worth a
-// peak: a constant curve (amplitude 0), a monotone one, an empty one, an all-NaN one. NaN
-// values are left out of the extremes and of the pieces.
-TYPED_TEST(CurveTwins, SinusoidEnvelopeTakesOnePeakPerHalfWave) {
-  using P = ZmPoint2T<TypeParam>;
-  const XY wave = {{0, 0.5}, {1, 3},   {2, 1},   {3, -1}, {4, -3}, {5, -0.5},
-                   {6, 2.5}, {7, 2.5}, {8, 1.2}, {9, -2}, {10, -1}};
-  const struct {
-    XY curve;
-    unsigned char upper;
-    XY peaks;
-    std::vector<int> indices;
-  } rows[] = {{wave, 1, {{1, 3}, {6, 2.5}}, {1, 6}},
-              {wave, 0, {{4, -3}}, {4}},
-              {{{0, 1}, {1, 1}}, 1, {}, {}},
-              {{{0, 0}, {1, 1}, {2, 2}}, 1, {}, {}},
-              {{}, 1, {}, {}},
-              {{{0, kNaN}, {1, kNaN}}, 1, {}, {}},
-              {{{0, kNaN}, {1, 3}, {2, -3}, {3, kNaN}, {4, 3}}, 1, {{1, 3}}, {1}}};
-  for (const auto& r : rows) {
-    const auto c = Curve<TypeParam>(r.curve);
-    WbArrayTempl<P> out{P(9, 9)};
-    WbArrayTempl<int> indices{42};
-    EXPECT_EQ(P::EvaluateSinusoidEnvelop(c, r.upper, out, &indices), r.peaks.size());
-    EXPECT_EQ(Pairs(out), Rounded<TypeParam>(r.peaks));
-    EXPECT_EQ(Values(indices), r.indices);
-    EXPECT_EQ(P::EvaluateSinusoidEnvelop(c, r.upper, out, nullptr), r.peaks.size());
-  }
-}
-
-// A square with a point on an edge, one inside, a duplicate corner (the first one is named) and
-// a NaN point; collinear points give their two ends, equal points one, no point none.
-TYPED_TEST(CurveTwins, ConvexShapeIsCounterClockwiseWithoutCollinearPoints) {
-  using P = ZmPoint2T<TypeParam>;
-  const struct {
-    XY cloud, hull;
-    std::vector<int> indices;
-  } rows[] = {{{{2, 2}, {1, 0}, {0, 0}, {1, 1}, {2, 0}, {0, 2}, {2, 0}, {kNaN, 5}, {1, 2}},
-               {{0, 0}, {2, 0}, {2, 2}, {0, 2}},
-               {2, 4, 0, 5}},
-              {{{2, 2}, {0, 0}, {1, 1}, {3, 3}}, {{0, 0}, {3, 3}}, {1, 3}},
-              {{{4, 5}, {4, 5}}, {{4, 5}}, {0}},
-              {{}, {}, {}},
-              {{{0, 0}, {1, 0}, {0, 1}}, {{0, 0}, {1, 0}, {0, 1}}, {0, 1, 2}}};
-  for (const auto& r : rows) {
-    const auto c = Curve<TypeParam>(r.cloud);
-    WbArrayTempl<P> out, self = c;
-    WbArrayTempl<int> indices{42};
-    EXPECT_EQ(P::EvaluateConvexShape(c, out, &indices), r.hull.size());
-    EXPECT_EQ(Pairs(out), Rounded<TypeParam>(r.hull));
-    EXPECT_EQ(Values(indices), r.indices);
-    EXPECT_EQ(P::EvaluateConvexShape(self, self, nullptr), r.hull.size());  // in place
-    EXPECT_EQ(Pairs(self), Pairs(out));
   }
 }
 
