@@ -26,8 +26,12 @@ const XY kOrderY = {{0.3, 0.1}, {1.1, 0.7}};
 // dividing gives ...669), float 0.8066667318344116 (the other order: 0.8066666722297668).
 const Twin kAt048(0.8066666666666666, 0.8066667318344116f);
 
-// index 99 stands for "left unwritten". Out and back: x = 1 lies in both segments; the first
-// wins unless the search starts later; second segment: 2 + (1 - 2)/(0 - 2)*(4 - 2) = 3.
+// index 99 stands for "left unwritten". An exact hit on a point reached from the previous one
+// names the previous segment; an exact hit on the start point names it. Behind the start, from
+// the last point, beyond the curve or at NaN: the marker and -1. Nothing to search (start out of
+// range, no points): the marker, index unwritten. A NaN point holds nothing, but the exact hit
+// after it is found. Out and back: x = 1 lies in both segments; the first wins unless the
+// search starts later; second segment: 2 + (1 - 2)/(0 - 2)*(4 - 2) = 3.
 struct InterpolationRow {
   const XY* curve;
   std::uint64_t n;
@@ -37,22 +41,28 @@ struct InterpolationRow {
   Twin expected;
   int index;
 };
-const InterpolationRow kInterpolations[] = {
-    {&kLine, 3, false, 1, 0, 10, 0},  // exact hit on point 1 reached from point 0: segment 0
-    {&kLine, 3, false, 1.5, 0, 15, 1},       {&kLine, 3, false, 0, 0, 0, 0},  // exact hit on the start point itself
-    {&kLine, 3, false, 1, 1, 10, 1},         {&kLine, 3, false, 2, 0, 20, 1},
-    {&kLine, 3, false, 3, 0, kMarker, -1},   {&kLine, 3, false, 0.5, 1, kMarker, -1},  // behind the start
-    {&kLine, 3, false, 5, 2, kMarker, -1},                                             // last point, no segment
-    {&kLine, 3, false, 1, 3, kMarker, 99},  // nothing to search: index unwritten
-    {&kLine, 3, false, 1, -1, kMarker, 99},  {&kLine, 0, false, 1, 0, kMarker, 99},
-    {nullptr, 0, false, 1, 0, kMarker, 99},  {&kLine, 3, false, kNaN, 0, kMarker, -1},
-    {&kHoled, 3, false, 1, 0, kMarker, -1},  // a NaN point holds nothing ...
-    {&kHoled, 3, false, 2, 0, 2, 1},         // ... but the exact hit after it is found
-    {&kBack, 3, false, 1, 0, 1, 0},          {&kBack, 3, false, 1, 1, 3, 1},
-    {&kBack, 3, true, 3, 0, 1, 1},           {&kBack, 3, true, 2, 0, 2, 0},  // exact hit on point 1
-    {&kBack, 3, true, 5, 0, kMarker, -1},    {&kOrderX, 2, false, 0.48, 0, kAt048, 0},
-    {&kOrderY, 2, true, 0.48, 0, kAt048, 0},
-};
+const InterpolationRow kInterpolations[] = {{&kLine, 3, false, 1, 0, 10, 0},
+                                            {&kLine, 3, false, 1.5, 0, 15, 1},
+                                            {&kLine, 3, false, 0, 0, 0, 0},
+                                            {&kLine, 3, false, 1, 1, 10, 1},
+                                            {&kLine, 3, false, 2, 0, 20, 1},
+                                            {&kLine, 3, false, 3, 0, kMarker, -1},
+                                            {&kLine, 3, false, 0.5, 1, kMarker, -1},
+                                            {&kLine, 3, false, 5, 2, kMarker, -1},
+                                            {&kLine, 3, false, 1, 3, kMarker, 99},
+                                            {&kLine, 3, false, 1, -1, kMarker, 99},
+                                            {&kLine, 0, false, 1, 0, kMarker, 99},
+                                            {nullptr, 0, false, 1, 0, kMarker, 99},
+                                            {&kLine, 3, false, kNaN, 0, kMarker, -1},
+                                            {&kHoled, 3, false, 1, 0, kMarker, -1},
+                                            {&kHoled, 3, false, 2, 0, 2, 1},
+                                            {&kBack, 3, false, 1, 0, 1, 0},
+                                            {&kBack, 3, false, 1, 1, 3, 1},
+                                            {&kBack, 3, true, 3, 0, 1, 1},
+                                            {&kBack, 3, true, 2, 0, 2, 0},
+                                            {&kBack, 3, true, 5, 0, kMarker, -1},
+                                            {&kOrderX, 2, false, 0.48, 0, kAt048, 0},
+                                            {&kOrderY, 2, true, 0.48, 0, kAt048, 0}};
 
 TYPED_TEST(CurveTwins, InterpolationTable) {
   using P = ZmPoint2T<TypeParam>;
@@ -69,32 +79,13 @@ TYPED_TEST(CurveTwins, InterpolationTable) {
   }
 }
 
-// A crossing on a point is found as the end of one segment and again as the next start; on a
-// level run every point is an exact hit on its own start and is reported once.
-TYPED_TEST(CurveTwins, AllCrossingsOfALevel) {
-  using T = TypeParam;
-  const XY wave = {{0, 0}, {1, 2}, {2, 0}, {3, 2}}, peak = {{0, 0}, {1, 1}, {2, 0}}, flat = {{0, 1}, {1, 1}, {2, 1}};
-  const struct {
-    const XY* curve;
-    double level;
-    std::vector<T> xs;
-  } rows[] = {{&wave, 1, {T(0.5), T(1.5), T(2.5)}},
-              {&peak, 1, {1, 1}},
-              {&peak, 5, {}},
-              {nullptr, 1, {}},
-              {&flat, 1, {0, 1, 2}}};
-  for (const auto& r : rows) {
-    WbArrayTempl<T> xs{T(42)};
-    const auto c = r.curve ? Curve<T>(*r.curve) : WbArrayTempl<ZmPoint2T<T>>();
-    EXPECT_EQ(ZmPoint2T<T>::InterpolateOnYn(r.curve ? c.GetData() : nullptr, c.GetSize(), T(r.level), xs), r.xs.size());
-    EXPECT_EQ(Values(xs), r.xs) << "level " << r.level;
-  }
-}
-
 // The statics that turn a curve into a curve (or a point set into its hull), one row each:
 // the input, the operation's arguments a, b, c, the points it gives and, for the sinusoid
 // envelope and the hull, their indices. Every row but the sinusoid's also runs in place.
 //
+// InterpolateOnYn (a level; the crossings as points (x, level)): a crossing on a point is found
+// as the end of one segment and again as the next start; on a level run every point is an exact
+// hit on its own start and is reported once.
 // SampleX (a step, b startX): from max(startX, x0); a NaN startX counts as not given. One point
 // is its own sample; on a decreasing run x0 is the largest abscissa. Out, back and out again (by
 // hand): 2 is an exact hit on point 1; 2.5 is beyond the first segment, not on the way back
@@ -121,7 +112,7 @@ TYPED_TEST(CurveTwins, AllCrossingsOfALevel) {
 // monotone, an empty or an all-NaN one; NaN values take no part in the extremes or the pieces.
 // EvaluateConvexShape: a square with a point on an edge, one inside, a duplicate corner (the
 // first is named) and a NaN point; collinear points give their two ends, equal points one.
-enum Op { kSample, kExtrapolate, kRange, kEnvelope, kSinusoid, kHull };
+enum Op { kCrossings, kSample, kExtrapolate, kRange, kEnvelope, kSinusoid, kHull };
 struct CurveRow {
   Op op;
   XY curve;
@@ -135,6 +126,11 @@ const XY kBumps = {{0, 1}, {1, 3}, {2, 2}, {3, 4}}, kSix = {{0, 1}, {1, 5}, {2, 
 const XY kWave = {{0, 0.5}, {1, 3},   {2, 1},   {3, -1}, {4, -3}, {5, -0.5},
                   {6, 2.5}, {7, 2.5}, {8, 1.2}, {9, -2}, {10, -1}};
 const CurveRow kCurveRows[] = {
+    {kCrossings, {{0, 0}, {1, 2}, {2, 0}, {3, 2}}, 1, 0, 0, {{0.5, 1}, {1.5, 1}, {2.5, 1}}},
+    {kCrossings, {{0, 0}, {1, 1}, {2, 0}}, 1, 0, 0, {{1, 1}, {1, 1}}},
+    {kCrossings, {{0, 0}, {1, 1}, {2, 0}}, 5, 0, 0, {}},
+    {kCrossings, {}, 1, 0, 0, {}},
+    {kCrossings, {{0, 1}, {1, 1}, {2, 1}}, 1, 0, 0, {{0, 1}, {1, 1}, {2, 1}}},
     {kSample, kLine, 0.5, kMarker, 0, kLineSamples},
     {kSample, kLine, 0.5, 0.25, 0, {{0.25, 2.5}, {0.75, 7.5}, {1.25, 12.5}, {1.75, 17.5}}},
     {kSample, kLine, 0.5, -4, 0, kLineSamples},
@@ -201,8 +197,7 @@ const CurveRow kCurveRows[] = {
     {kHull, {{2, 2}, {0, 0}, {1, 1}, {3, 3}}, 0, 0, 0, {{0, 0}, {3, 3}}, {1, 3}},
     {kHull, {{4, 5}, {4, 5}}, 0, 0, 0, {{4, 5}}, {0}},
     {kHull, {}, 0, 0, 0, {}, {}},
-    {kHull, {{0, 0}, {1, 0}, {0, 1}}, 0, 0, 0, {{0, 0}, {1, 0}, {0, 1}}, {0, 1, 2}},
-};
+    {kHull, {{0, 0}, {1, 0}, {0, 1}}, 0, 0, 0, {{0, 0}, {1, 0}, {0, 1}}, {0, 1, 2}}};
 
 // The row's operation on in; returns the count of points it leaves in out.
 template <class T>
@@ -211,6 +206,13 @@ std::uint64_t Apply(const CurveRow& r, const WbArrayTempl<ZmPoint2T<T>>& in, WbA
   using P = ZmPoint2T<T>;
   const T a = T(r.a), b = T(r.b), c = T(r.c);
   switch (r.op) {
+    case kCrossings: {
+      WbArrayTempl<T> xs{T(42)};
+      P::InterpolateOnYn(in.GetSize() ? in.GetData() : nullptr, in.GetSize(), a, xs);
+      out.RemoveAll();
+      for (const T x : xs) out.Add(P(x, a));
+      return xs.GetSize();
+    }
     case kSample:
       return P::SampleX(in.GetSize() ? in.GetData() : nullptr, in.GetSize(), a, out, b);
     case kExtrapolate:
