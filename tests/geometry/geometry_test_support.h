@@ -17,8 +17,8 @@ using Scalars = ::testing::Types<double, float>;
 template <class T>
 constexpr bool kIsFloat = sizeof(T) == sizeof(float);
 
-// An expected value per twin: one number rounded to float for the float twin, or two numbers
-// where the twins compute different bits.
+// An expected value per twin: one number (rounded to float for the float twin), or two where
+// the twins compute different bits.
 struct Twin {
   double d;
   float f;
@@ -39,20 +39,17 @@ WbArrayTempl<ZmPoint2T<T>> Curve(const XY& xy) {
   return c;
 }
 
-// The points as (x, y) pairs, for comparing whole curves in one check.
+// The points as (x, y) pairs, for comparing whole curves in one check, and expected pairs
+// rounded to the twin's precision.
 template <class T>
 XY Pairs(const WbArrayTempl<ZmPoint2T<T>>& c) {
   XY v;
   for (const auto& p : c) v.emplace_back(p.x, p.y);
   return v;
 }
-
-// The expected pairs rounded to the twin's precision.
 template <class T>
 XY Rounded(const XY& xy) {
-  XY v;
-  for (const auto& p : xy) v.emplace_back(T(p.first), T(p.second));
-  return v;
+  return Pairs(Curve<T>(xy));
 }
 
 template <class T>

