@@ -179,6 +179,7 @@ const CurveRow kCurveRows[] = {
     {kEnvelope, kSix, 1, 2, 0, {{1, 5}, {3, 4}, {5, 6}}},
     {kEnvelope, kSix, 0, 2, 0, {{0, 1}, {2, 2}, {4, 3}}},
     {kEnvelope, {{0, 1}, {0.5, 1}, {1, 0}}, 1, 2, 0, {{0, 1}}},
+    {kEnvelope, {{0, 1}, {0.5, 1}, {1, 2}}, 0, 2, 0, {{0, 1}}},
     {kEnvelope, {{3, 3}}, 0, 2, 0, {{3, 3}}},
     {kSinusoid, kWave, 1, 0, 0, {{1, 3}, {6, 2.5}}, {1, 6}},
     {kSinusoid, kWave, 0, 0, 0, {{4, -3}}, {4}},

@@ -155,6 +155,9 @@ TYPED_TEST(QuaternionTwins, EqualsInverseNormaliseAndSlerp) {
   EXPECT_LE(Off(Q::Slerp(T(0.5), Q::IDENTITY, -quarter, 0), {0.3826834323650898, 0, 0, -0.9238795325112867}), tol);
   EXPECT_EQ(Q::Slerp(T(1), Q::IDENTITY, quarter).Equals(quarter, Radian<T>(tol)), 1);
   EXPECT_EQ(Q::Slerp(T(0.3), quarter, quarter).Equals(quarter, Radian<T>(tol)), 1);
+  // Rotations less than 2e-6 rad apart are blended linearly, and the end is still the input.
+  const Q tiny(std::cos(T(5e-7)), 0, 0, std::sin(T(5e-7)));
+  EXPECT_LE(Off(Q::Slerp(T(1), Q::IDENTITY, tiny), {std::cos(5e-7), 0, 0, std::sin(5e-7)}), tol);
 }
 
 }  // namespace

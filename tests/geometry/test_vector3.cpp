@@ -122,13 +122,17 @@ TEST(Vector3, DirectionGridCountsCellsAndNeighbours) {
   EXPECT_NEAR(ZmVector3d(first - ZmVector3d(-0.5, -0.5, -std::sqrt(0.5))).length(), 0.0, 1e-15);
   EXPECT_EQ(ZmVector3d::GetIndexedNormal(90.0, 8), ZmNonValV3d);
   EXPECT_EQ(ZmVector3d::GetIndexedNormal(0.0, 0), ZmNonValV3d);
-  // Neighbours wrap around both ways. Step 30: 6 rows x 12 columns, cell 29 is row 2, column 5.
+  // Neighbours wrap around both ways (step 90, cell 3 is the last column of row 0: the next
+  // column is 0). Step 30: 6 rows x 12 columns, cell 29 is row 2, column 5.
   const struct {
     double step;
     int index;
     Ints neighbours;  // empty: refused
-  } rows[] = {
-      {90, 0, {4, 4, 7, 3, 7, 5, 1, 5}}, {30, 29, {17, 41, 16, 28, 40, 18, 30, 42}}, {30, 72, {}}, {30, -1, {}}};
+  } rows[] = {{90, 0, {4, 4, 7, 3, 7, 5, 1, 5}},
+              {90, 3, {7, 7, 6, 2, 6, 4, 0, 4}},
+              {30, 29, {17, 41, 16, 28, 40, 18, 30, 42}},
+              {30, 72, {}},
+              {30, -1, {}}};
   for (const auto& r : rows) {
     int out[8] = {};
     ASSERT_EQ(ZmVector3d::GetNormalNeighbourIndexes(r.step, r.index, out), r.neighbours.empty() ? 0 : 1);
