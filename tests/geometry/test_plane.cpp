@@ -1,78 +1,67 @@
 // Planes: normalisation with its success flag, projection, intersections, the text form.
-#include <gtest/gtest.h>
-
-#include <zemcalc/zemcalc.h>
+#include "geometry_test_support.h"
 
 namespace {
 
+// float(1e-6) is not above the float threshold 1.0e-6: refused, the normal falls back to Z.
 TEST(Plane, ConstructorsNormaliseOrFallBackToZ) {
-  unsigned char ok = 9;
-  const ZmPlaned p(ZmPoint3d(1, 2, 3), ZmVector3d(0, 3, 4), ok);
-  EXPECT_EQ(ok, 1);
-  EXPECT_EQ(p.GetNormal(), ZmVector3d(0, 0.6, 0.8));
-  EXPECT_EQ(p.GetPointOnPlane(), ZmPoint3d(1, 2, 3));
-  // float(1e-6) is not above the float threshold: refused.
-  const ZmPlaned tiny(ZmPoint3d(), ZmVector3d(1e-6, 0, 0), ok);
-  EXPECT_EQ(ok, 0);
-  EXPECT_EQ(tiny.GetNormal(), ZmVector3d(0, 0, 1));
-  const ZmPlaned small(ZmPoint3d(), ZmVector3d(2e-6, 0, 0), ok);
-  EXPECT_EQ(ok, 1);
-  EXPECT_EQ(small.GetNormal(), ZmVector3d(1, 0, 0));
-  const ZmPlaned collinear(ZmPoint3d(0, 0, 0), ZmPoint3d(1, 1, 1), ZmPoint3d(2, 2, 2), ok);
-  EXPECT_EQ(ok, 0);
-  const ZmPlaned three(ZmPoint3d(0, 0, 2), ZmPoint3d(1, 0, 2), ZmPoint3d(0, 1, 2), ok);
-  EXPECT_EQ(ok, 1);
-  EXPECT_EQ(three.GetNormal(), ZmVector3d(0, 0, 1));
-  EXPECT_EQ(three.IsValid(), 1);
+  const struct {
+    ZmPoint3d a, b, c;  // c invalid: b is the normal
+    int ok;
+    ZmVector3d normal;
+  } rows[] = {{ZmPoint3d(1, 2, 3), ZmPoint3d(0, 3, 4), ZmNonValP3d, 1, ZmVector3d(0, 0.6, 0.8)},
+              {ZmPoint3d(), ZmPoint3d(1e-6, 0, 0), ZmNonValP3d, 0, ZmVector3d(0, 0, 1)},
+              {ZmPoint3d(), ZmPoint3d(2e-6, 0, 0), ZmNonValP3d, 1, ZmVector3d(1, 0, 0)},
+              {ZmPoint3d(0, 0, 0), ZmPoint3d(1, 1, 1), ZmPoint3d(2, 2, 2), 0, ZmVector3d(0, 0, 1)},
+              {ZmPoint3d(0, 0, 2), ZmPoint3d(1, 0, 2), ZmPoint3d(0, 1, 2), 1, ZmVector3d(0, 0, 1)}};
+  for (const auto& r : rows) {
+    unsigned char ok = 9;
+    const ZmPlaned p = r.c.IsValid() ? ZmPlaned(r.a, r.b, r.c, ok) : ZmPlaned(r.a, ZmVector3d(r.b), ok);
+    EXPECT_EQ(ok, r.ok) << r.b.x;
+    EXPECT_TRUE(p.GetNormal() == r.normal && p.GetPointOnPlane() == r.a && p.IsValid()) << r.b.x;
+  }
 }
 
-TEST(Plane, ProjectionAndDistanceRoundedToFloat) {
+TEST(Plane, ProjectionDistanceAndIntersections) {
   unsigned char ok = 0;
-  const ZmPlaned ground(ZmPoint3d(5, 5, 0), ZmVector3d(0, 0, 1), ok);
+  const ZmPlaned ground(ZmPoint3d(5, 5, 0), ZmVector3d(0, 0, 1), ok),
+      plane(ZmPoint3d(0, 0, 1), ZmVector3d(0, 0, 1), ok);
   EXPECT_EQ(ground.ProjectPoint(ZmPoint3d(1, 2, 0.1)), ZmPoint3d(1, 2, 0));
-  EXPECT_EQ(ZmPoint3d(1, 2, 0.1).DistanceToPlane(ground), 0.10000000149011612);  // float(0.1)
+  EXPECT_EQ(ground.ProjectPoint(ZmNonValP3d), ZmNonValP3d);
+  EXPECT_EQ(ZmPoint3d(1, 2, 0.1).DistanceToPlane(ground), 0.10000000149011612);  // rounded to float
   EXPECT_EQ(ZmPoint3d(1, 2, -3).DistanceToPlane(ground), 3.0);
   EXPECT_EQ(ground.SignedDistance(ZmPoint3d(1, 2, -3)), -3.0);
-  EXPECT_EQ(ground.ProjectPoint(ZmNonValP3d), ZmNonValP3d);
-}
 
-TEST(Plane, IntersectionWithALine) {
-  unsigned char ok = 0;
-  const ZmPlaned plane(ZmPoint3d(0, 0, 1), ZmVector3d(0, 0, 1), ok);
+  // |normal . dir| = 0.5 equal to tol still intersects; a larger tol refuses.
   ZmPoint3d hit;
   ASSERT_EQ(plane.IntersectWithLine(ZmPoint3d(1, 1, 5), ZmVector3d(0, 1, -2), hit, 1e-6), 1);
   EXPECT_EQ(hit, ZmPoint3d(1, 3, 1));
-  // |normal . dir| = 0.5 equal to tol still intersects; a larger tol refuses.
   ASSERT_EQ(plane.IntersectWithLine(ZmPoint3d(0, 0, 0), ZmVector3d(0, 1, 0.5), hit, 0.5), 1);
   EXPECT_EQ(hit, ZmPoint3d(0, 2, 1));
   EXPECT_EQ(plane.IntersectWithLine(ZmPoint3d(0, 0, 0), ZmVector3d(0, 1, 0.5), hit, 0.6), 0);
   EXPECT_EQ(hit, ZmNonValP3d);
-}
 
-TEST(Plane, IntersectionWithAPlane) {
-  unsigned char ok = 0;
-  const ZmPlaned floor(ZmPoint3d(7, 3, 0), ZmVector3d(0, 0, 1), ok);
-  const ZmPlaned wall(ZmPoint3d(1, 9, 4), ZmVector3d(1, 0, 0), ok);
+  // The floor z = 0 meets the wall x = 1 along Y, through (1, 0, 0), the point nearest the origin.
+  const ZmPlaned wall(ZmPoint3d(1, 9, 4), ZmVector3d(1, 0, 0), ok),
+      parallel(ZmPoint3d(0, 0, 5), ZmVector3d(0, 0, -1), ok);
   ZmPoint3d point;
   ZmVector3d direction;
-  ASSERT_EQ(floor.IntersectWithPlane(wall, point, direction), 1);
-  EXPECT_EQ(point, ZmPoint3d(1, 0, 0));  // the point of the line x = 1, z = 0 nearest the origin
-  EXPECT_EQ(direction, ZmVector3d(0, 1, 0));
-  const ZmPlaned parallel(ZmPoint3d(0, 0, 5), ZmVector3d(0, 0, -1), ok);
-  EXPECT_EQ(floor.IntersectWithPlane(parallel, point, direction), 0);
-  EXPECT_EQ(point, ZmNonValP3d);
-  EXPECT_EQ(direction, ZmNonValV3d);
+  ASSERT_EQ(ground.IntersectWithPlane(wall, point, direction), 1);
+  EXPECT_TRUE(point == ZmPoint3d(1, 0, 0) && direction == ZmVector3d(0, 1, 0));
+  EXPECT_EQ(ground.IntersectWithPlane(parallel, point, direction), 0);
+  EXPECT_TRUE(point == ZmNonValP3d && direction == ZmNonValV3d);
 }
 
-TEST(Plane, LimitBandAndAxisPoint) {
+// The default plane is z = 0 through the origin, without band (every point in it) or X point.
+TEST(Plane, DefaultPlaneLimitBandAndAxisPoint) {
   ZmPlanef plane;
   float low = 0, high = 0;
+  EXPECT_TRUE(plane.GetPointOnPlane() == ZmPoint3f(0, 0, 0) && plane.GetXAxisPoint() == ZmNonValP3f);
   EXPECT_EQ(plane.GetLimitBand(low, high), 0);
   EXPECT_EQ(plane.IsInLimitBand(ZmPoint3f(0, 0, 100)), 1);
   plane.SetLimitBand(-1.0f, 2.0f);
   EXPECT_EQ(plane.IsInLimitBand(ZmPoint3f(0, 0, 2)), 1);
   EXPECT_EQ(plane.IsInLimitBand(ZmPoint3f(0, 0, -1.5f)), 0);
-  EXPECT_EQ(plane.GetXAxisPoint(), ZmNonValP3f);
   EXPECT_EQ(plane.SetNormal(ZmVector3f(0, 0, 0)), 0);
   EXPECT_EQ(plane.GetNormal(), ZmVector3f(0, 0, 1));
 }

@@ -1,215 +1,178 @@
 // 3D vectors: norms and normalisation, the angular predicates, rotation and the direction grid.
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 
-#include <zemcalc/zemcalc.h>
+#include "geometry_test_support.h"
 
 namespace {
 
+using namespace geomtest;
+
 template <class T>
 class Vector3Twins : public ::testing::Test {};
-using Scalars = ::testing::Types<double, float>;
 TYPED_TEST_SUITE(Vector3Twins, Scalars);
 
-TEST(Vector3, UnitizeDividesInDoubleAndMultipliesByTheReciprocalInFloat) {
-  // (1, 1, 5): x / |v| and x * (1 / |v|) differ in the last bit of z in double.
-  ZmVector3d d(1, 1, 5);
-  ASSERT_EQ(d.unitize(0.0), 1);
-  EXPECT_EQ(d.z, 0.9622504486493763);  // 5 / sqrt(27)
-  // (1, 1, 3) in float: 3 * (1 / sqrt(11)) = 0.9045340418815613, 3 / sqrt(11) = 0.9045339822769165.
-  ZmVector3f f(1, 1, 3);
-  ASSERT_EQ(f.unitize(0.0f), 1);
-  EXPECT_EQ(f.z, 0.9045340418815613f);
-}
+using Ints = std::vector<int>;
 
-TEST(Vector3, UnitizeAndSetLengthRefuseShortOrInvalidVectors) {
-  ZmVector3d v(3, 4, 0);
-  EXPECT_EQ(v.unitize(5.0), 0);  // the length must exceed |tol| strictly
-  EXPECT_EQ(v.unitize(-5.0), 0);
-  EXPECT_EQ(v, ZmVector3d(3, 4, 0));
-  EXPECT_EQ(v.unitize(-4.999), 1);
-  EXPECT_EQ(v, ZmVector3d(0.6, 0.8, 0));
-  ZmVector3d invalid = ZmNonValV3d;
-  EXPECT_EQ(invalid.unitize(0.0), 0);
-  EXPECT_EQ(invalid, ZmNonValV3d);
-  ZmVector3d zero;
-  EXPECT_EQ(zero.setLength(2.0), 0);
-  ZmVector3d w(0, 3, 4);
-  EXPECT_EQ(w.setLength(10.0), 1);
-  EXPECT_EQ(w, ZmVector3d(0, 6, 8));
+TEST(Vector3, UnitizeSetLengthAndTheNullTest) {
+  // Double divides by the length, float multiplies by its reciprocal: 5 / sqrt(27) in double;
+  // in float 3 * (1 / sqrt(11)) = 0.9045340418815613, where 3 / sqrt(11) = 0.9045339822769165.
+  ZmVector3d d(1, 1, 5);
+  ZmVector3f f(1, 1, 3);
+  ASSERT_EQ(d.unitize(0.0) + f.unitize(0.0f), 2);
+  EXPECT_EQ(d.z, 0.9622504486493763);
+  EXPECT_EQ(f.z, 0.9045340418815613f);
+  // The length must exceed |tol| strictly; a refused vector is left alone.
+  ZmVector3d v(3, 4, 0), invalid = ZmNonValV3d, zero, w(0, 3, 4);
+  EXPECT_EQ((Ints{v.unitize(5.0), v.unitize(-5.0), invalid.unitize(0.0), zero.setLength(2.0)}), (Ints{0, 0, 0, 0}));
+  EXPECT_TRUE(v == ZmVector3d(3, 4, 0) && invalid == ZmNonValV3d);
+  EXPECT_EQ(v.unitize(-4.999) + w.setLength(10.0), 2);
+  EXPECT_TRUE(v == ZmVector3d(0.6, 0.8, 0) && w == ZmVector3d(0, 6, 8));
   EXPECT_EQ(ZmVector3d(0, 0, 0).GetDirection(), ZmNonValV3d);
   EXPECT_EQ(ZmVector3d(0, 0, -2).GetDirection(), ZmVector3d(0, 0, -1));
+  // The length is rounded to float before the comparison: 1e-300 rounds to 0, and
+  // float(1e-6) = 9.999999974752427e-07 <= 1e-6.
+  EXPECT_EQ(
+      (Ints{ZmVector3d(0, 0, 0).isNull(0.0), ZmVector3d(1e-300, 0, 0).isNull(0.0), ZmVector3d(1e-30, 0, 0).isNull(0.0),
+            ZmVector3d(1e-6, 0, 0).isNull(1e-6), ZmVector3d(1e-6, 0, 0).isNull(9.99e-7)}),
+      (Ints{1, 1, 0, 1, 0}));
 }
 
-TEST(Vector3, NullTestComparesWithTheLengthRoundedToFloat) {
-  EXPECT_EQ(ZmVector3d(0, 0, 0).isNull(0.0), 1);
-  EXPECT_EQ(ZmVector3d(1e-300, 0, 0).isNull(0.0), 1);  // rounds to float 0
-  EXPECT_EQ(ZmVector3d(1e-30, 0, 0).isNull(0.0), 0);
-  // float(1e-6) = 9.999999974752427e-07 <= 1e-6
-  EXPECT_EQ(ZmVector3d(1e-6, 0, 0).isNull(1e-6), 1);
-  EXPECT_EQ(ZmVector3d(1e-6, 0, 0).isNull(9.99e-7), 0);
+// The main direction is -1 when all three magnitudes tie; otherwise ties go to the later axis.
+// Aligned axes: 0.01 off the y axis is 0.57 degrees, 0.1 off is 5.7.
+TEST(Vector3, MainDirectionAndAlignedAxis) {
+  const ZmVector3d main[] = {{1, 1, 1}, {2, 2, 1}, {1, 0, 1}, {-3, 1, 2}, {1, -2, 2}};
+  Ints got;
+  for (const ZmVector3d& v : main) got.push_back(v.GetMainDirection());
+  EXPECT_EQ(got, (Ints{-1, 1, 2, 0, 2}));
+  EXPECT_EQ((Ints{ZmVector3d(0, 0, 1).GetAlignedAxis(1, 1.0), ZmVector3d(0, 0, -1).GetAlignedAxis(1, 1.0),
+                  ZmVector3d(0, 0, -1).GetAlignedAxis(0, 1.0), ZmVector3d(0.01, 1, 0).GetAlignedAxis(1, 1.0),
+                  ZmVector3d(0.1, 1, 0).GetAlignedAxis(1, 1.0), ZmVector3d(1, 1, 0).GetAlignedAxis(0, 10.0),
+                  ZmVector3d(0, 0, 0).GetAlignedAxis(0, 10.0)}),
+            (Ints{2, -1, 2, 1, -1, -1, -1}));
 }
 
-TEST(Vector3, AlgebraAndMainDirection) {
-  const ZmVector3d a(1, 2, 2), b(0, 1, 0);
-  EXPECT_EQ(a.length(), 3.0);
-  EXPECT_EQ(a.lengthSquared(), 9.0);
-  EXPECT_EQ(a.dot(b), 2.0);
-  EXPECT_EQ(ZmVector3d(1, 0, 0).cross(b), ZmVector3d(0, 0, 1));
-  ZmVector3d out;
-  b.cross(ZmVector3d(1, 0, 0), out);
-  EXPECT_EQ(out, ZmVector3d(0, 0, -1));
-  ZmVector3d c(1, 2, 3);
-  c.negate();
-  c.scaleZ(2);
-  EXPECT_EQ(c, ZmVector3d(-1, -2, -6));
-
-  EXPECT_EQ(ZmVector3d(1, 1, 1).GetMainDirection(), -1);
-  EXPECT_EQ(ZmVector3d(2, 2, 1).GetMainDirection(), 1);  // ties go to the later axis
-  EXPECT_EQ(ZmVector3d(1, 0, 1).GetMainDirection(), 2);
-  EXPECT_EQ(ZmVector3d(-3, 1, 2).GetMainDirection(), 0);
-  EXPECT_EQ(ZmVector3d(1, -2, 2).GetMainDirection(), 2);
-}
-
+// Parallel: opposite counts; angleOut gets min(a, 180 - a); without a tolerance |cross| rounded
+// to float is compared with 1.0e-6 and angleOut is untouched.
 TYPED_TEST(Vector3Twins, ParallelTest) {
   using V = ZmVector3T<TypeParam>;
-  TypeParam angle = -1;
-  EXPECT_EQ(V(1, 0, 0).IsParallelTo(V(-2, 0, 0), TypeParam(1), &angle), 1);  // opposite counts
-  EXPECT_EQ(angle, TypeParam(0));
-  EXPECT_EQ(V(0, 0, 0).IsParallelTo(V(1, 0, 0), TypeParam(90)), 0);
-  EXPECT_EQ(V(1, 0, 0).IsParallelTo(V(0, 0, 0)), 0);
-  // 45 degrees apart: not parallel within 44, parallel within 46; angleOut gets min(a, 180 - a).
-  EXPECT_EQ(V(1, 0, 0).IsParallelTo(V(1, 1, 0), TypeParam(44), &angle), 0);
-  EXPECT_NEAR(angle, 45.0, 1e-4);
-  EXPECT_EQ(V(1, 0, 0).IsParallelTo(V(-1, 1, 0), TypeParam(46), &angle), 1);
-  EXPECT_NEAR(angle, 45.0, 1e-4);
-  // Without a tolerance: |cross| rounded to float against 1.0e-6; angleOut untouched.
-  angle = 7;
-  EXPECT_EQ(V(1, 0, 0).IsParallelTo(V(2, 0, TypeParam(1e-7)), zm::Invalid<TypeParam>(), &angle), 1);
-  EXPECT_EQ(angle, TypeParam(7));
-  EXPECT_EQ(V(1, 0, 0).IsParallelTo(V(1, 0, TypeParam(1e-5))), 0);
+  const TypeParam none = zm::Invalid<TypeParam>();
+  const struct {
+    V a, b;
+    TypeParam tol;
+    int parallel;
+    double angle;  // 7: untouched
+  } rows[] = {{V(1, 0, 0), V(-2, 0, 0), 1, 1, 0},
+              {V(0, 0, 0), V(1, 0, 0), 90, 0, 7},
+              {V(1, 0, 0), V(0, 0, 0), none, 0, 7},
+              {V(1, 0, 0), V(1, 1, 0), 44, 0, 45},
+              {V(1, 0, 0), V(-1, 1, 0), 46, 1, 45},
+              {V(1, 0, 0), V(2, 0, TypeParam(1e-7)), none, 1, 7},
+              {V(1, 0, 0), V(1, 0, TypeParam(1e-5)), none, 0, 7}};
+  for (const auto& r : rows) {
+    TypeParam angle = 7;
+    EXPECT_EQ(r.a.IsParallelTo(r.b, r.tol, &angle), r.parallel) << r.b.x << " " << r.b.y << " " << r.b.z;
+    EXPECT_NEAR(angle, r.angle, 1e-4);
+  }
 }
 
+// Without a tolerance |dot| must be below float(1e-6) = 9.999999974752427e-07, strictly.
 TEST(Vector3, OrthogonalTestUsesTheWidenedFloatThreshold) {
   const ZmVector3d x(1, 0, 0);
-  EXPECT_EQ(x.IsOrthogonalTo(ZmVector3d(0, 1, 0)), 1);
-  // |dot| must be below float(1e-6) = 9.999999974752427e-07, strictly.
-  EXPECT_EQ(x.IsOrthogonalTo(ZmVector3d(9.999999974752427e-07, 1, 0)), 0);
-  EXPECT_EQ(x.IsOrthogonalTo(ZmVector3d(9.99999998e-07, 1, 0)), 0);  // below 1e-6, above the float
-  EXPECT_EQ(x.IsOrthogonalTo(ZmVector3d(9.9999999e-07, 1, 0)), 1);
+  EXPECT_EQ((Ints{x.IsOrthogonalTo(ZmVector3d(0, 1, 0)), x.IsOrthogonalTo(ZmVector3d(9.999999974752427e-07, 1, 0)),
+                  x.IsOrthogonalTo(ZmVector3d(9.99999998e-07, 1, 0)), x.IsOrthogonalTo(ZmVector3d(9.9999999e-07, 1, 0)),
+                  x.IsOrthogonalTo(ZmVector3d(1, 1, 0), 44.0), x.IsOrthogonalTo(ZmVector3d(0, 1e-7, 0))}),
+            (Ints{1, 0, 0, 1, 0, 0}));
   double offset = -1;
   EXPECT_EQ(x.IsOrthogonalTo(ZmVector3d(1, 1, 0), 46.0, &offset), 1);
   EXPECT_NEAR(offset, 45.0, 1e-12);
-  EXPECT_EQ(x.IsOrthogonalTo(ZmVector3d(1, 1, 0), 44.0), 0);
-  EXPECT_EQ(x.IsOrthogonalTo(ZmVector3d(0, 1e-7, 0)), 0);  // too short to test
-}
-
-TEST(Vector3, AlignedAxis) {
-  EXPECT_EQ(ZmVector3d(0, 0, 1).GetAlignedAxis(1, 1.0), 2);
-  EXPECT_EQ(ZmVector3d(0, 0, -1).GetAlignedAxis(1, 1.0), -1);
-  EXPECT_EQ(ZmVector3d(0, 0, -1).GetAlignedAxis(0, 1.0), 2);
-  EXPECT_EQ(ZmVector3d(0.01, 1, 0).GetAlignedAxis(1, 1.0), 1);  // 0.57 degrees off the y axis
-  EXPECT_EQ(ZmVector3d(0.1, 1, 0).GetAlignedAxis(1, 1.0), -1);  // 5.7 degrees off
-  EXPECT_EQ(ZmVector3d(1, 1, 0).GetAlignedAxis(0, 10.0), -1);
-  EXPECT_EQ(ZmVector3d(0, 0, 0).GetAlignedAxis(0, 10.0), -1);
 }
 
 TEST(Vector3, RotationToATargetAndAboutAnAxis) {
   ZmVector3d axis;
   EXPECT_NEAR(ZmVector3d(2, 0, 0).GetRotationTo(ZmVector3d(0, 3, 0), axis), 90.0, 1e-12);
   EXPECT_EQ(axis, ZmVector3d(0, 0, 1));
+  // Opposite vectors: any unit axis perpendicular to them.
   EXPECT_NEAR(ZmVector3d(1, 0, 0).GetRotationTo(ZmVector3d(-1, 0, 0), axis), 180.0, 1e-12);
   EXPECT_NEAR(axis.length(), 1.0, 1e-15);
   EXPECT_EQ(axis.dot(ZmVector3d(1, 0, 0)), 0.0);
-  EXPECT_EQ(ZmVector3d(0, 0, 0).GetRotationTo(ZmVector3d(1, 0, 0), axis), -1.0000000331813535e+32);
+  EXPECT_EQ(ZmVector3d(0, 0, 0).GetRotationTo(ZmVector3d(1, 0, 0), axis), kMarker);
   EXPECT_EQ(axis, ZmNonValV3d);
 
   // A quarter turn of x about z: (cos(pi/2), 1, 0) with cos(pi/2) = 6.123233995736766e-17.
-  ZmVector3d v(1, 0, 0);
+  ZmVector3d v(1, 0, 0), w(1, 2, 3);
   ASSERT_EQ(v.Rotate(ZmVector3d(0, 0, 5), 90.0), 1);
-  EXPECT_EQ(v.x, std::cos(90.0 * 0.017453292519943295));
-  EXPECT_EQ(v.y, 1.0);
-  EXPECT_EQ(v.z, 0.0);
-  ZmVector3d w(1, 2, 3);
+  EXPECT_EQ(v, ZmVector3d(6.123233995736766e-17, 1, 0));
   EXPECT_EQ(w.Rotate(ZmVector3d(0, 0, 0), 45.0), 0);
   EXPECT_EQ(w, ZmVector3d(1, 2, 3));
   // A third of a turn about the diagonal permutes the axes.
   ZmVector3f p(1, 0, 0);
   ASSERT_EQ(p.Rotate(ZmVector3f(1, 1, 1), 120.0f), 1);
-  EXPECT_NEAR(p.x, 0.0f, 1e-6f);
-  EXPECT_NEAR(p.y, 1.0f, 1e-6f);
-  EXPECT_NEAR(p.z, 0.0f, 1e-6f);
+  EXPECT_NEAR(ZmVector3f(p - ZmVector3f(0, 1, 0)).length(), 0.0f, 2e-6f);
 }
 
-TEST(Vector3, DirectionGridCountsAndCells) {
-  EXPECT_EQ(ZmVector3d::GetIndexedNormalsCount(7.0), 25 * 51);
-  EXPECT_EQ(ZmVector3f::GetIndexedNormalsCount(7.0f), 1275);
-  EXPECT_EQ(ZmVector3d::GetIndexedNormalsCount(0.0), 0);
-  EXPECT_EQ(ZmVector3d::GetIndexedNormalsCount(-5.0), 0);
-  EXPECT_EQ(ZmVector3d::GetIndexedNormalsCount(200.0), 0);  // trunc(180/200) = 0
-  EXPECT_EQ(ZmVector3d::GetIndexedNormalsCount(1e-12), 0);  // more cells than an int holds
-
-  // Step 90: 2 rows x 4 columns; cell 0 is centred on latitude -45, longitude -135.
+// Step 90: 2 rows x 4 columns; cell 0 is centred on latitude -45, longitude -135. trunc(180/200)
+// = 0 rows; a step of 1e-12 gives more cells than an int holds.
+TEST(Vector3, DirectionGridCountsCellsAndNeighbours) {
+  EXPECT_EQ((Ints{ZmVector3d::GetIndexedNormalsCount(7.0), ZmVector3f::GetIndexedNormalsCount(7.0f),
+                  ZmVector3d::GetIndexedNormalsCount(0.0), ZmVector3d::GetIndexedNormalsCount(-5.0),
+                  ZmVector3d::GetIndexedNormalsCount(200.0), ZmVector3d::GetIndexedNormalsCount(1e-12)}),
+            (Ints{25 * 51, 25 * 51, 0, 0, 0, 0}));
   const ZmVector3d first = ZmVector3d::GetIndexedNormal(90.0, 0);
-  const double h = std::sqrt(0.5);
-  EXPECT_NEAR(first.x, -0.5, 1e-15);
-  EXPECT_NEAR(first.y, -0.5, 1e-15);
-  EXPECT_NEAR(first.z, -h, 1e-15);
+  EXPECT_NEAR(ZmVector3d(first - ZmVector3d(-0.5, -0.5, -std::sqrt(0.5))).length(), 0.0, 1e-15);
   EXPECT_EQ(ZmVector3d::GetIndexedNormal(90.0, 8), ZmNonValV3d);
   EXPECT_EQ(ZmVector3d::GetIndexedNormal(0.0, 0), ZmNonValV3d);
-  EXPECT_EQ(ZmVector3d(0, 0, 0).GetNormalIndex(10.0), -1);
+  // Neighbours wrap around both ways (step 90, cell 3 is the last column of row 0: the next
+  // column is 0). Step 30: 6 rows x 12 columns, cell 29 is row 2, column 5.
+  const struct {
+    double step;
+    int index;
+    Ints neighbours;  // empty: refused
+  } rows[] = {{90, 0, {4, 4, 7, 3, 7, 5, 1, 5}},
+              {90, 3, {7, 7, 6, 2, 6, 4, 0, 4}},
+              {30, 29, {17, 41, 16, 28, 40, 18, 30, 42}},
+              {30, 72, {}},
+              {30, -1, {}}};
+  for (const auto& r : rows) {
+    int out[8] = {};
+    ASSERT_EQ(ZmVector3d::GetNormalNeighbourIndexes(r.step, r.index, out), r.neighbours.empty() ? 0 : 1);
+    EXPECT_EQ(Ints(out, out + 8), r.neighbours.empty() ? Ints(8, 0) : r.neighbours) << r.index;  // untouched if refused
+  }
 }
 
 TYPED_TEST(Vector3Twins, DirectionGridIndexInvertsTheNormal) {
   using V = ZmVector3T<TypeParam>;
   for (TypeParam step : {TypeParam(7), TypeParam(10), TypeParam(90), TypeParam(45)}) {
-    const int count = V::GetIndexedNormalsCount(step);
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < V::GetIndexedNormalsCount(step); ++i) {
       ASSERT_EQ(V::GetIndexedNormal(step, i).GetNormalIndex(step), i) << "step " << step;
     }
   }
-  // Step 90 (2 rows x 4 columns): the pole falls into the top row (latitude 90 is clamped to
-  // row 1), longitude 0 into column 2: 1 * 4 + 2. Longitude 180 is clamped to the last column.
-  EXPECT_EQ(V(0, 0, 1).GetNormalIndex(TypeParam(90)), 6);
-  EXPECT_EQ(V(-1, 0, 0).GetNormalIndex(TypeParam(90)), 7);
-
-  // No direction, no cell: infinite or NaN components, and a length that overflows (1e30
-  // squared exceeds the float range; 1e200 squared the double range) would normalise to NaN or
-  // zero. A large length that does not overflow still finds its cell (x axis: latitude 0 is
-  // (0 + 90) / 90 = row 1, longitude 0 is (0 + 180) / 90 = column 2: 1 * 4 + 2).
+  // Step 90: the pole falls into the top row (latitude 90 is clamped to row 1), longitude 0 into
+  // column 2: 1 * 4 + 2; longitude 180 is clamped to the last column. No direction, no cell:
+  // infinite or NaN components, a zero vector, and a length that overflows (1e30 squared exceeds
+  // the float range; 1e200 squared the double range). A large length that does not overflow
+  // still finds its cell (x axis: row 1, column 2).
   const TypeParam inf = std::numeric_limits<TypeParam>::infinity(), nan = std::numeric_limits<TypeParam>::quiet_NaN();
-  const TypeParam overflowing = sizeof(TypeParam) == 4 ? TypeParam(1e30) : TypeParam(1e200);
-  const V noCell[] = {V(inf, 0, 0), V(0, 0, inf), V(-inf, inf, 1), V(nan, 0, 1), V(overflowing, 0, 0)};
-  for (const V& v : noCell) EXPECT_EQ(v.GetNormalIndex(TypeParam(10)), -1) << v.x << " " << v.z;
-  EXPECT_EQ(V(TypeParam(1e18), 0, 0).GetNormalIndex(TypeParam(90)), 6);
+  const TypeParam overflowing = kIsFloat<TypeParam> ? TypeParam(1e30) : TypeParam(1e200);
+  const V vectors[] = {V(0, 0, 1),      V(-1, 0, 0),  V(TypeParam(1e18), 0, 0), V(inf, 0, 0), V(0, 0, inf),
+                       V(-inf, inf, 1), V(nan, 0, 1), V(overflowing, 0, 0),     V(0, 0, 0)};
+  Ints got;
+  for (const V& v : vectors) got.push_back(v.GetNormalIndex(TypeParam(90)));
+  EXPECT_EQ(got, (Ints{6, 7, 6, -1, -1, -1, -1, -1, -1}));
 }
 
-TEST(Vector3, DirectionGridNeighboursWrap) {
-  int out[8] = {};
-  ASSERT_EQ(ZmVector3d::GetNormalNeighbourIndexes(90.0, 0, out), 1);
-  const int corner[8] = {4, 4, 7, 3, 7, 5, 1, 5};
-  for (int k = 0; k < 8; ++k) EXPECT_EQ(out[k], corner[k]) << k;
-  // Step 30: 6 rows x 12 columns, cell 29 is row 2, column 5.
-  ASSERT_EQ(ZmVector3d::GetNormalNeighbourIndexes(30.0, 29, out), 1);
-  const int inner[8] = {17, 41, 16, 28, 40, 18, 30, 42};
-  for (int k = 0; k < 8; ++k) EXPECT_EQ(out[k], inner[k]) << k;
-  EXPECT_EQ(ZmVector3d::GetNormalNeighbourIndexes(30.0, 72, out), 0);
-  EXPECT_EQ(ZmVector3d::GetNormalNeighbourIndexes(30.0, -1, out), 0);
-}
-
-TEST(Vector3, ComparatorsAcceptTheOtherPrecision) {
-  EXPECT_EQ(ZmVector3d::CompareX(ZmVector3d(0.1, 0, 0), ZmVector3f(0.1f, 0, 0)), -1);  // 0.1 < float(0.1)
-  EXPECT_EQ(ZmVector3f::CompareX(ZmVector3f(0.1f, 0, 0), ZmVector3d(0.1, 0, 0)), 1);
-  EXPECT_EQ(ZmVector3d::CompareVectors(ZmVector3d(1, 2, 3), ZmVector3d(1, 2, 3)), 0);
-  EXPECT_EQ(ZmVector3d::CompareVectors(ZmVector3d(1, 2, 3), ZmVector3d(1, 2, 4)), -1);
-  EXPECT_EQ(ZmVector3d::CompareZ(ZmVector3d(0, 0, 3), ZmVector3f(0, 0, 2)), 1);
-}
-
-TEST(Vector3, ConstantsOfTheClass) {
-  EXPECT_EQ(ZmVector3d::UNIT_Y, ZmVector3d(0, 1, 0));
-  EXPECT_EQ(ZmVector3f::NEGATIVE_UNIT_Z, ZmVector3f(0, 0, -1));
+// 0.1 < float(0.1) when compared in double.
+TEST(Vector3, ComparatorsAndConstants) {
+  EXPECT_EQ((Ints{ZmVector3d::CompareX(ZmVector3d(0.1, 0, 0), ZmVector3f(0.1f, 0, 0)),
+                  ZmVector3f::CompareX(ZmVector3f(0.1f, 0, 0), ZmVector3d(0.1, 0, 0)),
+                  ZmVector3d::CompareVectors(ZmVector3d(1, 2, 3), ZmVector3d(1, 2, 3)),
+                  ZmVector3d::CompareVectors(ZmVector3d(1, 2, 3), ZmVector3d(1, 2, 4)),
+                  ZmVector3d::CompareZ(ZmVector3d(0, 0, 3), ZmVector3f(0, 0, 2))}),
+            (Ints{-1, 1, 0, -1, 1}));
+  using V = ZmVector3f;
+  EXPECT_TRUE(V::UNIT_X == V(1, 0, 0) && V::UNIT_Y == V(0, 1, 0) && V::UNIT_Z == V(0, 0, 1));
+  EXPECT_TRUE(V::NEGATIVE_UNIT_X == V(-1, 0, 0) && V::NEGATIVE_UNIT_Y == V(0, -1, 0) &&
+              V::NEGATIVE_UNIT_Z == V(0, 0, -1));
   EXPECT_EQ(ZmV3dX, ZmVector3d::UNIT_X);
 }
 
