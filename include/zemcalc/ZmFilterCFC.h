@@ -111,11 +111,14 @@ class ZMCALC_API ZmFilterCFCButterworthT : public Base {
  public:
   using T = typename Base::Scalar;
   using Curve = typename Base::Curve;
+  using Point = typename Base::Point;
 
   explicit ZmFilterCFCButterworthT(double cfc = 60.0, _ZmUnitTime unit = ZmUnitSecond,
                                    ZmFilterEnds ends = ZmFilterEndsReflection, ZmCFCDesign design = ZmCFCDesignJ211);
 
   const WbErrObj* Compute(const Curve& in, Curve& out) override;
+  // The same on count points in memory (ZmFilter.h): straight from in to out, no copy.
+  const WbErrObj* ComputeSpan(const Point* in, std::uint64_t count, Point* out) override;
 
   // The coefficients for a sampling step given in the constructor's time unit, with the
   // parameter and rate checks of Compute; c is untouched on failure.
@@ -139,8 +142,11 @@ class ZMCALC_API ZmFilterCFCButterworthT : public Base {
 
  private:
   const WbErrObj* CheckSettings(double& secondsPerUnit) const;
-  const WbErrObj* CheckSampling(const Curve& in, double& step) const;
-  const WbErrObj* Filter(const Curve& in, Curve& out) const;
+  const WbErrObj* CheckSampling(const Point* in, std::uint64_t count, double& step) const;
+  // The checks of a call and what they give: the coefficients and the samples added at each end.
+  const WbErrObj* Prepare(const Point* in, std::uint64_t count, ZmCFCCoefficients& c, std::uint64_t& pad) const;
+  const WbErrObj* Run(const ZmCFCCoefficients& c, std::uint64_t pad, const Point* in, std::uint64_t count,
+                      Point* out) const;
 
   double m_cfc;
   _ZmUnitTime m_unit;
