@@ -142,11 +142,14 @@ class ZMCALC_API ZmFilterCFCButterworthT : public Base {
 
  private:
   const WbErrObj* CheckSettings(double& secondsPerUnit) const;
-  const WbErrObj* CheckSampling(const Point* in, std::uint64_t count, double& step) const;
-  // The checks of a call and what they give: the coefficients and the samples added at each end.
-  const WbErrObj* Prepare(const Point* in, std::uint64_t count, ZmCFCCoefficients& c, std::uint64_t& pad) const;
-  const WbErrObj* Run(const ZmCFCCoefficients& c, std::uint64_t pad, const Point* in, std::uint64_t count,
-                      Point* out) const;
+  // Tests the intervals from .. to-1 (interval i joins points i-1 and i) against the mean step.
+  const WbErrObj* CheckSteps(const Point* in, std::uint64_t from, std::uint64_t to, double step) const;
+  // The checks of a call and what they give: the mean step, the coefficients and the samples
+  // added at each end. The steps are tested here only when filtering in place (out is in).
+  const WbErrObj* Prepare(const Point* in, std::uint64_t count, const Point* out, ZmCFCCoefficients& c,
+                          std::uint64_t& pad, double& step) const;
+  const WbErrObj* Run(const ZmCFCCoefficients& c, std::uint64_t pad, double step, const Point* in,
+                      std::uint64_t count, Point* out) const;
 
   double m_cfc;
   _ZmUnitTime m_unit;

@@ -132,9 +132,10 @@ struct BlockRecursion {
   // one): a broadcast is x - (+0), which is x for every x, -0 and NaN included.
 #define ZM_AT(p, k) (*reinterpret_cast<const V*>((p) + (k)*kLanes))
 
-  // The outputs y[0 .. kBlock-1] of a block from its inputs x[0 .. kBlock-1] and the state
-  // before it; p gets P_(kBlock-2) and P_(kBlock-1).
-  static inline __attribute__((always_inline)) void Block(const BlockWeights& w, const PassState& s, const double* x,
+  // The outputs y[0 .. kBlock-1] of the block of inputs x(0) .. x(kBlock-1) after the state
+  // s; p gets P_(kBlock-2) and P_(kBlock-1). Each input is broadcast straight from where x reads.
+  template <class Input>
+  static inline __attribute__((always_inline)) void Block(const BlockWeights& w, const PassState& s, const Input& x,
                                                           double* y, double* p) {
     V sum[kVectors];
     const V x2 = s.x2 - V{}, x1 = s.x1 - V{};
@@ -144,7 +145,7 @@ struct BlockRecursion {
     for (int k = 0; k < kVectors; ++k) sum[k] += ZM_AT(w.input[1], k) * x1;
     ZM_UNROLL
     for (int i = 0; i < kBlock; ++i) {
-      const V xi = x[i] - V{};
+      const V xi = x(i) - V{};
       ZM_UNROLL
       for (int k = (i / kGroup) * kGroup / kLanes; k < kVectors; ++k) sum[k] += ZM_AT(w.input[i + 2], k) * xi;
     }
@@ -162,31 +163,30 @@ struct BlockRecursion {
   template <class Read, class Write>
   static inline __attribute__((always_inline)) void Run(const BlockWeights& w, std::uint64_t n, const Read& read,
                                                         const Write& write, PassState& s) {
-    double x[kBlock], y[kBlock], p[2];
+    double y[kBlock], p[2];
     std::uint64_t t = 0;
     for (; t + kBlock <= n; t += kBlock) {
-      ZM_UNROLL
-      for (int i = 0; i < kBlock; ++i) x[i] = read(t + i);
-      Block(w, s, x, y, p);
+      Block(w, s, [&](int i) { return read(t + static_cast<std::uint64_t>(i)); }, y, p);
       // The next block needs only these two values: y[kBlock-1] again and its step, on their
       // own, so that the chain does not wait for the vectors.
       const double last = (p[1] + w.slope[kBlock - 1] * s.step) + w.level[kBlock - 1] * s.y1;
       s.step = ((p[1] - p[0]) + w.slopeStep * s.step) + w.levelStep * s.y1;
       s.y1 = last;
-      s.x2 = x[kBlock - 2];
-      s.x1 = x[kBlock - 1];
+      s.x2 = read(t + kBlock - 2);
+      s.x1 = read(t + kBlock - 1);  // read before the block is written: they may share memory
       ZM_UNROLL
       for (int j = 0; j < kBlock; ++j) write(t + j, y[j]);
     }
     if (t < n) {
       const int m = static_cast<int>(n - t);
-      for (int i = 0; i < kBlock; ++i) x[i] = i < m ? read(t + i) : 0.0;
-      Block(w, s, x, y, p);
+      double x[kBlock];
+      for (int i = 0; i < kBlock; ++i) x[i] = i < m ? read(t + static_cast<std::uint64_t>(i)) : 0.0;
+      Block(w, s, [&x](int i) { return x[i]; }, y, p);
       s.step = y[m - 1] - (m >= 2 ? y[m - 2] : s.y1);
       s.y1 = y[m - 1];
       s.x2 = m >= 2 ? x[m - 2] : s.x1;
       s.x1 = x[m - 1];
-      for (int j = 0; j < m; ++j) write(t + j, y[j]);
+      for (int j = 0; j < m; ++j) write(t + static_cast<std::uint64_t>(j), y[j]);
     }
   }
 };
@@ -304,26 +304,37 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::ComputeCoefficients(double step, 
 }
 
 template <class Base>
-const WbErrObj* ZmFilterCFCButterworthT<Base>::CheckSampling(const Point* p, std::uint64_t count, double& step) const {
-  if (count < 2) return Fail(zm::filter::kNotEnoughPoints);
-  step = (static_cast<double>(p[count - 1].x) - static_cast<double>(p[0].x)) / static_cast<double>(count - 1);
-  if (!(step > 0.0) || !std::isfinite(step)) return Fail(kNotIncreasing, step);
+const WbErrObj* ZmFilterCFCButterworthT<Base>::CheckSteps(const Point* p, std::uint64_t from, std::uint64_t to,
+                                                          double step) const {
+  // Every interval is tested (no early exit, so that the loop runs at full speed); the first
+  // one out of tolerance is searched only when there is one.
   const double allowed = m_tolerance * step;
-  for (std::uint64_t i = 1; i < count; ++i) {
+  bool even = true;
+  for (std::uint64_t i = from; i < to; ++i) {
+    even &= std::fabs((static_cast<double>(p[i].x) - static_cast<double>(p[i - 1].x)) - step) <= allowed;
+  }
+  if (even) return nullptr;
+  for (std::uint64_t i = from;; ++i) {
     const double dt = static_cast<double>(p[i].x) - static_cast<double>(p[i - 1].x);
     if (!(std::fabs(dt - step) <= allowed)) {
       return Fail(kUneven, dt, static_cast<int>(i < 0x7fffffffu ? i : 0x7fffffffu), step, 100.0 * m_tolerance);
     }
   }
-  return nullptr;
 }
 
 template <class Base>
-const WbErrObj* ZmFilterCFCButterworthT<Base>::Prepare(const Point* in, std::uint64_t count, ZmCFCCoefficients& c,
-                                                       std::uint64_t& pad) const {
-  double step = 0.0;
-  if (const WbErrObj* error = CheckSampling(in, count, step)) return error;
+const WbErrObj* ZmFilterCFCButterworthT<Base>::Prepare(const Point* in, std::uint64_t count, const Point* out,
+                                                       ZmCFCCoefficients& c, std::uint64_t& pad, double& step) const {
+  if (count < 2) return Fail(zm::filter::kNotEnoughPoints);
+  step = (static_cast<double>(in[count - 1].x) - static_cast<double>(in[0].x)) / static_cast<double>(count - 1);
+  if (!(step > 0.0) || !std::isfinite(step)) return Fail(kNotIncreasing, step);
   if (const WbErrObj* error = ComputeCoefficients(step, c)) return error;
+  // Filtering into another array, Run tests the steps stretch by stretch just before the
+  // forward pass reads them (one pass over the curve less); in place, nothing may be written
+  // before all have passed.
+  if (in == out) {
+    if (const WbErrObj* error = CheckSteps(in, 1, count, step)) return error;
+  }
   pad = 0;
   if (m_ends != ZmFilterEndsNone) {
     double automatic = std::ceil(3.0 / (m_cfc * step * SecondsPerUnit(m_unit)));
@@ -339,8 +350,8 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Prepare(const Point* in, std::uin
 // target point (a float point is as large as a double; its abscissa is written by the backward
 // pass), and filtering in place, in a work array.
 template <class Base>
-const WbErrObj* ZmFilterCFCButterworthT<Base>::Run(const ZmCFCCoefficients& c, std::uint64_t pad, const Point* source,
-                                                   std::uint64_t count, Point* target) const {
+const WbErrObj* ZmFilterCFCButterworthT<Base>::Run(const ZmCFCCoefficients& c, std::uint64_t pad, double step,
+                                                   const Point* source, std::uint64_t count, Point* target) const {
   static_assert(sizeof(Point) == 2 * sizeof(T) && sizeof(ZmPoint2T<float>) == sizeof(double), "points are (x, y)");
   constexpr bool kDouble = std::is_same<T, double>::value;
   const bool inWork = !kDouble && source == target;
@@ -373,10 +384,22 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Run(const ZmCFCCoefficients& c, s
   };
 
   // Forward over the left padding, the samples and the right padding; a sample is read before
-  // its slot in target (which may be source) is written.
+  // its slot in target (which may be source) is written. The samples go in stretches of
+  // kStepsAhead (a multiple of the block), each tested first when source is not target.
   Recursion forward(c, atRest ? 0.0 : (pad > 0 ? left[0] : static_cast<double>(source[0].y)));
   forward.Run(pad, [left](std::uint64_t i) { return left[i]; }, [](std::uint64_t, double) {});
-  forward.Run(count, [source](std::uint64_t i) { return static_cast<double>(source[i].y); }, keep);
+  constexpr std::uint64_t kStepsAhead = 4096;
+  for (std::uint64_t from = 0; from < count; from += kStepsAhead) {
+    const std::uint64_t n = count - from < kStepsAhead ? count - from : kStepsAhead;
+    if (source != target) {
+      if (const WbErrObj* error = CheckSteps(source, from > 0 ? from : 1, from + n, step)) {
+        WbMemFree(w);
+        return error;
+      }
+    }
+    forward.Run(n, [source, from](std::uint64_t i) { return static_cast<double>(source[from + i].y); },
+                [&keep, from](std::uint64_t i, double y) { keep(from + i, y); });
+  }
   forward.Run(pad, [right](std::uint64_t i) { return right[i]; }, [right](std::uint64_t i, double y) { right[i] = y; });
 
   // Backward from the end of the right padding; the left padding's results are never needed.
@@ -399,7 +422,8 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Compute(const Curve& in, Curve& o
   const std::uint64_t count = in.GetSize();
   ZmCFCCoefficients c{};
   std::uint64_t pad = 0;
-  const WbErrObj* error = Prepare(in.GetData(), count, c, pad);
+  double step = 0.0;
+  const WbErrObj* error = Prepare(in.GetData(), count, &in == &out ? in.GetData() : nullptr, c, pad, step);
   if (!error && &in != &out) {
     try {
       out.SetSize(count);
@@ -407,8 +431,8 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Compute(const Curve& in, Curve& o
       error = Fail(zm::filter::kNotEnoughMemory);
     }
   }
-  if (!error) error = Run(c, pad, in.GetData(), count, out.GetData());
-  // Nothing of out is written before every check has passed, so a failure only needs the copy.
+  if (!error) error = Run(c, pad, step, in.GetData(), count, out.GetData());
+  // In place nothing is written before every check has passed; otherwise out becomes the copy.
   return zm::filter::KeepInputOnFailure(error, in, out);
 }
 
@@ -416,8 +440,9 @@ template <class Base>
 const WbErrObj* ZmFilterCFCButterworthT<Base>::ComputeSpan(const Point* in, std::uint64_t count, Point* out) {
   ZmCFCCoefficients c{};
   std::uint64_t pad = 0;
-  const WbErrObj* error = Prepare(in, count, c, pad);
-  if (!error) error = Run(c, pad, in, count, out);
+  double step = 0.0;
+  const WbErrObj* error = Prepare(in, count, out, c, pad, step);
+  if (!error) error = Run(c, pad, step, in, count, out);
   if (error && in != out && count > 0) std::memmove(static_cast<void*>(out), in, count * sizeof(Point));
   return error;
 }
