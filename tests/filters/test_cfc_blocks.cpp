@@ -66,6 +66,15 @@ void CheckAgainstPlain(double cfc, double rate, ZmFilterEnds ends, std::int64_t 
   const WbErrObj* error = filter.Compute(curve, out);
   SCOPED_TRACE(testing::Message() << "CFC " << cfc << " at " << rate << " Hz, ends " << ends << ", pad " << pad
                                   << ", " << n << " samples, " << sizeof(T) << "-byte twin");
+  // The span entry point, into another array and in place, gives Compute's bits (or its refusal,
+  // the input left as it was).
+  std::vector<ZmPoint2T<T>> span(n), inPlace(curve.GetData(), curve.GetData() + n);
+  const bool spanFailed = filter.ComputeSpan(curve.GetData(), n, span.data()) != nullptr;
+  const bool inPlaceFailed = filter.ComputeSpan(inPlace.data(), n, inPlace.data()) != nullptr;
+  ASSERT_TRUE(spanFailed == (error != nullptr) && inPlaceFailed == (error != nullptr));
+  for (std::size_t i = 0; i < n; ++i) {
+    ASSERT_TRUE(span[i].y == out[i].y && inPlace[i].y == out[i].y && span[i].x == curve[i].x) << "sample " << i;
+  }
   if (n < 2) {
     ASSERT_NE(error, nullptr);
     return;
