@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace {
@@ -100,7 +101,7 @@ TEST(CFCBlocks, AgreeWithThePlainRecursion) {
   } rates[] = {{60, 1.0e5}, {1000, 1.0e4}, {180, 2.0e4}, {600, 5.0e4}, {60, 1.0e4}};
   std::vector<std::size_t> lengths;
   for (std::size_t n = 0; n <= 41; ++n) lengths.push_back(n);
-  lengths.push_back(100003);  // many whole chunks, then a partial block
+  lengths.push_back(20003);  // several stretches of 4096 steps tested, then a partial block
   for (const auto& r : rates) {
     for (ZmFilterEnds ends : {ZmFilterEndsReflection, ZmFilterEndsMirror, ZmFilterEndsConstant, ZmFilterEndsNone}) {
       for (std::int64_t pad : {-1, 0, 1, 9, 1000000}) {
@@ -111,6 +112,20 @@ TEST(CFCBlocks, AgreeWithThePlainRecursion) {
       }
     }
   }
+}
+
+// Filtering into another array, the steps are tested stretch by stretch as the forward pass goes:
+// a bad step far into the curve is still refused before anything is kept, the first one named.
+TEST(CFCBlocks, UnevenStepLateInTheCurveIsRefused) {
+  WbArrayTempl<ZmPoint2d> curve, out;
+  for (int i = 0; i < 10000; ++i) curve.Add(ZmPoint2d(i * 1.0e-4 + (i >= 9000 ? 5.0e-5 : 0.0), 1.0));
+  std::vector<ZmPoint2d> span(10000);
+  ZmFilterCFCd filter(60);
+  const WbErrObj* error = filter.Compute(curve, out);
+  ASSERT_NE(error, nullptr);
+  EXPECT_NE(std::wstring(error->GetMessage()).find(L"interval 9000 "), std::wstring::npos) << error->GetMessage();
+  ASSERT_NE(filter.ComputeSpan(curve.GetData(), 10000, span.data()), nullptr);
+  for (int i = 0; i < 10000; ++i) ASSERT_TRUE(out[i].y == 1.0 && span[i].y == 1.0 && span[i].x == curve[i].x);
 }
 
 }  // namespace
