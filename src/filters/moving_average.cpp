@@ -151,7 +151,8 @@ void ZmFilterMAT<Base>::SetLimitDT(_ZmUnitTime unit) {
 template <class Base>
 const WbErrObj* ZmFilterMAT<Base>::Compute(const Curve& in, Curve& out) {
   const WbErrObj* error = CheckKernel();
-  if (!error) error = Compute1D(in.GetData(), in.GetSize(), &in == &out ? out.GetData() : nullptr, &in == &out ? nullptr : &out);
+  const bool inPlace = &in == &out;
+  if (!error) error = Compute1D(in.GetData(), in.GetSize(), inPlace ? out.GetData() : nullptr, inPlace ? nullptr : &out);
   // A failure leaves out the copy of in (a curve filtered into itself is refused before any
   // value of it is written).
   return zm::filter::KeepInputOnFailure(error, in, out);

@@ -34,8 +34,8 @@ std::vector<double> PlainFiltfilt(const std::vector<double>& y, const ZmCFCCoeff
   v.insert(v.end(), y.begin(), y.end());
   for (std::size_t k = 1; k <= pad; ++k) {  // x[n-1+k]
     v.push_back(ends == ZmFilterEndsReflection ? 2 * y[n - 1] - y[n - 1 - k]
-                : ends == ZmFilterEndsMirror    ? y[n - 1 - k]
-                                                : y[n - 1]);
+                : ends == ZmFilterEndsMirror   ? y[n - 1 - k]
+                                               : y[n - 1]);
   }
   for (int pass = 0; pass < 2; ++pass) {
     const long double start = ends == ZmFilterEndsNone ? 0.0L : v[0];
@@ -47,7 +47,8 @@ std::vector<double> PlainFiltfilt(const std::vector<double>& y, const ZmCFCCoeff
     }
     std::reverse(v.begin(), v.end());
   }
-  return std::vector<double>(v.begin() + static_cast<std::ptrdiff_t>(pad), v.begin() + static_cast<std::ptrdiff_t>(pad + n));
+  return std::vector<double>(v.begin() + static_cast<std::ptrdiff_t>(pad),
+                             v.begin() + static_cast<std::ptrdiff_t>(pad + n));
 }
 
 template <class Filter>
@@ -65,8 +66,8 @@ void CheckAgainstPlain(double cfc, double rate, ZmFilterEnds ends, std::int64_t 
   filter.SetStepTolerance(0.1);
   filter.SetAllowLowRate(1);  // CFC 1000 at 10 kHz read from float abscissae is a hair below 10 kHz
   const WbErrObj* error = filter.Compute(curve, out);
-  SCOPED_TRACE(testing::Message() << "CFC " << cfc << " at " << rate << " Hz, ends " << ends << ", pad " << pad
-                                  << ", " << n << " samples, " << sizeof(T) << "-byte twin");
+  SCOPED_TRACE(testing::Message() << "CFC " << cfc << " at " << rate << " Hz, ends " << ends << ", pad " << pad << ", "
+                                  << n << " samples, " << sizeof(T) << "-byte twin");
   // The span entry point, into another array and in place, gives Compute's bits (or its refusal,
   // the input left as it was).
   std::vector<ZmPoint2T<T>> span(n), inPlace(curve.GetData(), curve.GetData() + n);
@@ -82,7 +83,8 @@ void CheckAgainstPlain(double cfc, double rate, ZmFilterEnds ends, std::int64_t 
   }
   ASSERT_EQ(error, nullptr);
   // The filter's sampling period: the mean step of the curve's own (float or double) abscissae.
-  const double step = (static_cast<double>(curve[n - 1].x) - static_cast<double>(curve[0].x)) / static_cast<double>(n - 1);
+  const double step =
+      (static_cast<double>(curve[n - 1].x) - static_cast<double>(curve[0].x)) / static_cast<double>(n - 1);
   ZmCFCCoefficients c{};
   ASSERT_EQ(filter.ComputeCoefficients(step, c), nullptr);
   const std::vector<double> expected = PlainFiltfilt(y, c, ends, pad, std::ceil(3.0 / (cfc * step)));
@@ -96,9 +98,7 @@ void CheckAgainstPlain(double cfc, double rate, ZmFilterEnds ends, std::int64_t 
 }
 
 TEST(CFCBlocks, AgreeWithThePlainRecursion) {
-  const struct {
-    double cfc, rate;
-  } rates[] = {{60, 1.0e5}, {1000, 1.0e4}, {180, 2.0e4}, {600, 5.0e4}, {60, 1.0e4}};
+  const struct { double cfc, rate; } rates[] = {{60, 1.0e5}, {1000, 1.0e4}, {180, 2.0e4}, {600, 5.0e4}, {60, 1.0e4}};
   std::vector<std::size_t> lengths;
   for (std::size_t n = 0; n <= 41; ++n) lengths.push_back(n);
   lengths.push_back(20003);  // several stretches of 4096 steps tested, then a partial block
