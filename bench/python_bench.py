@@ -7,7 +7,8 @@ next to the C++ time of the same call (BM_CFC60 of bench_filters, same signal le
 names the directory of the benchmark programs), scipy's sosfiltfilt of a 4-pole Butterworth
 low-pass at 100 Hz and numpy.convolve with the 81-tap CFC 60 kernel; then the principal values
 of 10^6 symmetric tensors next to the C++ loop (BM_ZmMathValues of bench_tensors) and
-numpy.linalg.eigvalsh. Wall-clock medians of --repeat runs.
+numpy.linalg.eigvalsh. Wall-clock medians of --repeat runs; with --cpu, processor-time medians
+on both sides (Google Benchmark's CPU column), steadier on a machine shared with other jobs.
 
 The CFC filter at any rate (zemcalc.CFCFilter(60), both twins) on the same pulse, next to the C++
 call (BM_CFCAnyRate60d of bench_crash) and scipy's sosfiltfilt with the same design: a 2-pole
@@ -24,12 +25,16 @@ import numpy as np
 import zemcalc as zc
 
 
+CLOCK = time.perf_counter
+CPP_TIME = "real_time"
+
+
 def median_ms(fn, repeat):
     times = []
     for _ in range(repeat):
-        start = time.perf_counter()
+        start = CLOCK()
         fn()
-        times.append(time.perf_counter() - start)
+        times.append(CLOCK() - start)
     return 1e3 * float(np.median(times))
 
 
@@ -39,7 +44,7 @@ def cpp_ms(program, name, repeat):
                          check=True, capture_output=True, text=True).stdout
     for b in json.loads(out)["benchmarks"]:
         if b.get("aggregate_name") == "median":
-            return b["real_time"] * {"ms": 1.0, "us": 1e-3, "ns": 1e-6, "s": 1e3}[b["time_unit"]]
+            return b[CPP_TIME] * {"ms": 1.0, "us": 1e-3, "ns": 1e-6, "s": 1e3}[b["time_unit"]]
     raise RuntimeError(f"no median for {name}")
 
 
@@ -47,7 +52,11 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--cpp", help="the directory of bench_filters and bench_tensors, for the C++ times")
     parser.add_argument("--repeat", type=int, default=10)
+    parser.add_argument("--cpu", action="store_true", help="processor time instead of wall-clock time")
     args = parser.parse_args()
+    if args.cpu:
+        global CLOCK, CPP_TIME
+        CLOCK, CPP_TIME = time.process_time, "cpu_time"
     n = 1_000_000
     rng = np.random.default_rng(7)
     t = np.arange(n) * 1.0e-4

@@ -130,6 +130,13 @@ class ZMCALC_API ZmFilterT : public WbObject {
   unsigned char OnDynamicDeletion() override;
   // Filters in into out (same points, filtered values). Null on success, else the error.
   virtual const WbErrObj* Compute(const Curve& in, Curve& out) = 0;
+  // Filters count points in memory (the layout of a curve's points: x, y of T, an (n, 2) array
+  // of another language say) into out, which holds count points: the result and the messages
+  // of Compute on a curve of those points, and on failure out holds the points of in. out may
+  // be in; otherwise the two must not overlap. The CFC filter at any rate and the
+  // symmetric-kernel filters read and write the memory directly; other filters go through a
+  // curve (a copy in and a copy out).
+  virtual const WbErrObj* ComputeSpan(const Point* in, std::uint64_t count, Point* out);
 };
 extern template class ZmFilterT<double>;
 extern template class ZmFilterT<float>;
@@ -145,6 +152,7 @@ class ZMCALC_API ZmFilterMAT : public Base {
  public:
   using T = typename Base::Scalar;
   using Curve = typename Base::Curve;
+  using Point = typename Base::Point;
 
   explicit ZmFilterMAT(unsigned char normalise = 0, Extrapolation extrapolation = ZmExtrapolationReflection);
   // The extrapolation also as its number (0 to 3; other numbers are refused at Compute).
@@ -153,6 +161,7 @@ class ZMCALC_API ZmFilterMAT : public Base {
       : ZmFilterMAT(normalise, static_cast<Extrapolation>(extrapolation)) {}
 
   const WbErrObj* Compute(const Curve& in, Curve& out) override;
+  const WbErrObj* ComputeSpan(const Point* in, std::uint64_t count, Point* out) override;
 
   int GetKernelSize() const { return m_size; }
   // The half kernel, outermost pair first, centre last for odd sizes.
@@ -188,12 +197,14 @@ class ZMCALC_API ZmFilterMAT : public Base {
   const WbErrObj* CheckKernel() const;
   bool HasTimeStepLimits() const;
   // Tests the time steps of the intervals from .. to-1 (interval i joins points i-1 and i).
-  const WbErrObj* CheckTimeSteps(const Curve& in, std::uint64_t from, std::uint64_t to) const;
+  const WbErrObj* CheckTimeSteps(const Point* in, std::uint64_t from, std::uint64_t to) const;
   // The coefficients divided by the kernel sum (unchanged when it is 0), into c.
   void Normalise(T* c) const;
   // Normalises, tests the time steps and the length, then writes the filtered curve into out
   // (which may be in). A failure leaves out to be restored from in, which is still intact.
-  const WbErrObj* Compute1D(const Curve& in, Curve& out);
+  // Filters count points of source into target, or into resized (sized to count once the
+  // curve is known to be long enough) when it is not null.
+  const WbErrObj* Compute1D(const Point* source, std::uint64_t count, Point* target, Curve* resized);
 };
 
 extern template class ZmFilterMAT<ZmFilterd>;

@@ -20,43 +20,29 @@ struct Filter {
   std::unique_ptr<ZmFilterd> d;
   std::unique_ptr<ZmFilterf> f;
   std::string name;  // the runtime-class name of the family, without the precision letter
-  // Filtering normalises a kernel once, at the first call, and reuses the work curves below:
-  // one call at a time per object.
+  // Filtering normalises a kernel once, at the first call: one call at a time per object.
   std::unique_ptr<std::mutex> busy = std::make_unique<std::mutex>();
-  // The input and output curves of the last call of each twin, kept so that a long curve
-  // costs no fresh memory on the next call (the C++ caller's usual pattern). They hold the
-  // longest curve filtered so far, until the object is deleted.
-  std::pair<Curve<double>, Curve<double>> workD;
-  std::pair<Curve<float>, Curve<float>> workF;
-  // Filter a fresh copy of the curve in place and hand it to numpy as the result: one copy per
-  // call instead of two (copy in, copy out) and nothing kept between calls. Set for filters
-  // whose in-place call costs no extra pass (the CFC recursion runs over the output values).
-  bool inPlace = false;
 
+  // The filter reads the numpy buffer itself when it is C-contiguous and of the twin's dtype
+  // (any other array is converted once) and writes into the fresh result array: the points of
+  // a curve are laid out as an (n, 2) array. No copy of the curve is made on the way.
   py::array Compute(py::handle curveObj) {
     return WithTwin(curveObj, [&](auto tag) -> py::array {
       using T = decltype(tag);
       const Array<T> in = Table<T>(curveObj, 2, "curve");
-      auto& work = Work<T>();
-      // Never wait for the object while holding the interpreter: release it first.
-      py::gil_scoped_release release;
-      std::lock_guard<std::mutex> lock(*busy);
+      Array<T> out({in.shape(0), py::ssize_t{2}});
+      const auto* source = reinterpret_cast<const ZmPoint2T<T>*>(in.data());
+      auto* target = reinterpret_cast<ZmPoint2T<T>*>(out.mutable_data());
+      const auto count = static_cast<std::uint64_t>(in.shape(0));
       const WbErrObj* err = nullptr;
-      if (inPlace) {
-        Curve<T> own;
-        Fill(own, in);
-        err = Twin<T>().Compute(own, own);
-        py::gil_scoped_acquire acquire;
-        Check(err);
-        return FromCurve(std::move(own));
-      } else {
-        Fill(work.first, in);
-        ReserveLarge(work.second, work.first.GetSize());
-        err = Twin<T>().Compute(work.first, work.second);
+      {
+        // Never wait for the object while holding the interpreter: release it first.
+        py::gil_scoped_release release;
+        std::lock_guard<std::mutex> lock(*busy);
+        err = Twin<T>().ComputeSpan(source, count, target);
       }
-      py::gil_scoped_acquire acquire;
       Check(err);
-      return FromCurve(work.second);
+      return std::move(out);
     });
   }
   template <class T>
@@ -65,14 +51,6 @@ struct Filter {
       return *f;
     } else {
       return *d;
-    }
-  }
-  template <class T>
-  std::pair<Curve<T>, Curve<T>>& Work() {
-    if constexpr (std::is_same<T, float>::value) {
-      return workF;
-    } else {
-      return workD;
     }
   }
   template <class Kind>
@@ -236,9 +214,7 @@ void BindCFCAny(py::module_& m) {
         const auto u = static_cast<_ZmUnitTime>(UnitIndex(ZmUnitTypeTime, unit));
         const auto e = static_cast<ZmFilterEnds>(Choice(ends, kEnds, "end treatment"));
         const auto d = static_cast<ZmCFCDesign>(Choice(design, kDesigns, "design"));
-        auto filter = Make<CFCAny, ZmFilterCFCd, ZmFilterCFCf>("ZmFilterCFC", cfc, u, e, d);
-        filter.inPlace = true;  // the recursion runs over the output curve's values anyway
-        return filter;
+        return Make<CFCAny, ZmFilterCFCd, ZmFilterCFCf>("ZmFilterCFC", cfc, u, e, d);
       },
       py::arg("cfc") = 60.0, py::arg("time_unit") = 0, py::arg("ends") = "reflection", py::arg("design") = "j211")
       ZMPY_CFC_PROPERTY("cfc", GetClass, SetClass, double, "The channel frequency class (Hz).")
@@ -283,7 +259,7 @@ void BindFilters(py::module_& m) {
   py::class_<Filter>(m, "Filter",
                      "A filter of sampled curves. compute() returns the filtered copy of an (n, 2) curve;\n"
                      "float32 curves run the single-precision twin. A refused curve raises zemcalc.Error.\n"
-                     "Calls on one object are serialised; it keeps work copies of its longest curve.")
+                     "Calls on one object are serialised.")
       .def_static("from_name", &MakeFromName, py::arg("name"),
                   "A filter from its library class name, with or without the precision letter\n"
                   "('ZmFilterCFC60_10kHzd', 'ZmFilterMVA'), with the defaults of that class.")

@@ -88,6 +88,23 @@ unsigned char ZmFilterT<T>::OnDynamicDeletion() {
   return 1;
 }
 
+// Through a curve: filters that read the abscissae in their own way work on curves only.
+template <class T>
+const WbErrObj* ZmFilterT<T>::ComputeSpan(const Point* in, std::uint64_t count, Point* out) {
+  const WbErrObj* error = nullptr;
+  try {
+    Curve curve;
+    curve.SetSize(count);
+    if (count > 0) std::memcpy(static_cast<void*>(curve.GetData()), in, count * sizeof(Point));
+    error = Compute(curve, curve);
+    if (count > 0) std::memcpy(static_cast<void*>(out), curve.GetData(), count * sizeof(Point));
+  } catch (const std::bad_alloc&) {
+    error = Fail(zm::filter::kNotEnoughMemory);
+    if (in != out && count > 0) std::memmove(static_cast<void*>(out), in, count * sizeof(Point));
+  }
+  return error;
+}
+
 template class ZmFilterT<double>;
 template class ZmFilterT<float>;
 
@@ -134,16 +151,18 @@ void ZmFilterMAT<Base>::SetLimitDT(_ZmUnitTime unit) {
 template <class Base>
 const WbErrObj* ZmFilterMAT<Base>::Compute(const Curve& in, Curve& out) {
   const WbErrObj* error = CheckKernel();
-  if (!error) error = Compute1D(in, out);
+  const bool inPlace = &in == &out;
+  if (!error) error = Compute1D(in.GetData(), in.GetSize(), inPlace ? out.GetData() : nullptr, inPlace ? nullptr : &out);
   // A failure leaves out the copy of in (a curve filtered into itself is refused before any
   // value of it is written).
-  if (error && &in != &out) {
-    try {
-      out = in;
-    } catch (const std::bad_alloc&) {
-      return Fail(zm::filter::kNotEnoughMemory);
-    }
-  }
+  return zm::filter::KeepInputOnFailure(error, in, out);
+}
+
+template <class Base>
+const WbErrObj* ZmFilterMAT<Base>::ComputeSpan(const Point* in, std::uint64_t count, Point* out) {
+  const WbErrObj* error = CheckKernel();
+  if (!error) error = Compute1D(in, count, out, nullptr);
+  if (error && in != out && count > 0) std::memmove(static_cast<void*>(out), in, count * sizeof(Point));
   return error;
 }
 
@@ -164,10 +183,9 @@ bool ZmFilterMAT<Base>::HasTimeStepLimits() const {
 }
 
 template <class Base>
-const WbErrObj* ZmFilterMAT<Base>::CheckTimeSteps(const Curve& in, std::uint64_t from, std::uint64_t to) const {
+const WbErrObj* ZmFilterMAT<Base>::CheckTimeSteps(const Point* p, std::uint64_t from, std::uint64_t to) const {
   const bool hasMin = m_minStep != zm::Invalid<T>();
   const bool hasMax = m_maxStep != zm::Invalid<T>();
-  const auto* p = in.GetData();
   for (std::uint64_t i = from > 0 ? from : 1; i < to; ++i) {
     const T dt = p[i].x - p[i - 1].x;
     if (hasMin && dt < m_minStep) return Fail(zm::filter::kLowerStep, static_cast<unsigned long long>(i), m_minStep);
@@ -195,13 +213,12 @@ void ZmFilterMAT<Base>::Normalise(T* c) const {
 // time steps have all passed. A curve filtered into itself, or shorter than half the kernel,
 // has its time steps tested first: no value of it is written before they have passed.
 template <class Base>
-const WbErrObj* ZmFilterMAT<Base>::Compute1D(const Curve& in, Curve& out) {
+const WbErrObj* ZmFilterMAT<Base>::Compute1D(const Point* source, std::uint64_t count, Point* target, Curve* resized) {
   const int n = m_size;
   const std::uint64_t h = static_cast<std::uint64_t>(n / 2);
-  const std::uint64_t count = in.GetSize();
   bool testSteps = HasTimeStepLimits();
-  if (testSteps && (&in == &out || count < h)) {
-    if (const WbErrObj* error = CheckTimeSteps(in, 1, count)) return error;
+  if (testSteps && (source == target || count < h)) {
+    if (const WbErrObj* error = CheckTimeSteps(source, 1, count)) return error;
     testSteps = false;
   }
   const std::uint64_t reach = static_cast<std::uint64_t>(n) - 1;  // values a window reads past its output
@@ -217,22 +234,21 @@ const WbErrObj* ZmFilterMAT<Base>::Compute1D(const Curve& in, Curve& out) {
   bool stepsPassed = true;  // the normalised coefficients are stored only then
   if (count < h) {
     error = Fail(zm::filter::kNotEnoughPoints);
-  } else {
+  } else if (resized) {
     try {
-      out.SetSize(count);
+      resized->SetSize(count);
+      target = resized->GetData();
     } catch (const std::bad_alloc&) {
       error = Fail(zm::filter::kNotEnoughMemory);
       stepsPassed = false;
     }
   }
   if (!error && count > 0) {
-    const auto* source = in.GetData();
-    auto* target = out.GetData();
     PadEnds(source, count, n / 2, m_extrapolation, left, right);
     std::uint64_t loaded = 0;  // padded values of the block already in w
     for (std::uint64_t j0 = 0; j0 < count; j0 += kBlock) {
       const std::uint64_t m = count - j0 < kBlock ? count - j0 : kBlock;
-      if (testSteps && (error = CheckTimeSteps(in, j0, j0 + m)) != nullptr) {
+      if (testSteps && (error = CheckTimeSteps(source, j0, j0 + m)) != nullptr) {
         stepsPassed = false;
         break;
       }
