@@ -1,58 +1,43 @@
 // The unit catalogue: the tables pinned entry by entry, lookups, derived units, the solver
 // UNIT line both ways and systems from typed symbols, with every message.
+#include <vector>
+
 #include "units_test_support.h"
 
 namespace {
 using namespace units_test;
 
+// Each unit as "symbol|solver keyword|long name" and its factor; out of range (index or type)
+// there is no name, no keyword and the invalid factor. The pixel has no factor either.
 TEST(UnitCatalogue, BaseUnitTables) {
-  const struct {
-    _ZmUnitType type;
-    int index;
-    const wchar_t *shortName, *keyword, *longName;
-    float factor;
-  } units[] = {{ZmUnitTypeLength, 0, L"m", L"M", L"Meter", 1.0f},
-               {ZmUnitTypeLength, 1, L"cm", L"CM", L"Centimeter", 100.0f},
-               {ZmUnitTypeLength, 2, L"mm", L"MM", L"Millimeter", 1000.0f},
-               {ZmUnitTypeLength, 3, L"ft", L"FOOT", L"Foot", 3.281f},
-               {ZmUnitTypeLength, 4, L"in", L"INCH", L"Inch", 39.37f},
-               {ZmUnitTypeLength, ZmUnitPixel, L"px", L"", L"Pixel", kInvalid},
-               {ZmUnitTypeMass, 0, L"Kg", L"KG", L"Kilogram", 1.0f},
-               {ZmUnitTypeMass, 1, L"HKg", L"HKG", L"Hundred kilogram", 0.01f},
-               {ZmUnitTypeMass, 2, L"Kg*9.81", L"KG/G", L"Kilogram*9.81", 0.10197162f},
-               {ZmUnitTypeMass, 3, L"g", L"GRAM", L"Gram", 1000.0f},
-               {ZmUnitTypeMass, 4, L"T", L"TON", L"Ton", 0.001f},
-               {ZmUnitTypeMass, 5, L"T*9.81", L"DTON", L"Ton*9.81", 0.00010197162f},
-               {ZmUnitTypeMass, 6, L"slug", L"SLUG", L"Slug", 0.068522f},
-               {ZmUnitTypeMass, 7, L"lbm", L"POUND", L"Pound", 2.2046f},
-               {ZmUnitTypeMass, ZmUnitMercureKg, L"mKg", L"", L"mercure Kg", 0.0075006154f},
-               {ZmUnitTypeTime, 0, L"s", L"S", L"Second", 1.0f},
-               {ZmUnitTypeTime, 1, L"ms", L"MS", L"Millisecond", 1000.0f},
-               {ZmUnitTypeTime, 2, L"us", L"US", L"Microsecond", 1e6f},
-               {ZmUnitTypeTemp, 0, L"K", L"KELVIN", L"Kelvin", 1.0f},
-               {ZmUnitTypeTemp, 1, L"C", L"CELSIUS", L"Celsius", 1.0f},
-               {ZmUnitTypeTemp, 2, L"F", L"FAHR", L"Fahrenheit", 1.0f},
-               {ZmUnitTypeTemp, ZmUnitRankine, L"Ra", L"RANK", L"Rankine", 1.0f},
-               {ZmUnitTypeAngle, 0, L"deg", L"", L"Degree", 1.0f},
-               {ZmUnitTypeAngle, 1, L"rad", L"", L"Radian", 0.017453292f},
-               // Out of range: no names, no keyword, the invalid factor.
-               {ZmUnitTypeLength, 6, L"", L"", L"", kInvalid},
-               {ZmUnitTypeTime, -1, L"", L"", L"", kInvalid},
-               {ZmUnitTypeTime, 3, L"", L"", L"", kInvalid},
-               {ZmUnitTypeMass, -1, L"", L"", L"", kInvalid},
-               {ZmUnitTypeAngle, 2, L"", L"", L"", kInvalid},
-               {static_cast<_ZmUnitType>(5), 0, L"", L"", L"", kInvalid}};
-  for (const auto& u : units) {
-    SCOPED_TRACE(testing::Message() << "type " << u.type << " index " << u.index);
-    EXPECT_EQ(Text(ZmUnitMgr.UnitIndex2ShortName(u.type, u.index)) + L"|" +
-                  ZmUnitMgr.UnitIndex2CSMKeyword(u.type, u.index) + L"|" +
-                  Text(ZmUnitMgr.UnitIndex2LongName(u.type, u.index)),
-              std::wstring(u.shortName) + L"|" + u.keyword + L"|" + u.longName);
-    EXPECT_EQ(ZmUnitMgr.UnitIndex2Factor(u.type, u.index), u.factor);
-    EXPECT_EQ(ZmUnitMgr.IsSupportedByCSM(u.type, u.index), u.keyword[0] ? 1 : 0);
+  const int l = ZmUnitTypeLength, m = ZmUnitTypeMass, t = ZmUnitTypeTime, k = ZmUnitTypeTemp, a = ZmUnitTypeAngle;
+  // clang-format off
+  const std::tuple<int, int, const wchar_t*, float> units[] = {
+      {l, 0, L"m|M|Meter", 1.0f}, {l, 1, L"cm|CM|Centimeter", 100.0f}, {l, 2, L"mm|MM|Millimeter", 1000.0f},
+      {l, 3, L"ft|FOOT|Foot", 3.281f}, {l, 4, L"in|INCH|Inch", 39.37f}, {l, ZmUnitPixel, L"px||Pixel", kInvalid},
+      {m, 0, L"Kg|KG|Kilogram", 1.0f}, {m, 1, L"HKg|HKG|Hundred kilogram", 0.01f},
+      {m, 2, L"Kg*9.81|KG/G|Kilogram*9.81", 0.10197162f}, {m, 3, L"g|GRAM|Gram", 1000.0f}, {m, 4, L"T|TON|Ton", 0.001f},
+      {m, 5, L"T*9.81|DTON|Ton*9.81", 0.00010197162f}, {m, 6, L"slug|SLUG|Slug", 0.068522f},
+      {m, 7, L"lbm|POUND|Pound", 2.2046f}, {m, ZmUnitMercureKg, L"mKg||mercure Kg", 0.0075006154f},
+      {t, 0, L"s|S|Second", 1.0f}, {t, 1, L"ms|MS|Millisecond", 1000.0f}, {t, 2, L"us|US|Microsecond", 1e6f},
+      {k, 0, L"K|KELVIN|Kelvin", 1.0f}, {k, 1, L"C|CELSIUS|Celsius", 1.0f}, {k, 2, L"F|FAHR|Fahrenheit", 1.0f},
+      {k, ZmUnitRankine, L"Ra|RANK|Rankine", 1.0f}, {a, 0, L"deg||Degree", 1.0f}, {a, 1, L"rad||Radian", 0.017453292f},
+      {l, -1, L"||", kInvalid}, {l, 6, L"||", kInvalid}, {m, 9, L"||", kInvalid}, {t, 3, L"||", kInvalid},
+      {k, 4, L"||", kInvalid}, {a, 2, L"||", kInvalid}, {5, 0, L"||", kInvalid}, {-1, 0, L"||", kInvalid}};
+  // clang-format on
+  for (const auto& [type, i, names, factor] : units) {
+    const auto ty = static_cast<_ZmUnitType>(type);
+    const std::wstring keyword = ZmUnitMgr.UnitIndex2CSMKeyword(ty, i);
+    EXPECT_EQ(
+        Text(ZmUnitMgr.UnitIndex2ShortName(ty, i)) + L"|" + keyword + L"|" + Text(ZmUnitMgr.UnitIndex2LongName(ty, i)),
+        names);
+    EXPECT_EQ(ZmUnitMgr.UnitIndex2Factor(ty, i), factor) << names;
+    EXPECT_EQ(ZmUnitMgr.IsSupportedByCSM(ty, i), keyword.empty() ? 0 : 1) << names;
   }
-  const int counts[] = {6, 9, 3, 4, 2};
-  for (int t = 0; t < 5; ++t) EXPECT_EQ(ZmUnitMgr.GetUnitCount(static_cast<_ZmUnitType>(t)), counts[t]);
+  EXPECT_EQ(std::vector<int>({ZmUnitMgr.GetUnitCount(ZmUnitTypeLength), ZmUnitMgr.GetUnitCount(ZmUnitTypeMass),
+                              ZmUnitMgr.GetUnitCount(ZmUnitTypeTime), ZmUnitMgr.GetUnitCount(ZmUnitTypeTemp),
+                              ZmUnitMgr.GetUnitCount(ZmUnitTypeAngle)}),
+            std::vector<int>({6, 9, 3, 4, 2}));
   EXPECT_EQ(ZmUnitMgr.UnitIndex2CSMKeyword(ZmUnitTypeAngle, 2), ZmUnitMgr.UnitIndex2CSMKeyword(ZmUnitTypeTime, -7));
 }
 
@@ -60,27 +45,23 @@ TEST(UnitCatalogue, DerivedUnitsFollowTheBaseUnits) {
   ASSERT_EQ(ZmUnitMgr.GetEquivalentUnitCount(), 40u);
   EXPECT_EQ(ZmUnitMgr.GetEquivalentUnit(40), nullptr);
   // name, dimension, system indices "l m t k a"
+  const ZmUnitDim &len = ZmUnitDimLength, &mass = ZmUnitDimMass, &time = ZmUnitDimTime, &temp = ZmUnitDimTemp;
+  const ZmUnitDim &freq = ZmUnitDimFreq, &force = ZmUnitDimForce, &pres = ZmUnitDimPressure, &dens = ZmUnitDimDensity;
+  // clang-format off
   const std::tuple<const wchar_t*, const ZmUnitDim&, const char*> expected[] = {
-      {L"m", ZmUnitDimLength, "0 -1 -1 0 0"},     {L"cm", ZmUnitDimLength, "1 -1 -1 0 0"},
-      {L"mm", ZmUnitDimLength, "2 -1 -1 0 0"},    {L"ft", ZmUnitDimLength, "3 -1 -1 0 0"},
-      {L"in", ZmUnitDimLength, "4 -1 -1 0 0"},    {L"px", ZmUnitDimLength, "5 -1 -1 0 0"},
-      {L"Kg", ZmUnitDimMass, "-1 0 -1 0 0"},      {L"HKg", ZmUnitDimMass, "-1 1 -1 0 0"},
-      {L"Kg*9.81", ZmUnitDimMass, "-1 2 -1 0 0"}, {L"g", ZmUnitDimMass, "-1 3 -1 0 0"},
-      {L"T", ZmUnitDimMass, "-1 4 -1 0 0"},       {L"T*9.81", ZmUnitDimMass, "-1 5 -1 0 0"},
-      {L"slug", ZmUnitDimMass, "-1 6 -1 0 0"},    {L"lbm", ZmUnitDimMass, "-1 7 -1 0 0"},
-      {L"mKg", ZmUnitDimMass, "-1 8 -1 0 0"},     {L"s", ZmUnitDimTime, "-1 -1 0 0 0"},
-      {L"ms", ZmUnitDimTime, "-1 -1 1 0 0"},      {L"us", ZmUnitDimTime, "-1 -1 2 0 0"},
-      {L"K", ZmUnitDimTemp, "-1 -1 -1 0 0"},      {L"C", ZmUnitDimTemp, "-1 -1 -1 1 0"},
-      {L"F", ZmUnitDimTemp, "-1 -1 -1 2 0"},      {L"Ra", ZmUnitDimTemp, "-1 -1 -1 3 0"},
-      {L"deg", ZmUnitDimAngle, "-1 -1 -1 0 0"},   {L"rad", ZmUnitDimAngle, "-1 -1 -1 0 1"},
-      {L"Hz", ZmUnitDimFreq, "-1 -1 0 0 0"},      {L"KHz", ZmUnitDimFreq, "-1 -1 1 0 0"},
-      {L"MHz", ZmUnitDimFreq, "-1 -1 2 0 0"},     {L"N", ZmUnitDimForce, "2 4 0 0 0"},
-      {L"kN", ZmUnitDimForce, "2 0 1 0 0"},       {L"Nmm", ZmUnitDimMoment, "2 4 0 0 0"},
-      {L"Nm", ZmUnitDimMoment, "2 0 1 0 0"},      {L"Pa", ZmUnitDimPressure, "0 0 0 0 0"},
-      {L"KPa", ZmUnitDimPressure, "2 0 0 0 0"},   {L"MPa", ZmUnitDimPressure, "2 4 0 0 0"},
-      {L"GPa", ZmUnitDimPressure, "2 0 1 0 0"},   {L"dyn/cm2", ZmUnitDimPressure, "1 3 0 0 0"},
-      {L"mmHg", ZmUnitDimPressure, "0 8 0 0 0"},  {L"Kg/m3", ZmUnitDimDensity, "0 0 -1 0 0"},
-      {L"T/mm3", ZmUnitDimDensity, "2 4 -1 0 0"}, {L"Kg/mm3", ZmUnitDimDensity, "2 0 -1 0 0"}};
+      {L"m", len, "0 -1 -1 0 0"}, {L"cm", len, "1 -1 -1 0 0"}, {L"mm", len, "2 -1 -1 0 0"}, {L"ft", len, "3 -1 -1 0 0"},
+      {L"in", len, "4 -1 -1 0 0"}, {L"px", len, "5 -1 -1 0 0"}, {L"Kg", mass, "-1 0 -1 0 0"}, {L"HKg", mass, "-1 1 -1 0 0"},
+      {L"Kg*9.81", mass, "-1 2 -1 0 0"}, {L"g", mass, "-1 3 -1 0 0"}, {L"T", mass, "-1 4 -1 0 0"},
+      {L"T*9.81", mass, "-1 5 -1 0 0"}, {L"slug", mass, "-1 6 -1 0 0"}, {L"lbm", mass, "-1 7 -1 0 0"},
+      {L"mKg", mass, "-1 8 -1 0 0"}, {L"s", time, "-1 -1 0 0 0"}, {L"ms", time, "-1 -1 1 0 0"}, {L"us", time, "-1 -1 2 0 0"},
+      {L"K", temp, "-1 -1 -1 0 0"}, {L"C", temp, "-1 -1 -1 1 0"}, {L"F", temp, "-1 -1 -1 2 0"}, {L"Ra", temp, "-1 -1 -1 3 0"},
+      {L"deg", ZmUnitDimAngle, "-1 -1 -1 0 0"}, {L"rad", ZmUnitDimAngle, "-1 -1 -1 0 1"}, {L"Hz", freq, "-1 -1 0 0 0"},
+      {L"KHz", freq, "-1 -1 1 0 0"}, {L"MHz", freq, "-1 -1 2 0 0"}, {L"N", force, "2 4 0 0 0"}, {L"kN", force, "2 0 1 0 0"},
+      {L"Nmm", ZmUnitDimMoment, "2 4 0 0 0"}, {L"Nm", ZmUnitDimMoment, "2 0 1 0 0"}, {L"Pa", pres, "0 0 0 0 0"},
+      {L"KPa", pres, "2 0 0 0 0"}, {L"MPa", pres, "2 4 0 0 0"}, {L"GPa", pres, "2 0 1 0 0"}, {L"dyn/cm2", pres, "1 3 0 0 0"},
+      {L"mmHg", pres, "0 8 0 0 0"}, {L"Kg/m3", dens, "0 0 -1 0 0"}, {L"T/mm3", dens, "2 4 -1 0 0"},
+      {L"Kg/mm3", dens, "2 0 -1 0 0"}};
+  // clang-format on
   for (std::uint64_t i = 0; i < 40; ++i) {
     const ZmUnitManager::UnitEquivName* unit = ZmUnitMgr.GetEquivalentUnit(i);
     ASSERT_NE(unit, nullptr);
@@ -108,35 +89,28 @@ TEST(UnitCatalogue, NameAndKeywordLookups) {
 }
 
 TEST(UnitCatalogue, EquivalentUnitOfADimensionInASystem) {
-  const struct {
-    const ZmUnitDim& dim;
-    ZmUnitSystem system;
-    float factor;
-    const wchar_t* expected;
-  } rows[] = {{ZmUnitDimPressure, kMmTS, 1, L"MPa"},
-              {ZmUnitDimPressure, kMKgS, 1, L"Pa"},
-              {ZmUnitDimPressure, Sys(ZmUnitCentimeter, ZmUnitGram, ZmUnitSecond), 1, L"dyn/cm2"},
-              {ZmUnitDimPressure, Sys(ZmUnitFoot, ZmUnitPound, ZmUnitSecond), 1, L"<none: unchanged>"},
-              {ZmUnitDimForce, kMmKgMs, 1, L"kN"},
-              // 1 kg/(m s^2) is 1 N/m^2: in (m, Kg, s) a force is the newton of the (mm, T, s) table.
-              {ZmUnitDimForce, kMKgS, 1, L"N"},
-              {ZmUnitDimFreq, Sys(ZmUnitMeter, ZmUnitKilogram, ZmUnitMillisecond), 1, L"KHz"},
-              {ZmUnitDimDensity, Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitTimeUnset), 1, L"T/mm3"},
-              // 133.32 Pa: the mercury pressure unit through its auxiliary mass (m, mKg, s).
-              {ZmUnitDimPressure, Sys(ZmUnitMeter, ZmUnitMercureKg, ZmUnitSecond), 1, L"mmHg"},
-              // A factor: 1e-6 of the display unit (Pa) is one MPa, and a factor that matches nothing is
-              // written after the unit that matches 1.
-              {ZmUnitDimPressure, kMKgS, 1e-6f, L"MPa"},
-              {ZmUnitDimPressure, kMKgS, 2.5f, L"Pa * 2.5"},
-              // A system that cannot express the dimension has no equivalent; the pixel converts into no
-              // other unit, so only its own entry fits a length in pixels.
-              {ZmUnitDimPressure, kNoLength, 1, L"<none: unchanged>"},
-              {ZmUnitDimPressure, kPixels, 1, L"<none: unchanged>"},
-              {ZmUnitDimLength, kPixels, 1, L"px"}};
-  for (const auto& r : rows) {
-    WbString name(L"unchanged");
-    const unsigned char found = ZmUnitMgr.FindEquivalentUnit(r.dim, r.system, name, r.factor);
-    EXPECT_EQ(found ? Text(name) : L"<none: " + Text(name) + L">", r.expected) << Units(r.system);
+  const ZmUnitSystem cmGS = SysAt(1, 3, 0), mKgMs = SysAt(0, 0, 1), ftLbmS = SysAt(3, 7, 0),
+                     mmTNoTime = SysAt(2, 4, -1);
+  const ZmUnitSystem mMKgS = Sys(ZmUnitMeter, ZmUnitMercureKg, ZmUnitSecond);
+  // clang-format off
+  const std::tuple<const ZmUnitDim&, const ZmUnitSystem&, float, const wchar_t*> rows[] = {
+      {ZmUnitDimPressure, kMmTS, 1, L"MPa"}, {ZmUnitDimPressure, kMKgS, 1, L"Pa"}, {ZmUnitDimPressure, cmGS, 1, L"dyn/cm2"},
+      {ZmUnitDimPressure, ftLbmS, 1, L"-"}, {ZmUnitDimForce, kMmKgMs, 1, L"kN"}, {ZmUnitDimFreq, mKgMs, 1, L"KHz"},
+      // 1 kg/(m s^2) is 1 N/m^2: in (m, Kg, s) a force is the newton of the (mm, T, s) table.
+      {ZmUnitDimForce, kMKgS, 1, L"N"}, {ZmUnitDimDensity, mmTNoTime, 1, L"T/mm3"},
+      // 133.32 Pa: the mercury pressure unit through its auxiliary mass (m, mKg, s).
+      {ZmUnitDimPressure, mMKgS, 1, L"mmHg"},
+      // A factor: 1e-6 of the display unit (Pa) is one MPa, and a factor that matches nothing is
+      // written after the unit that matches 1.
+      {ZmUnitDimPressure, kMKgS, 1e-6f, L"MPa"}, {ZmUnitDimPressure, kMKgS, 2.5f, L"Pa * 2.5"},
+      // A system that cannot express the dimension has no equivalent; the pixel converts into no
+      // other unit, so only its own entry fits a length in pixels.
+      {ZmUnitDimPressure, kNoLength, 1, L"-"}, {ZmUnitDimPressure, kPixels, 1, L"-"}, {ZmUnitDimLength, kPixels, 1, L"px"}};
+  // clang-format on
+  for (const auto& [dim, system, factor, expected] : rows) {
+    WbString name(L"-");  // left as it is when nothing fits
+    EXPECT_EQ(ZmUnitMgr.FindEquivalentUnit(dim, system, name, factor), expected[0] == L'-' ? 0 : 1) << Units(system);
+    EXPECT_EQ(Text(name), expected);
   }
 }
 
@@ -179,60 +153,49 @@ TEST(UnitCatalogue, CopiesAreIndependentOfTheGlobalCatalogue) {
   EXPECT_EQ(Text(assigned.GetEquivalentUnit(40)->name), L"J/m3");
 }
 
-TEST(UnitCatalogue, WritesTheSolverUnitLine) {
-  // The angle is not written, so an unset angle does not matter; the first unsupported unit in
-  // the order length, mass, time, temperature is reported and the text is kept.
-  const struct {
-    ZmUnitSystem system;
-    unsigned char prefix;
-    const wchar_t* expected;
-  } rows[] = {
-      {kMmTS, 1, L"UNIT MM TON S KELVIN"},
-      {kMmTS, 0, L"MM TON S KELVIN"},
-      {Sys(ZmUnitInch, ZmUnitPound, ZmUnitMillisecond, ZmUnitRankine, ZmUnitAngleUnset), 1, L"UNIT INCH POUND MS RANK"},
-      {kPixels, 1, L"Unsupported length unit"},
-      {Sys(ZmUnitMillimeter, ZmUnitMercureKg, ZmUnitSecond), 1, L"Unsupported mass unit"},
-      {Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitTimeUnset), 1, L"Unsupported time unit"},
-      {SysAt(2, 4, 0, 4), 1, L"Unsupported temperature unit"},
-      {ZmUnitSystem(), 1, L"Unsupported length unit"}};
-  for (const auto& r : rows) {
+// The angle is not written, so an unset angle does not matter; on failure the first unsupported
+// unit in the order length, mass, time, temperature is reported and the text is kept. Reading:
+// words after the fourth are ignored, the angle becomes radian and the indices are stored before
+// they are checked.
+TEST(UnitCatalogue, SolverUnitLineBothWays) {
+  const auto write = [](const ZmUnitSystem& system, unsigned char prefix) {
     WbString text(L"kept");
-    const WbErrObj* error = ZmUnitMgr.FormatCSMSolverString(r.system, text, r.prefix);
-    EXPECT_EQ(error ? Message(error) + L" " + Text(text) : Text(text),
-              error ? r.expected + std::wstring(L" kept") : r.expected);
-  }
-}
+    const WbErrObj* error = ZmUnitMgr.FormatCSMSolverString(system, text, prefix);
+    return (error ? Message(error) + L": " : L"") + Text(text);
+  };
+  EXPECT_EQ(write(kMmTS, 1), L"UNIT MM TON S KELVIN");
+  EXPECT_EQ(write(kMmTS, 0), L"MM TON S KELVIN");
+  EXPECT_EQ(write(Sys(ZmUnitInch, ZmUnitPound, ZmUnitMillisecond, ZmUnitRankine, ZmUnitAngleUnset), 1),
+            L"UNIT INCH POUND MS RANK");
+  EXPECT_EQ(write(kPixels, 1), L"Unsupported length unit: kept");
+  EXPECT_EQ(write(Sys(ZmUnitMillimeter, ZmUnitMercureKg, ZmUnitSecond), 1), L"Unsupported mass unit: kept");
+  EXPECT_EQ(write(Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitTimeUnset), 1), L"Unsupported time unit: kept");
+  EXPECT_EQ(write(SysAt(2, 4, 0, 4), 1), L"Unsupported temperature unit: kept");
+  EXPECT_EQ(write(ZmUnitSystem(), 1), L"Unsupported length unit: kept");
 
-TEST(UnitCatalogue, ReadsTheSolverUnitLine) {
   const auto read = [](const wchar_t* text, unsigned char prefix) {
     ZmUnitSystem system;
     const WbErrObj* error = ZmUnitMgr.CSMSolverStringToSystem(text, system, prefix);
-    return error ? Message(error) : L"ok " + WideUnits(system);
+    return (error ? Message(error) + L": " : L"") + WideUnits(system);
   };
+  // A null expectation: the format is refused with the text and the system is untouched.
+  // clang-format off
   const std::tuple<const wchar_t*, int, const wchar_t*> rows[] = {
-      {L"UNIT MM TON S KELVIN", 1, L"ok 2 4 0 0 1"},
-      {L"UNIT\tM  \t KG S   CELSIUS extra words", 1, L"ok 0 0 0 1 1"},  // tabs, runs of blanks, more words
-      {L"FOOT SLUG US FAHR", 0, L"ok 3 6 2 2 1"},
-      {L"UNIT MM TON S", 1, L"Internal error : bad UNIT attribute format (UNIT MM TON S)"},
-      {L"MM TON S KELVIN", 1, L"Internal error : bad UNIT attribute format (MM TON S KELVIN)"},
-      {L"unit MM TON S KELVIN", 1, L"Internal error : bad UNIT attribute format (unit MM TON S KELVIN)"},
-      {L"", 1, L"Internal error : bad UNIT attribute format ()"},
-      {L"", 0, L"Internal error : bad UNIT attribute format ()"},
-      {L"UNIT", 1, L"Internal error : bad UNIT attribute format (UNIT)"},
-      {L"UNIT MM\t\t  TON   S", 1, L"Internal error : bad UNIT attribute format (UNIT MM\t\t  TON   S)"},
-      {L"UNIT MM TONNE S K", 1, L"Unsupported mass unit 'TONNE'"},
-      {L"UNIT mm TON S KELVIN", 1, L"Unsupported length unit 'mm'"},
-      {L"UNIT MM TON SEC KELVIN", 1, L"Unsupported time unit 'SEC'"},
-      {L"UNIT MM TON S K", 1, L"Unsupported temperature unit 'K'"},
+      {L"UNIT MM TON S KELVIN", 1, L"2 4 0 0 1"}, {L"UNIT\tM  \t KG S   CELSIUS extra words", 1, L"0 0 0 1 1"},
+      {L"FOOT SLUG US FAHR", 0, L"3 6 2 2 1"}, {L"UNIT MM TON S", 1, nullptr}, {L"MM TON S KELVIN", 1, nullptr},
+      {L"unit MM TON S KELVIN", 1, nullptr}, {L"", 1, nullptr}, {L"", 0, nullptr}, {L"UNIT", 1, nullptr},
+      {L"UNIT MM\t\t  TON   S", 1, nullptr}, {L"UNIT MM TONNE S K", 1, L"Unsupported mass unit 'TONNE': 2 -1 0 -1 1"},
+      {L"UNIT mm TON S KELVIN", 1, L"Unsupported length unit 'mm': -1 4 0 0 1"},
+      {L"UNIT MM TON SEC KELVIN", 1, L"Unsupported time unit 'SEC': 2 4 -1 0 1"},
+      {L"UNIT MM TON S K", 1, L"Unsupported temperature unit 'K': 2 4 0 -1 1"},
       // Without the prefix flag the word UNIT is a (bad) length keyword.
-      {L"UNIT MM TON S KELVIN", 0, L"Unsupported length unit 'UNIT'"}};
-  for (const auto& r : rows) {
-    EXPECT_EQ(read(std::get<0>(r), static_cast<unsigned char>(std::get<1>(r))), std::get<2>(r));
+      {L"UNIT MM TON S KELVIN", 0, L"Unsupported length unit 'UNIT': -1 -1 -1 -1 1"}};
+  // clang-format on
+  for (const auto& [text, prefix, expected] : rows) {
+    const std::wstring refused =
+        L"Internal error : bad UNIT attribute format (" + std::wstring(text) + L"): -1 -1 -1 -1 -1";
+    EXPECT_EQ(read(text, static_cast<unsigned char>(prefix)), expected ? expected : refused);
   }
-  // The indices are stored before they are checked.
-  ZmUnitSystem system;
-  ASSERT_NE(ZmUnitMgr.CSMSolverStringToSystem(L"UNIT MM TONNE S K", system, 1), nullptr);
-  EXPECT_EQ(Units(system), "2 -1 0 -1 1");
 }
 
 TEST(UnitCatalogue, SolverLineRoundTripsForEverySupportedSystem) {
