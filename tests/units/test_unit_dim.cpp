@@ -10,56 +10,45 @@ namespace {
 using namespace units_test;
 
 TEST(UnitDim, GlobalDimensionsHaveTheirNamesAndExponents) {
+  // clang-format off
   const std::pair<const ZmUnitDim&, const wchar_t*> rows[] = {
-      {ZmUnitDimNone, L"Ratio: 0 0 0 0 0"},
-      {ZmUnitDimTime, L"Time: 0 0 1 0 0"},
-      {ZmUnitDimMass, L"Mass: 0 1 0 0 0"},
-      {ZmUnitDimFreq, L"Frequency: 0 0 -1 0 0"},
-      {ZmUnitDimLength, L"Length: 1 0 0 0 0"},
-      {ZmUnitDimArea, L"Area: 2 0 0 0 0"},
-      {ZmUnitDimVolume, L"Volume: 3 0 0 0 0"},
-      {ZmUnitDimPressure, L"Pressure: -1 1 -2 0 0"},
-      {ZmUnitDimVelocity, L"Velocity: 1 0 -1 0 0"},
-      {ZmUnitDimAcceleration, L"Acceleration: 1 0 -2 0 0"},
-      {ZmUnitDimForce, L"Force: 1 1 -2 0 0"},
-      {ZmUnitDimMoment, L"Moment: 2 1 -2 0 0"},
-      {ZmUnitDimDensity, L"Density: -3 1 0 0 0"},
-      {ZmUnitDimInertia, L"Inertia: 2 1 0 0 0"},
-      {ZmUnitDimAngle, L"Angle: 0 0 0 0 1"},
-      {ZmUnitDimInvLength, L"Inv. Length: -1 0 0 0 0"},
+      {ZmUnitDimNone, L"Ratio: 0 0 0 0 0"}, {ZmUnitDimTime, L"Time: 0 0 1 0 0"}, {ZmUnitDimMass, L"Mass: 0 1 0 0 0"},
+      {ZmUnitDimFreq, L"Frequency: 0 0 -1 0 0"}, {ZmUnitDimLength, L"Length: 1 0 0 0 0"}, {ZmUnitDimArea, L"Area: 2 0 0 0 0"},
+      {ZmUnitDimVolume, L"Volume: 3 0 0 0 0"}, {ZmUnitDimPressure, L"Pressure: -1 1 -2 0 0"},
+      {ZmUnitDimVelocity, L"Velocity: 1 0 -1 0 0"}, {ZmUnitDimAcceleration, L"Acceleration: 1 0 -2 0 0"},
+      {ZmUnitDimForce, L"Force: 1 1 -2 0 0"}, {ZmUnitDimMoment, L"Moment: 2 1 -2 0 0"},
+      {ZmUnitDimDensity, L"Density: -3 1 0 0 0"}, {ZmUnitDimInertia, L"Inertia: 2 1 0 0 0"},
+      {ZmUnitDimAngle, L"Angle: 0 0 0 0 1"}, {ZmUnitDimInvLength, L"Inv. Length: -1 0 0 0 0"},
       {ZmUnitDimTemp, L"Temperature: 0 0 0 1 0"},
       // The only quotient, made of copies of Force and Length.
       {ZmUnitDimForcePerLength, L"Force per Length: 0 1 -2 0 0 [Force: 1 1 -2 0 0 / Length: 1 0 0 0 0]"}};
+  // clang-format on
   for (const auto& row : rows) EXPECT_EQ(Describe(row.first), row.second);
   EXPECT_NE(ZmUnitDimForcePerLength.GetPerNumerator(), &ZmUnitDimForce);
 }
 
-TEST(UnitDim, SumAndDifferenceBothAddExponents) {
-  ZmUnitDim root;
+// Sum and difference both add exponents; the quotient constructor subtracts integer exponents
+// but adds fractional ones (kept as established).
+TEST(UnitDim, SumDifferenceAndQuotient) {
+  ZmUnitDim root, a(L"A", 0, 1, 3, 0, 0), b(L"B", 0, 2, 1, 0, 0);
   root.SetTypeDimension(ZmUnitTypeLength, 1, 2);
-  const ZmUnitDim difference = ZmUnitDimForce - ZmUnitDimLength;
+  a.SetTypeDimension(ZmUnitTypeLength, 1, 2);
+  b.SetTypeDimension(ZmUnitTypeLength, 1, 2);
   const ZmUnitDim quotientSum = ZmUnitDimForcePerLength + ZmUnitDimTime;
   const std::pair<std::wstring, const wchar_t*> rows[] = {
-      {Describe(difference), L": 2 1 -2 0 0"},  // adds, and the result has no name
+      {Describe(ZmUnitDimForce - ZmUnitDimLength), L": 2 1 -2 0 0"},  // the result has no name
       {Describe(ZmUnitDimForce + ZmUnitDimLength), L": 2 1 -2 0 0"},
       {Describe(ZmUnitDimTime + ZmUnitDimFreq), L": 0 0 0 0 0"},
       {Describe(root + ZmUnitDimArea), L": 3/2 0 0 0 0"},  // denominators are untouched
       // A quotient operand contributes its numerator component: Length + Force.
       {Describe(ZmUnitDimLength + ZmUnitDimForcePerLength), L": 2 1 -2 0 0"},
-      // A quotient result adds into its own numerator component and keeps its exponents.
+      // A quotient result adds into its own numerator component and keeps its exponents ...
       {Describe(quotientSum), L": 0 1 -2 0 0 [Force: 1 1 -1 0 0 / Length: 1 0 0 0 0]"},
       // ... and the operand it came from is not modified through shared components.
-      {Describe(ZmUnitDimForcePerLength), L"Force per Length: 0 1 -2 0 0 [Force: 1 1 -2 0 0 / Length: 1 0 0 0 0]"}};
+      {Describe(ZmUnitDimForcePerLength), L"Force per Length: 0 1 -2 0 0 [Force: 1 1 -2 0 0 / Length: 1 0 0 0 0]"},
+      // Length (1*2 + 2*1) / (2*2) = 4/4, the sum, not 1/2 - 1/2 = 0; mass 1 - 2, time 3 - 1.
+      {Describe(ZmUnitDim(a, b)), L"A per B: 4/4 -1 2 0 0 [A: 1/2 1 3 0 0 / B: 1/2 2 1 0 0]"}};
   for (const auto& row : rows) EXPECT_EQ(row.first, row.second);
-}
-
-TEST(UnitDim, QuotientConstructorSubtractsIntegersAndAddsFractions) {
-  ZmUnitDim a(L"A", 0, 1, 3, 0, 0), b(L"B", 0, 2, 1, 0, 0);
-  a.SetTypeDimension(ZmUnitTypeLength, 1, 2);
-  b.SetTypeDimension(ZmUnitTypeLength, 1, 2);
-  // Length: (1*2 + 2*1) / (2*2) = 4/4 -- the sum, kept as established, not 1/2 - 1/2 = 0.
-  // Integer exponents subtract: mass 1 - 2, time 3 - 1.
-  EXPECT_EQ(Describe(ZmUnitDim(a, b)), L"A per B: 4/4 -1 2 0 0 [A: 1/2 1 3 0 0 / B: 1/2 2 1 0 0]");
 }
 
 // Exponents that would leave the int range saturate instead of wrapping (a wrapped INT_MAX + 1
@@ -67,16 +56,14 @@ TEST(UnitDim, QuotientConstructorSubtractsIntegersAndAddsFractions) {
 // Columns: a (num, den), b (num, den), then the quotient's num and den and the sum's num.
 // Fractions: num a.num * b.den + a.den * b.num, den a.den * b.den.
 TEST(UnitDim, ExponentArithmeticSaturates) {
+  // clang-format off
   const int rows[][7] = {
-      {INT_MAX, 1, -1, 1, INT_MAX, 1, INT_MAX - 1},
-      {INT_MIN, 1, 1, 1, INT_MIN, 1, INT_MIN + 1},
-      {INT_MAX, 1, INT_MAX, 1, 0, 1, INT_MAX},
-      {INT_MIN, 1, INT_MIN, 1, 0, 1, INT_MIN},
-      {INT_MAX, 2, 1, 2, INT_MAX, 4, INT_MAX},
-      {1, INT_MAX, 1, 3, INT_MAX, INT_MAX, 2},
+      {INT_MAX, 1, -1, 1, INT_MAX, 1, INT_MAX - 1}, {INT_MIN, 1, 1, 1, INT_MIN, 1, INT_MIN + 1},
+      {INT_MAX, 1, INT_MAX, 1, 0, 1, INT_MAX}, {INT_MIN, 1, INT_MIN, 1, 0, 1, INT_MIN},
+      {INT_MAX, 2, 1, 2, INT_MAX, 4, INT_MAX}, {1, INT_MAX, 1, 3, INT_MAX, INT_MAX, 2},
       {-3, 2, INT_MAX, 2, INT_MAX, 4, INT_MAX - 3},                     // -6 + 2 INT_MAX saturates, -3 + INT_MAX fits
-      {INT_MIN, INT_MIN, INT_MIN, INT_MIN, INT_MAX, INT_MAX, INT_MIN},  // 2^62 + 2^62 passes even 64 bits
-  };
+      {INT_MIN, INT_MIN, INT_MIN, INT_MIN, INT_MAX, INT_MAX, INT_MIN}};  // 2^62 + 2^62 passes even 64 bits
+  // clang-format on
   for (const auto& r : rows) {
     ZmUnitDim a, b;
     a.SetTypeDimension(ZmUnitTypeTime, r[0], r[1]);
@@ -141,28 +128,20 @@ TEST(UnitDim, ScaleValueInBothPrecisions) {
   halfTime.SetTypeDimension(ZmUnitTypeTime, 1, 2);
   minusThreeQuarters.SetTypeDimension(ZmUnitTypeTime, -3, 4);
   const ZmUnitDim* area = &ZmUnitDimArea;
-  const struct {
-    const ZmUnitDim* dim;
-    float value;
-    double factor;
-    int type;
-    float expectedF;
-    double expectedD;
-  } rows[] = {
-      {area, 5.0f, 1000.0, ZmUnitTypeLength, 5.0e6f, 5.0e6},
-      {&ZmUnitDimInvLength, 5.0f, 1000.0, ZmUnitTypeLength, 0.004999999888241291f, 0.005},  // float(5 / 1000)
-      {area, 5.0f, double(kInvalid), ZmUnitTypeLength, 5.0f, 5.0},
-      {&ZmUnitDimNone, 5.0f, 123.0, ZmUnitTypeLength, 5.0f, 5.0},
-      {&ZmUnitDimNone, 5.0f, double(kInvalid), ZmUnitTypeMass, 5.0f, 5.0},
+  const int length = ZmUnitTypeLength;
+  // clang-format off
+  const struct { const ZmUnitDim* dim; float value; double factor; int type; float expectedF; double expectedD; } rows[] = {
+      {area, 5.0f, 1000.0, length, 5.0e6f, 5.0e6}, {area, 5.0f, double(kInvalid), length, 5.0f, 5.0},
+      {&ZmUnitDimInvLength, 5.0f, 1000.0, length, 0.004999999888241291f, 0.005},  // float(5 / 1000)
+      {&ZmUnitDimNone, 5.0f, 123.0, length, 5.0f, 5.0}, {&ZmUnitDimNone, 5.0f, double(kInvalid), ZmUnitTypeMass, 5.0f, 5.0},
       {area, 5.0f, 1000.0, 9, 5.0f, 5.0},
       // float: (3.281 * 3.281) * 3.281 = 35.31983184814453, the rounded cube 35.3198356628418 (numpy
       // float32); double: 3.281 * 3.281 * 3.281 = 35.31983704100001 (Python).
-      {&ZmUnitDimVolume, 1.0f, 3.281, ZmUnitTypeLength, 35.31983184814453f, 35.31983704100001},
+      {&ZmUnitDimVolume, 1.0f, 3.281, length, 35.31983184814453f, 35.31983704100001},
       // ((1 / 10) / 10) / 10 = 0.0009999999310821295 in float, not float(0.001); 0.001 in double.
-      {&ZmUnitDimDensity, 1.0f, 10.0, ZmUnitTypeLength, 0.0009999999310821295f, 0.001},
-      {&halfTime, 4.0f, 9.0, ZmUnitTypeTime, 12.0f, 12.0},           // 4 * 9^(1/2)
-      {&minusThreeQuarters, 8.0f, 16.0, ZmUnitTypeTime, 1.0f, 1.0},  // 8 * 16^(-3/4)
-  };
+      {&ZmUnitDimDensity, 1.0f, 10.0, length, 0.0009999999310821295f, 0.001},
+      {&halfTime, 4.0f, 9.0, ZmUnitTypeTime, 12.0f, 12.0}, {&minusThreeQuarters, 8.0f, 16.0, ZmUnitTypeTime, 1.0f, 1.0}};
+  // clang-format on
   for (const auto& r : rows) {
     const auto type = static_cast<_ZmUnitType>(r.type);
     EXPECT_EQ(r.dim->ScaleValue(r.value, static_cast<float>(r.factor), type), r.expectedF) << r.factor;
@@ -180,30 +159,21 @@ TEST(UnitDim, ComposedSymbols) {
   massHalves = halves;
   massHalves.SetTypeDimension(ZmUnitTypeLength, 0, 1);
   massHalves.SetTypeDimension(ZmUnitTypeMass, -3, 2);
-  const struct {
-    const ZmUnitDim& dim;
-    const ZmUnitSystem& system;
-    float factor;
-    unsigned char equivalent;
-    const wchar_t* expected;
-  } rows[] = {
-      {ZmUnitDimPressure, kMmTS, 1.0f, 0, L"T/mm.s2"},
-      {ZmUnitDimPressure, kMmTS, 1.0f, 1, L"MPa"},
-      {ZmUnitDimVelocity, kMKgS, 1.0f, 1, L"m/s"},
-      {ZmUnitDimFreq, kMKgS, 1.0f, 0, L"1/s"},
-      {ZmUnitDimFreq, kMKgS, 2.0f, 0, L"2/s"},
-      {ZmUnitDimFreq, kMKgS, 1.0f, 1, L"Hz"},
+  // clang-format off
+  const std::tuple<const ZmUnitDim&, const ZmUnitSystem&, float, unsigned char, const wchar_t*> rows[] = {
+      {ZmUnitDimPressure, kMmTS, 1.0f, 0, L"T/mm.s2"}, {ZmUnitDimPressure, kMmTS, 1.0f, 1, L"MPa"},
+      {ZmUnitDimVelocity, kMKgS, 1.0f, 1, L"m/s"}, {ZmUnitDimFreq, kMKgS, 1.0f, 0, L"1/s"},
+      {ZmUnitDimFreq, kMKgS, 2.0f, 0, L"2/s"}, {ZmUnitDimFreq, kMKgS, 1.0f, 1, L"Hz"},
       {ZmUnitDimMoment, mmKgS, 1.0f, 1, L"mm2.Kg/s2"},  // no catalogue moment fits
-      {ZmUnitDimArea, mmKgS, 2.5f, 0, L"mm2* 2.5"},
-      {ZmUnitDimNone, mmKgS, 1.0f, 1, L""},
-      {ZmUnitDimDensity, ftLbmUs, 1.0f, 1, L"lbm/ft3"},
-      {halves, kMKgS, 1.0f, 0, L"m1/2/s(2/-1)"},
+      {ZmUnitDimArea, mmKgS, 2.5f, 0, L"mm2* 2.5"}, {ZmUnitDimNone, mmKgS, 1.0f, 1, L""},
+      {ZmUnitDimDensity, ftLbmUs, 1.0f, 1, L"lbm/ft3"}, {halves, kMKgS, 1.0f, 0, L"m1/2/s(2/-1)"},
       {massHalves, kMKgS, 1.0f, 0, L"1/Kg(2/-3).s(2/-1)"},
       // A quotient writes its components, each with its catalogue equivalent.
-      {ZmUnitDimForcePerLength, kMmTS, 1.0f, 1, L"N/mm"},
-      {ZmUnitDimForcePerLength, kMKgS, 1.0f, 0, L"N/m"},
-  };
-  for (const auto& r : rows) EXPECT_EQ(Text(r.dim.GetShortName(r.system, r.factor, r.equivalent)), r.expected);
+      {ZmUnitDimForcePerLength, kMmTS, 1.0f, 1, L"N/mm"}, {ZmUnitDimForcePerLength, kMKgS, 1.0f, 0, L"N/m"}};
+  // clang-format on
+  for (const auto& [dim, system, factor, equivalent, expected] : rows) {
+    EXPECT_EQ(Text(dim.GetShortName(system, factor, equivalent)), expected);
+  }
 }
 
 TEST(UnitDim, DisplayNames) {
@@ -211,18 +181,13 @@ TEST(UnitDim, DisplayNames) {
   const ZmUnitSystem noAngle = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitAngleUnset);
   const ZmUnitSystem noTemp = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitTempUnset);
   const ZmUnitDim unnamed(nullptr, 1, 0, 0, 0, 0);
-  const struct {
-    const ZmUnitDim& dim;
-    const ZmUnitSystem* system;
-    const wchar_t* expected;
-  } rows[] = {{ZmUnitDimPressure, nullptr, L"Pressure"},
-              {ZmUnitDimPressure, &kMmTS, L"Pressure [MPa]"},
-              {ZmUnitDimForcePerLength, &kMmTS, L"Force [N] per Length [mm]"},
-              {ZmUnitDimForcePerLength, nullptr, L"Force per Length"},
-              {ZmUnitDimLength, &noAngle, L"Length [mm]"},
-              {ZmUnitDimLength, &noTemp, L"Length"},
-              {unnamed, &kMmTS, L" [mm]"}};
-  for (const auto& r : rows) EXPECT_EQ(Text(r.dim.GetDimName(r.system)), r.expected);
+  // clang-format off
+  const std::tuple<const ZmUnitDim&, const ZmUnitSystem*, const wchar_t*> rows[] = {
+      {ZmUnitDimPressure, nullptr, L"Pressure"}, {ZmUnitDimPressure, &kMmTS, L"Pressure [MPa]"},
+      {ZmUnitDimForcePerLength, &kMmTS, L"Force [N] per Length [mm]"}, {ZmUnitDimForcePerLength, nullptr, L"Force per Length"},
+      {ZmUnitDimLength, &noAngle, L"Length [mm]"}, {ZmUnitDimLength, &noTemp, L"Length"}, {unnamed, &kMmTS, L" [mm]"}};
+  // clang-format on
+  for (const auto& [dim, system, expected] : rows) EXPECT_EQ(Text(dim.GetDimName(system)), expected);
 }
 
 TEST(UnitDim, AllSymbolsOfADimension) {
@@ -241,29 +206,21 @@ TEST(UnitDim, AllSymbolsOfADimension) {
 }
 
 TEST(UnitDim, SystemFromSymbol) {
-  const struct {
-    const ZmUnitDim& dim;
-    const wchar_t* symbol;
-    const char* units;  // types not involved: -1 for length, mass and time, 0 for the others
-    const wchar_t* message;
-  } rows[] = {
-      {ZmUnitDimPressure, L"MPa", "2 4 0 0 0", nullptr},
-      {ZmUnitDimPressure, L"lbm/ft.s2", "3 7 0 0 0", nullptr},
-      {ZmUnitDimVelocity, L"mm/ms", "2 -1 1 0 0", nullptr},
-      {ZmUnitDimFreq, L"1/us", "-1 -1 2 0 0", nullptr},
-      {ZmUnitDimForcePerLength, L"kN/mm", "2 0 1 0 0", nullptr},
-      {ZmUnitDimTemp, L"F", "-1 -1 -1 2 0", nullptr},
+  // Types not involved: -1 for length, mass and time, 0 for the others (the angle in degrees).
+  // clang-format off
+  const std::tuple<const ZmUnitDim&, const wchar_t*, const wchar_t*> rows[] = {
+      {ZmUnitDimPressure, L"MPa", L"2 4 0 0 0"}, {ZmUnitDimPressure, L"lbm/ft.s2", L"3 7 0 0 0"},
+      {ZmUnitDimVelocity, L"mm/ms", L"2 -1 1 0 0"}, {ZmUnitDimFreq, L"1/us", L"-1 -1 2 0 0"},
+      {ZmUnitDimForcePerLength, L"kN/mm", L"2 0 1 0 0"}, {ZmUnitDimTemp, L"F", L"-1 -1 -1 2 0"},
       // Case matters: a milli-pascal is not a mega-pascal.
-      {ZmUnitDimPressure, L"mPa", "", L"'mPa' is not a supported Pressure unit name"},
-      {ZmUnitDimLength, L"", "", L"'' is not a supported Length unit name"},
-      {ZmUnitDimForcePerLength, L"MPa", "", L"'MPa' is not a supported Force per Length unit name"},
-  };
-  for (const auto& r : rows) {
+      {ZmUnitDimPressure, L"mPa", L"'mPa' is not a supported Pressure unit name"},
+      {ZmUnitDimLength, L"", L"'' is not a supported Length unit name"},
+      {ZmUnitDimForcePerLength, L"MPa", L"'MPa' is not a supported Force per Length unit name"}};
+  // clang-format on
+  for (const auto& [dim, symbol, expected] : rows) {
     ZmUnitSystem system;
-    const WbErrObj* error = r.dim.GetSystemFromShortName(r.symbol, system);
-    EXPECT_EQ(Message(error), r.message ? r.message : L"<no error>");
-    if (error) continue;
-    EXPECT_EQ(Units(system), r.units) << r.units;  // the angle comes back in degrees (0)
+    const WbErrObj* error = dim.GetSystemFromShortName(symbol, system);
+    EXPECT_EQ(error ? Message(error) : WideUnits(system), expected);
   }
 }
 
