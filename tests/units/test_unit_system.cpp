@@ -20,13 +20,9 @@ const wchar_t* const kNoError = L"<no error>";
 const wchar_t* const kInternal = L"Internal error : can't process unit system conversion";
 
 TEST(UnitSystem, IndicesValidityAndNames) {
-  ZmUnitSystem system;
-  EXPECT_EQ(Units(system), "-1 -1 -1 -1 -1");
-  EXPECT_EQ(Text(system.GetUnitShortName(ZmUnitTypeLength)), L"");
-  system.SetUnit(ZmUnitInch);
-  system.SetUnit(ZmUnitSlug);
-  system.SetUnit(ZmUnitMicrosecond);
-  system.SetUnit(ZmUnitRankine);
+  EXPECT_EQ(Units(ZmUnitSystem()), "-1 -1 -1 -1 -1");
+  EXPECT_EQ(Text(ZmUnitSystem().GetUnitShortName(ZmUnitTypeLength)), L"");
+  ZmUnitSystem system = Sys(ZmUnitInch, ZmUnitSlug, ZmUnitMicrosecond, ZmUnitRankine, ZmUnitAngleUnset);
   EXPECT_EQ(system.IsValid(1), 1);
   EXPECT_EQ(system.IsValid(0), 0);  // the angle is still unset
   EXPECT_EQ(system.GetUnitIndex(static_cast<_ZmUnitType>(5)), -1);
