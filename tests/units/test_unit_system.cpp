@@ -46,37 +46,34 @@ TEST(UnitSystem, ConversionExamples) {
   const ZmUnitSystem mmTMs = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitMillisecond);
   const ZmUnitSystem celsius = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitCelsius);
   const ZmUnitSystem fahrenheit = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitFahrenheit);
+  // Pressure: 1 Pa is 1e-6 MPa, within the float steps 1/1000 then * 0.001; 200000 MPa is
+  // / float(1/1000), then * float(1/0.001) = 999.99994 -> 199999979520. Velocity: 1 m/s = 1000
+  // mm / 1000 ms. Steel 7.85e-9 T/mm3: three divisions by float(1/1000), one multiplication by
+  // 999.99994. 10 ft = 10 * float(1000 / 3.281) mm; 2 cm2 = 2 * 0.01 * 0.01 m2; 1 m3 = 3.281^3 ft3
+  // by repeated multiplication (35.31983184814453, while pow gives 35.3198356628418). g = 9.80665
+  // m/s2 in mm/ms2: * 1000, / 1000, / 1000. 180 deg = 180 * 0.017453292 rad = float(pi); 1 rad =
+  // float(1 / 0.017453292) deg. Temperatures are never offset. A dimension that does not involve
+  // a missing type converts normally; out of pixels the pixel counts as the metre (1000 mm); the
+  // marker is never converted.
+  // clang-format off
   const std::pair<float, float> rows[] = {
-      // Pressure: 1 Pa is 1e-6 MPa, within the float steps 1/1000 then * 0.001.
       {kMmTS.ConvertValueFrom(1.0f, kMKgS, ZmUnitDimPressure, nullptr), 1.0000001111620804e-06f},
       {kMmTS.ConvertPressureFrom(1.0f, ZmUnitMeter, ZmUnitKilogram, ZmUnitSecond), 1.0000001111620804e-06f},
-      // 200000 MPa: / float(1/1000), then * float(1/0.001) = 999.99994 -> 199999979520.
       {kMKgS.ConvertValueFrom(200000.0f, kMmTS, ZmUnitDimPressure, nullptr), 199999979520.0f},
-      // Velocity: 1 m/s = 1000 mm / 1000 ms.
-      {kMmKgMs.ConvertVelocityFrom(1.0f, ZmUnitMeter, ZmUnitSecond), 1.0f},
-      {kMmKgMs.ConvertVelocityFrom(1.0f, kMKgS), 1.0f},
-      // Steel 7.85e-9 T/mm3: three divisions by float(1/1000), one multiplication by 999.99994.
+      {kMmKgMs.ConvertVelocityFrom(1.0f, ZmUnitMeter, ZmUnitSecond), 1.0f}, {kMmKgMs.ConvertVelocityFrom(1.0f, kMKgS), 1.0f},
       {kMKgS.ConvertValueFrom(7.85e-9f, kMmTS, ZmUnitDimDensity, nullptr), 7849.9990234375f},
-      {kMmKgMs.ConvertFreqFrom(100.0f, ZmUnitSecond), 0.10000000149011612f},  // 100 Hz = 0.1 per ms
-      {kMmKgMs.ConvertTimeFrom(2.0f, ZmUnitSecond), 2000.0f},
-      // 10 ft = 10 * float(1000 / 3.281) mm; 2 cm2 = 2 * 0.01 * 0.01 m2; 1 m3 = 3.281^3 ft3 by
-      // repeated multiplication (35.31983184814453, while pow gives 35.3198356628418).
+      {kMmKgMs.ConvertFreqFrom(100.0f, ZmUnitSecond), 0.10000000149011612f}, {kMmKgMs.ConvertTimeFrom(2.0f, ZmUnitSecond), 2000.0f},
       {kMmTS.ConvertLengthFrom(10.0f, ZmUnitFoot), 3047.851318359375f},
       {kMKgS.ConvertAreaFrom(2.0f, ZmUnitCentimeter), 0.00019999999494757503f},
       {ftLbmS.ConvertVolumeFrom(1.0f, ZmUnitMeter), 35.31983184814453f},
-      // g = 9.80665 m/s2 in mm/ms2: * 1000, / 1000, / 1000.
       {mmTMs.ConvertAccelerationFrom(9.80665f, kMKgS), 0.009806649759411812f},
-      // 180 deg = 180 * 0.017453292 rad = float(pi); 1 rad = float(1 / 0.017453292) deg.
       {kMmTS.ConvertAngleFrom(180.0f, ZmUnitDegree), 3.1415927410125732f},
       {ftLbmS.ConvertAngleFrom(1.0f, ZmUnitRadian), 57.295780181884766f},
-      // Temperatures are never offset.
       {kMmTS.ConvertValueFrom(100.0f, celsius, ZmUnitDimTemp, nullptr), 100.0f},
       {fahrenheit.ConvertValueFrom(-40.0f, celsius, ZmUnitDimTemp, nullptr), -40.0f},
-      // A dimension that does not involve a missing type converts normally: 5 s in ms.
       {kMmKgMs.ConvertValueFrom(5.0f, kNoLength, ZmUnitDimTime, nullptr), 5000.0f},
-      // Out of pixels the pixel counts as the metre (factor 1000 to mm); the marker is never converted.
-      {kMmTS.ConvertLengthFrom(3.0f, ZmUnitPixel), 3000.0f},
-      {kMmTS.ConvertLengthFrom(kInvalid, ZmUnitMeter), kInvalid}};
+      {kMmTS.ConvertLengthFrom(3.0f, ZmUnitPixel), 3000.0f}, {kMmTS.ConvertLengthFrom(kInvalid, ZmUnitMeter), kInvalid}};
+  // clang-format on
   for (const auto& r : rows) EXPECT_EQ(r.first, r.second) << &r - rows;
   // The unit name of the result, with its catalogue equivalent.
   WbString pressure, velocity;
@@ -297,47 +294,30 @@ TEST(UnitSystem, CompatibleDerivedUnits) {
   // Nothing converts into the pixel; the index pointer is optional.
   EXPECT_EQ(units(kMmTS, ZmUnitDimLength, nullptr), L"5: m cm mm ft in");
   EXPECT_EQ(factors[4], 0.03937000036239624f);  // float(39.37 / 1000)
-  EXPECT_EQ(units(kMmTS, ZmUnitDimLength, &index), L"5: m cm mm ft in");
-  EXPECT_EQ(index, 2);
 }
 
+// Workers convert, name and parse on the shared catalogue; a failing conversion records its
+// error on its own thread only.
 TEST(UnitSystem, ConcurrentConversionsOnTheSharedCatalogue) {
-  // Each worker converts, names and parses on the shared catalogue and compares with the
-  // results computed here first, on one thread; a failing conversion records its error on its
-  // own thread only.
-  const std::tuple<ZmUnitSystem, ZmUnitSystem, const ZmUnitDim*, float> cases[] = {
-      {kMKgS, kMmTS, &ZmUnitDimPressure, 1.0f},
-      {kMmTS, kMKgS, &ZmUnitDimDensity, 7.85e-9f},
-      {kMKgS, kMmKgMs, &ZmUnitDimVelocity, 3.0f},
-      {kMmTS, kMmKgMs, &ZmUnitDimForce, 12.5f},
-      {kMmKgMs, kMKgS, &ZmUnitDimFreq, 0.25f}};
-  const auto run = [&](std::size_t i) {
-    const auto& [from, to, dim, value] = cases[i];
-    WbString symbol, text;
-    const float converted = to.ConvertValueFrom(value, from, *dim, &symbol);
-    from.FormatDimensionalValue(value, *dim, text);
-    float parsed = 0.0f;
-    const int read = to.String2DimensionalValue(text, *dim, parsed);
-    const float failed = to.ConvertLengthFrom(1.0f, ZmUnitLengthUnset);
-    return std::make_tuple(converted, Text(symbol), read, parsed, failed, LastMessage());
-  };
-  std::vector<decltype(run(0))> expected;
-  for (std::size_t i = 0; i < 5; ++i) expected.push_back(run(i));
   std::vector<int> mismatches(4, 0);
   std::vector<std::thread> workers;
   for (int w = 0; w < 4; ++w) {
-    workers.emplace_back([&, w] {
+    workers.emplace_back([&mismatches, w] {
       for (int round = 0; round < 300; ++round) {
-        const std::size_t i = static_cast<std::size_t>(round + w) % 5;
-        if (run(i) != expected[i]) ++mismatches[w];
+        WbString symbol;
+        float density = 0.0f;
+        const float pressure = kMmTS.ConvertValueFrom(1.0f, kMKgS, ZmUnitDimPressure, &symbol);
+        kMKgS.String2DimensionalValue(L"7.85e-9 T/mm3", ZmUnitDimDensity, density);
+        const bool failed = kMmTS.ConvertLengthFrom(1.0f, ZmUnitLengthUnset) == kInvalid;
+        if (pressure != 1.0000001111620804e-06f || symbol != L"MPa" || density != 7849.9990234375f || !failed ||
+            LastMessage() != L"Inconsistent source unit system") {
+          ++mismatches[w];
+        }
       }
     });
   }
   for (std::thread& worker : workers) worker.join();
   EXPECT_EQ(mismatches, std::vector<int>(4, 0));
-  EXPECT_EQ(std::get<1>(expected[0]) + std::get<1>(expected[3]), L"MPakN");
-  EXPECT_EQ(std::get<4>(expected[4]), kInvalid);
-  EXPECT_EQ(std::get<5>(expected[4]), L"Inconsistent source unit system");
 }
 
 }  // namespace
