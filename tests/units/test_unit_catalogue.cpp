@@ -48,19 +48,21 @@ TEST(UnitCatalogue, DerivedUnitsFollowTheBaseUnits) {
   const ZmUnitDim &len = ZmUnitDimLength, &mass = ZmUnitDimMass, &time = ZmUnitDimTime, &temp = ZmUnitDimTemp;
   const ZmUnitDim &freq = ZmUnitDimFreq, &force = ZmUnitDimForce, &pres = ZmUnitDimPressure, &dens = ZmUnitDimDensity;
   // clang-format off
-  const std::tuple<const wchar_t*, const ZmUnitDim&, const char*> expected[] = {
-      {L"m", len, "0 -1 -1 0 0"}, {L"cm", len, "1 -1 -1 0 0"}, {L"mm", len, "2 -1 -1 0 0"}, {L"ft", len, "3 -1 -1 0 0"},
-      {L"in", len, "4 -1 -1 0 0"}, {L"px", len, "5 -1 -1 0 0"}, {L"Kg", mass, "-1 0 -1 0 0"}, {L"HKg", mass, "-1 1 -1 0 0"},
-      {L"Kg*9.81", mass, "-1 2 -1 0 0"}, {L"g", mass, "-1 3 -1 0 0"}, {L"T", mass, "-1 4 -1 0 0"},
-      {L"T*9.81", mass, "-1 5 -1 0 0"}, {L"slug", mass, "-1 6 -1 0 0"}, {L"lbm", mass, "-1 7 -1 0 0"},
-      {L"mKg", mass, "-1 8 -1 0 0"}, {L"s", time, "-1 -1 0 0 0"}, {L"ms", time, "-1 -1 1 0 0"}, {L"us", time, "-1 -1 2 0 0"},
-      {L"K", temp, "-1 -1 -1 0 0"}, {L"C", temp, "-1 -1 -1 1 0"}, {L"F", temp, "-1 -1 -1 2 0"}, {L"Ra", temp, "-1 -1 -1 3 0"},
-      {L"deg", ZmUnitDimAngle, "-1 -1 -1 0 0"}, {L"rad", ZmUnitDimAngle, "-1 -1 -1 0 1"}, {L"Hz", freq, "-1 -1 0 0 0"},
-      {L"KHz", freq, "-1 -1 1 0 0"}, {L"MHz", freq, "-1 -1 2 0 0"}, {L"N", force, "2 4 0 0 0"}, {L"kN", force, "2 0 1 0 0"},
-      {L"Nmm", ZmUnitDimMoment, "2 4 0 0 0"}, {L"Nm", ZmUnitDimMoment, "2 0 1 0 0"}, {L"Pa", pres, "0 0 0 0 0"},
-      {L"KPa", pres, "2 0 0 0 0"}, {L"MPa", pres, "2 4 0 0 0"}, {L"GPa", pres, "2 0 1 0 0"}, {L"dyn/cm2", pres, "1 3 0 0 0"},
-      {L"mmHg", pres, "0 8 0 0 0"}, {L"Kg/m3", dens, "0 0 -1 0 0"}, {L"T/mm3", dens, "2 4 -1 0 0"},
-      {L"Kg/mm3", dens, "2 0 -1 0 0"}};
+  const std::tuple<const wchar_t*, const ZmUnitDim&, const wchar_t*> expected[] = {
+      {L"m", len, L"0 -1 -1 0 0"}, {L"cm", len, L"1 -1 -1 0 0"}, {L"mm", len, L"2 -1 -1 0 0"},
+      {L"ft", len, L"3 -1 -1 0 0"}, {L"in", len, L"4 -1 -1 0 0"}, {L"px", len, L"5 -1 -1 0 0"},
+      {L"Kg", mass, L"-1 0 -1 0 0"}, {L"HKg", mass, L"-1 1 -1 0 0"}, {L"Kg*9.81", mass, L"-1 2 -1 0 0"},
+      {L"g", mass, L"-1 3 -1 0 0"}, {L"T", mass, L"-1 4 -1 0 0"}, {L"T*9.81", mass, L"-1 5 -1 0 0"},
+      {L"slug", mass, L"-1 6 -1 0 0"}, {L"lbm", mass, L"-1 7 -1 0 0"}, {L"mKg", mass, L"-1 8 -1 0 0"},
+      {L"s", time, L"-1 -1 0 0 0"}, {L"ms", time, L"-1 -1 1 0 0"}, {L"us", time, L"-1 -1 2 0 0"},
+      {L"K", temp, L"-1 -1 -1 0 0"}, {L"C", temp, L"-1 -1 -1 1 0"}, {L"F", temp, L"-1 -1 -1 2 0"},
+      {L"Ra", temp, L"-1 -1 -1 3 0"}, {L"deg", ZmUnitDimAngle, L"-1 -1 -1 0 0"},
+      {L"rad", ZmUnitDimAngle, L"-1 -1 -1 0 1"}, {L"Hz", freq, L"-1 -1 0 0 0"}, {L"KHz", freq, L"-1 -1 1 0 0"},
+      {L"MHz", freq, L"-1 -1 2 0 0"}, {L"N", force, L"2 4 0 0 0"}, {L"kN", force, L"2 0 1 0 0"},
+      {L"Nmm", ZmUnitDimMoment, L"2 4 0 0 0"}, {L"Nm", ZmUnitDimMoment, L"2 0 1 0 0"}, {L"Pa", pres, L"0 0 0 0 0"},
+      {L"KPa", pres, L"2 0 0 0 0"}, {L"MPa", pres, L"2 4 0 0 0"}, {L"GPa", pres, L"2 0 1 0 0"},
+      {L"dyn/cm2", pres, L"1 3 0 0 0"}, {L"mmHg", pres, L"0 8 0 0 0"}, {L"Kg/m3", dens, L"0 0 -1 0 0"},
+      {L"T/mm3", dens, L"2 4 -1 0 0"}, {L"Kg/mm3", dens, L"2 0 -1 0 0"}};
   // clang-format on
   for (std::uint64_t i = 0; i < 40; ++i) {
     const ZmUnitManager::UnitEquivName* unit = ZmUnitMgr.GetEquivalentUnit(i);
@@ -94,8 +96,9 @@ TEST(UnitCatalogue, EquivalentUnitOfADimensionInASystem) {
   const ZmUnitSystem mMKgS = Sys(ZmUnitMeter, ZmUnitMercureKg, ZmUnitSecond);
   // clang-format off
   const std::tuple<const ZmUnitDim&, const ZmUnitSystem&, float, const wchar_t*> rows[] = {
-      {ZmUnitDimPressure, kMmTS, 1, L"MPa"}, {ZmUnitDimPressure, kMKgS, 1, L"Pa"}, {ZmUnitDimPressure, cmGS, 1, L"dyn/cm2"},
-      {ZmUnitDimPressure, ftLbmS, 1, L"-"}, {ZmUnitDimForce, kMmKgMs, 1, L"kN"}, {ZmUnitDimFreq, mKgMs, 1, L"KHz"},
+      {ZmUnitDimPressure, kMmTS, 1, L"MPa"}, {ZmUnitDimPressure, kMKgS, 1, L"Pa"},
+      {ZmUnitDimPressure, cmGS, 1, L"dyn/cm2"}, {ZmUnitDimPressure, ftLbmS, 1, L"-"},
+      {ZmUnitDimForce, kMmKgMs, 1, L"kN"}, {ZmUnitDimFreq, mKgMs, 1, L"KHz"},
       // 1 kg/(m s^2) is 1 N/m^2: in (m, Kg, s) a force is the newton of the (mm, T, s) table.
       {ZmUnitDimForce, kMKgS, 1, L"N"}, {ZmUnitDimDensity, mmTNoTime, 1, L"T/mm3"},
       // 133.32 Pa: the mercury pressure unit through its auxiliary mass (m, mKg, s).
@@ -105,7 +108,8 @@ TEST(UnitCatalogue, EquivalentUnitOfADimensionInASystem) {
       {ZmUnitDimPressure, kMKgS, 1e-6f, L"MPa"}, {ZmUnitDimPressure, kMKgS, 2.5f, L"Pa * 2.5"},
       // A system that cannot express the dimension has no equivalent; the pixel converts into no
       // other unit, so only its own entry fits a length in pixels.
-      {ZmUnitDimPressure, kNoLength, 1, L"-"}, {ZmUnitDimPressure, kPixels, 1, L"-"}, {ZmUnitDimLength, kPixels, 1, L"px"}};
+      {ZmUnitDimPressure, kNoLength, 1, L"-"}, {ZmUnitDimPressure, kPixels, 1, L"-"},
+      {ZmUnitDimLength, kPixels, 1, L"px"}};
   // clang-format on
   for (const auto& [dim, system, factor, expected] : rows) {
     WbString name(L"-");  // left as it is when nothing fits
@@ -119,7 +123,7 @@ TEST(UnitCatalogue, DerivedUnitsByNameAndByDimension) {
   ZmUnitSystem system;
   ASSERT_EQ(ZmUnitMgr.FindEquivalentUnitByName(L"mpa", dim, system, nullptr), 1);  // case ignored
   EXPECT_EQ(dim, ZmUnitDimPressure);
-  EXPECT_EQ(Units(system), "2 4 0 0 0");
+  EXPECT_EQ(Units(system), L"2 4 0 0 0");
   EXPECT_EQ(ZmUnitMgr.FindEquivalentUnitByName(L"MPa", dim, system, &ZmUnitDimForce), 0);
   EXPECT_EQ(ZmUnitMgr.FindEquivalentUnitByName(L"kN", dim, system, &ZmUnitDimForce), 1);
   EXPECT_EQ(ZmUnitMgr.FindEquivalentUnitByName(L"furlong", dim, system, nullptr), 0);
@@ -176,15 +180,16 @@ TEST(UnitCatalogue, SolverUnitLineBothWays) {
   const auto read = [](const wchar_t* text, unsigned char prefix) {
     ZmUnitSystem system;
     const WbErrObj* error = ZmUnitMgr.CSMSolverStringToSystem(text, system, prefix);
-    return (error ? Message(error) + L": " : L"") + WideUnits(system);
+    return (error ? Message(error) + L": " : L"") + Units(system);
   };
   // A null expectation: the format is refused with the text and the system is untouched.
   // clang-format off
   const std::tuple<const wchar_t*, int, const wchar_t*> rows[] = {
       {L"UNIT MM TON S KELVIN", 1, L"2 4 0 0 1"}, {L"UNIT\tM  \t KG S   CELSIUS extra words", 1, L"0 0 0 1 1"},
-      {L"FOOT SLUG US FAHR", 0, L"3 6 2 2 1"}, {L"UNIT MM TON S", 1, nullptr}, {L"MM TON S KELVIN", 1, nullptr},
-      {L"unit MM TON S KELVIN", 1, nullptr}, {L"", 1, nullptr}, {L"", 0, nullptr}, {L"UNIT", 1, nullptr},
-      {L"UNIT MM\t\t  TON   S", 1, nullptr}, {L"UNIT MM TONNE S K", 1, L"Unsupported mass unit 'TONNE': 2 -1 0 -1 1"},
+      {L"FOOT SLUG US FAHR", 0, L"3 6 2 2 1"}, {L"INCH DTON MS RANK", 0, L"4 5 1 3 1"}, {L"UNIT MM TON S", 1, nullptr},
+      {L"MM TON S KELVIN", 1, nullptr}, {L"unit MM TON S KELVIN", 1, nullptr}, {L"", 1, nullptr}, {L"", 0, nullptr},
+      {L"UNIT", 1, nullptr}, {L"UNIT MM\t\t  TON   S", 1, nullptr},
+      {L"UNIT MM TONNE S K", 1, L"Unsupported mass unit 'TONNE': 2 -1 0 -1 1"},
       {L"UNIT mm TON S KELVIN", 1, L"Unsupported length unit 'mm': -1 4 0 0 1"},
       {L"UNIT MM TON SEC KELVIN", 1, L"Unsupported time unit 'SEC': 2 4 -1 0 1"},
       {L"UNIT MM TON S K", 1, L"Unsupported temperature unit 'K': 2 4 0 -1 1"},
@@ -198,28 +203,11 @@ TEST(UnitCatalogue, SolverUnitLineBothWays) {
   }
 }
 
-TEST(UnitCatalogue, SolverLineRoundTripsForEverySupportedSystem) {
-  int checked = 0;
-  for (int i = 0; i < 6 * 9 * 3 * 4; ++i) {
-    const ZmUnitSystem system = SysAt(i / 108, i / 12 % 9, i / 4 % 3, i % 4);
-    WbString line;
-    const WbErrObj* error = ZmUnitMgr.FormatCSMSolverString(system, line, 1);
-    // Only the pixel and the mercury mass have no keyword.
-    ASSERT_EQ(error == nullptr, i / 108 != ZmUnitPixel && i / 12 % 9 != ZmUnitMercureKg) << i;
-    if (error) continue;
-    ZmUnitSystem back;
-    ASSERT_EQ(ZmUnitMgr.CSMSolverStringToSystem(line, back, 1), nullptr);
-    EXPECT_EQ(back == system, 1) << Text(line).c_str();
-    ++checked;
-  }
-  EXPECT_EQ(checked, 5 * 8 * 3 * 4);
-}
-
 TEST(UnitCatalogue, SystemFromTypedSymbols) {
   const auto read = [](const wchar_t* l, const wchar_t* m, const wchar_t* t, const wchar_t* k, unsigned char exact) {
     ZmUnitSystem system;
     const WbErrObj* error = ZmUnitMgr.ShortUnitStringsToSystem(l, m, t, k, system, exact);
-    return error ? Message(error) : L"ok " + WideUnits(system);
+    return error ? Message(error) : L"ok " + Units(system);
   };
   EXPECT_EQ(read(L"mm", L"T", L"s", L"K", 1), L"ok 2 4 0 0 1");
   EXPECT_EQ(read(L"IN", L"LBM", L"MS", L"ra", 0), L"ok 4 7 1 3 1");

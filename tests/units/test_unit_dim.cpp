@@ -13,13 +13,13 @@ TEST(UnitDim, GlobalDimensionsHaveTheirNamesAndExponents) {
   // clang-format off
   const std::pair<const ZmUnitDim&, const wchar_t*> rows[] = {
       {ZmUnitDimNone, L"Ratio: 0 0 0 0 0"}, {ZmUnitDimTime, L"Time: 0 0 1 0 0"}, {ZmUnitDimMass, L"Mass: 0 1 0 0 0"},
-      {ZmUnitDimFreq, L"Frequency: 0 0 -1 0 0"}, {ZmUnitDimLength, L"Length: 1 0 0 0 0"}, {ZmUnitDimArea, L"Area: 2 0 0 0 0"},
-      {ZmUnitDimVolume, L"Volume: 3 0 0 0 0"}, {ZmUnitDimPressure, L"Pressure: -1 1 -2 0 0"},
-      {ZmUnitDimVelocity, L"Velocity: 1 0 -1 0 0"}, {ZmUnitDimAcceleration, L"Acceleration: 1 0 -2 0 0"},
-      {ZmUnitDimForce, L"Force: 1 1 -2 0 0"}, {ZmUnitDimMoment, L"Moment: 2 1 -2 0 0"},
-      {ZmUnitDimDensity, L"Density: -3 1 0 0 0"}, {ZmUnitDimInertia, L"Inertia: 2 1 0 0 0"},
-      {ZmUnitDimAngle, L"Angle: 0 0 0 0 1"}, {ZmUnitDimInvLength, L"Inv. Length: -1 0 0 0 0"},
-      {ZmUnitDimTemp, L"Temperature: 0 0 0 1 0"},
+      {ZmUnitDimFreq, L"Frequency: 0 0 -1 0 0"}, {ZmUnitDimLength, L"Length: 1 0 0 0 0"},
+      {ZmUnitDimArea, L"Area: 2 0 0 0 0"}, {ZmUnitDimVolume, L"Volume: 3 0 0 0 0"},
+      {ZmUnitDimPressure, L"Pressure: -1 1 -2 0 0"}, {ZmUnitDimVelocity, L"Velocity: 1 0 -1 0 0"},
+      {ZmUnitDimAcceleration, L"Acceleration: 1 0 -2 0 0"}, {ZmUnitDimForce, L"Force: 1 1 -2 0 0"},
+      {ZmUnitDimMoment, L"Moment: 2 1 -2 0 0"}, {ZmUnitDimDensity, L"Density: -3 1 0 0 0"},
+      {ZmUnitDimInertia, L"Inertia: 2 1 0 0 0"}, {ZmUnitDimAngle, L"Angle: 0 0 0 0 1"},
+      {ZmUnitDimInvLength, L"Inv. Length: -1 0 0 0 0"}, {ZmUnitDimTemp, L"Temperature: 0 0 0 1 0"},
       // The only quotient, made of copies of Force and Length.
       {ZmUnitDimForcePerLength, L"Force per Length: 0 1 -2 0 0 [Force: 1 1 -2 0 0 / Length: 1 0 0 0 0]"}};
   // clang-format on
@@ -130,22 +130,23 @@ TEST(UnitDim, ScaleValueInBothPrecisions) {
   const ZmUnitDim* area = &ZmUnitDimArea;
   const int length = ZmUnitTypeLength;
   // clang-format off
-  const struct { const ZmUnitDim* dim; float value; double factor; int type; float expectedF; double expectedD; } rows[] = {
+  const std::tuple<const ZmUnitDim*, float, double, int, float, double> rows[] = {
       {area, 5.0f, 1000.0, length, 5.0e6f, 5.0e6}, {area, 5.0f, double(kInvalid), length, 5.0f, 5.0},
       {&ZmUnitDimInvLength, 5.0f, 1000.0, length, 0.004999999888241291f, 0.005},  // float(5 / 1000)
-      {&ZmUnitDimNone, 5.0f, 123.0, length, 5.0f, 5.0}, {&ZmUnitDimNone, 5.0f, double(kInvalid), ZmUnitTypeMass, 5.0f, 5.0},
-      {area, 5.0f, 1000.0, 9, 5.0f, 5.0},
+      {&ZmUnitDimNone, 5.0f, 123.0, length, 5.0f, 5.0},
+      {&ZmUnitDimNone, 5.0f, double(kInvalid), ZmUnitTypeMass, 5.0f, 5.0}, {area, 5.0f, 1000.0, 9, 5.0f, 5.0},
       // float: (3.281 * 3.281) * 3.281 = 35.31983184814453, the rounded cube 35.3198356628418 (numpy
       // float32); double: 3.281 * 3.281 * 3.281 = 35.31983704100001 (Python).
       {&ZmUnitDimVolume, 1.0f, 3.281, length, 35.31983184814453f, 35.31983704100001},
       // ((1 / 10) / 10) / 10 = 0.0009999999310821295 in float, not float(0.001); 0.001 in double.
       {&ZmUnitDimDensity, 1.0f, 10.0, length, 0.0009999999310821295f, 0.001},
-      {&halfTime, 4.0f, 9.0, ZmUnitTypeTime, 12.0f, 12.0}, {&minusThreeQuarters, 8.0f, 16.0, ZmUnitTypeTime, 1.0f, 1.0}};
+      {&halfTime, 4.0f, 9.0, ZmUnitTypeTime, 12.0f, 12.0},
+      {&minusThreeQuarters, 8.0f, 16.0, ZmUnitTypeTime, 1.0f, 1.0}};
   // clang-format on
-  for (const auto& r : rows) {
-    const auto type = static_cast<_ZmUnitType>(r.type);
-    EXPECT_EQ(r.dim->ScaleValue(r.value, static_cast<float>(r.factor), type), r.expectedF) << r.factor;
-    EXPECT_EQ(r.dim->ScaleValue(double(r.value), r.factor, type), r.expectedD) << r.factor;
+  for (const auto& [dim, value, factor, t, expectedF, expectedD] : rows) {
+    const auto type = static_cast<_ZmUnitType>(t);
+    EXPECT_EQ(dim->ScaleValue(value, static_cast<float>(factor), type), expectedF) << factor;
+    EXPECT_EQ(dim->ScaleValue(double(value), factor, type), expectedD) << factor;
   }
 }
 
@@ -184,8 +185,9 @@ TEST(UnitDim, DisplayNames) {
   // clang-format off
   const std::tuple<const ZmUnitDim&, const ZmUnitSystem*, const wchar_t*> rows[] = {
       {ZmUnitDimPressure, nullptr, L"Pressure"}, {ZmUnitDimPressure, &kMmTS, L"Pressure [MPa]"},
-      {ZmUnitDimForcePerLength, &kMmTS, L"Force [N] per Length [mm]"}, {ZmUnitDimForcePerLength, nullptr, L"Force per Length"},
-      {ZmUnitDimLength, &noAngle, L"Length [mm]"}, {ZmUnitDimLength, &noTemp, L"Length"}, {unnamed, &kMmTS, L" [mm]"}};
+      {ZmUnitDimForcePerLength, &kMmTS, L"Force [N] per Length [mm]"},
+      {ZmUnitDimForcePerLength, nullptr, L"Force per Length"}, {ZmUnitDimLength, &noAngle, L"Length [mm]"},
+      {ZmUnitDimLength, &noTemp, L"Length"}, {unnamed, &kMmTS, L" [mm]"}};
   // clang-format on
   for (const auto& [dim, system, expected] : rows) EXPECT_EQ(Text(dim.GetDimName(system)), expected);
 }
@@ -220,7 +222,7 @@ TEST(UnitDim, SystemFromSymbol) {
   for (const auto& [dim, symbol, expected] : rows) {
     ZmUnitSystem system;
     const WbErrObj* error = dim.GetSystemFromShortName(symbol, system);
-    EXPECT_EQ(error ? Message(error) : WideUnits(system), expected);
+    EXPECT_EQ(error ? Message(error) : Units(system), expected);
   }
 }
 

@@ -20,7 +20,7 @@ const wchar_t* const kNoError = L"<no error>";
 const wchar_t* const kInternal = L"Internal error : can't process unit system conversion";
 
 TEST(UnitSystem, IndicesValidityAndNames) {
-  EXPECT_EQ(Units(ZmUnitSystem()), "-1 -1 -1 -1 -1");
+  EXPECT_EQ(Units(ZmUnitSystem()), L"-1 -1 -1 -1 -1");
   EXPECT_EQ(Text(ZmUnitSystem().GetUnitShortName(ZmUnitTypeLength)), L"");
   ZmUnitSystem system = Sys(ZmUnitInch, ZmUnitSlug, ZmUnitMicrosecond, ZmUnitRankine, ZmUnitAngleUnset);
   EXPECT_EQ(system.IsValid(1), 1);
@@ -60,9 +60,11 @@ TEST(UnitSystem, ConversionExamples) {
       {kMmTS.ConvertValueFrom(1.0f, kMKgS, ZmUnitDimPressure, nullptr), 1.0000001111620804e-06f},
       {kMmTS.ConvertPressureFrom(1.0f, ZmUnitMeter, ZmUnitKilogram, ZmUnitSecond), 1.0000001111620804e-06f},
       {kMKgS.ConvertValueFrom(200000.0f, kMmTS, ZmUnitDimPressure, nullptr), 199999979520.0f},
-      {kMmKgMs.ConvertVelocityFrom(1.0f, ZmUnitMeter, ZmUnitSecond), 1.0f}, {kMmKgMs.ConvertVelocityFrom(1.0f, kMKgS), 1.0f},
+      {kMmKgMs.ConvertVelocityFrom(1.0f, ZmUnitMeter, ZmUnitSecond), 1.0f},
+      {kMmKgMs.ConvertVelocityFrom(1.0f, kMKgS), 1.0f},
       {kMKgS.ConvertValueFrom(7.85e-9f, kMmTS, ZmUnitDimDensity, nullptr), 7849.9990234375f},
-      {kMmKgMs.ConvertFreqFrom(100.0f, ZmUnitSecond), 0.10000000149011612f}, {kMmKgMs.ConvertTimeFrom(2.0f, ZmUnitSecond), 2000.0f},
+      {kMmKgMs.ConvertFreqFrom(100.0f, ZmUnitSecond), 0.10000000149011612f},
+      {kMmKgMs.ConvertTimeFrom(2.0f, ZmUnitSecond), 2000.0f},
       {kMmTS.ConvertLengthFrom(10.0f, ZmUnitFoot), 3047.851318359375f},
       {kMKgS.ConvertAreaFrom(2.0f, ZmUnitCentimeter), 0.00019999999494757503f},
       {ftLbmS.ConvertVolumeFrom(1.0f, ZmUnitMeter), 35.31983184814453f},
@@ -72,7 +74,8 @@ TEST(UnitSystem, ConversionExamples) {
       {kMmTS.ConvertValueFrom(100.0f, celsius, ZmUnitDimTemp, nullptr), 100.0f},
       {fahrenheit.ConvertValueFrom(-40.0f, celsius, ZmUnitDimTemp, nullptr), -40.0f},
       {kMmKgMs.ConvertValueFrom(5.0f, kNoLength, ZmUnitDimTime, nullptr), 5000.0f},
-      {kMmTS.ConvertLengthFrom(3.0f, ZmUnitPixel), 3000.0f}, {kMmTS.ConvertLengthFrom(kInvalid, ZmUnitMeter), kInvalid}};
+      {kMmTS.ConvertLengthFrom(3.0f, ZmUnitPixel), 3000.0f},
+      {kMmTS.ConvertLengthFrom(kInvalid, ZmUnitMeter), kInvalid}};
   // clang-format on
   for (const auto& r : rows) EXPECT_EQ(r.first, r.second) << &r - rows;
   // The unit name of the result, with its catalogue equivalent.

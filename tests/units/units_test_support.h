@@ -27,15 +27,10 @@ inline std::wstring Describe(const ZmUnitDim& d) {
 }
 
 // The five unit indices "l m t k a" (-1 when unset).
-inline std::string Units(const ZmUnitSystem& s) {
-  std::string out;
-  for (int t = 0; t < 5; ++t) out += (t ? " " : "") + std::to_string(s.GetUnitIndex(static_cast<_ZmUnitType>(t)));
+inline std::wstring Units(const ZmUnitSystem& s) {
+  std::wstring out;
+  for (int t = 0; t < 5; ++t) out += (t ? L" " : L"") + std::to_wstring(s.GetUnitIndex(static_cast<_ZmUnitType>(t)));
   return out;
-}
-
-inline std::wstring WideUnits(const ZmUnitSystem& s) {
-  const std::string units = Units(s);
-  return std::wstring(units.begin(), units.end());
 }
 
 inline ZmUnitSystem Sys(_ZmUnitLength l, _ZmUnitMass m, _ZmUnitTime t, _ZmUnitTemp k = ZmUnitKelvin,
