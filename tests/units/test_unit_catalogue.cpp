@@ -106,6 +106,7 @@ TEST(UnitCatalogue, EquivalentUnitOfADimensionInASystem) {
       // A factor: 1e-6 of the display unit (Pa) is one MPa, and a factor that matches nothing is
       // written after the unit that matches 1.
       {ZmUnitDimPressure, kMKgS, 1e-6f, L"MPa"}, {ZmUnitDimPressure, kMKgS, 2.5f, L"Pa * 2.5"},
+      {ZmUnitDimPressure, kMmTS, 2.5f, L"MPa * 2.5"},
       // A system that cannot express the dimension has no equivalent; the pixel converts into no
       // other unit, so only its own entry fits a length in pixels.
       {ZmUnitDimPressure, kNoLength, 1, L"-"}, {ZmUnitDimPressure, kPixels, 1, L"-"},
@@ -211,6 +212,7 @@ TEST(UnitCatalogue, SystemFromTypedSymbols) {
   };
   EXPECT_EQ(read(L"mm", L"T", L"s", L"K", 1), L"ok 2 4 0 0 1");
   EXPECT_EQ(read(L"IN", L"LBM", L"MS", L"ra", 0), L"ok 4 7 1 3 1");
+  EXPECT_EQ(read(L"M", L"KG", L"S", L"C", 0), L"ok 0 0 0 1 1");
   EXPECT_EQ(read(L"MM", L"T", L"s", L"K", 1),
             L"Unsupported length unit 'MM'. Possible values are : m - cm - mm - ft - in - px");
   EXPECT_EQ(

@@ -8,6 +8,12 @@
 namespace {
 using namespace units_test;
 
+// The unit classes look their messages up with the context 0 of the library's messages. This
+// hook, installed for the whole program, marks any other context, so that every message check
+// of the unit tests also checks the lookup.
+[[maybe_unused]] const WbLocalizeHook g_contextCheck = WbSetLocalizeHook(
+    [](const wchar_t*, int context) -> const wchar_t* { return context == 0 ? nullptr : L"<wrong context>"; });
+
 // A user global whose constructor runs during static initialisation of this program and reads
 // the unit globals: dimensions, quotient components, the catalogue and the solver line.
 struct UserSettings {

@@ -36,7 +36,7 @@ TEST(UnitSystem, IndicesValidityAndNames) {
       {SysAt(0, 4, 0, 4), 1, 0}, {SysAt(0, 4, 0, 0, 2), 0, 0}, {SysAt(0, 4, 0, 0, 2), 1, 1}};
   // clang-format on
   for (const auto& [s, ignoreAngle, valid] : validity) EXPECT_EQ(s.IsValid(ignoreAngle), valid) << Units(s);
-  EXPECT_EQ(kMmTS == kMKgS, 0);
+  EXPECT_EQ(kMmTS == Sys(ZmUnitMeter, ZmUnitTon, ZmUnitSecond), 0);  // every index is compared
   system.Init(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
   EXPECT_EQ(system == kMmTS, 1);
 }
@@ -213,6 +213,8 @@ TEST(UnitSystem, ReadsValuesWrittenInAnySystem) {
       {kMKgS, L"7.85e-9 T/mm3", ZmUnitDimDensity, 7849.9990234375f},
       {kMmTS, L"+2.5e+2 N/mm", ZmUnitDimForcePerLength, 250.0f},
       {kMmTS, L"42", ZmUnitDimLength, 42.0f},  // no symbol: already in mm
+      // More digits than any value needs are still read.
+      {kMmTS, L"1.000000000000000000000000000000000000000000000000000000000000000000001 mm", ZmUnitDimLength, 1.0f},
       {kMmKgMs, L"100 1/s", ZmUnitDimFreq, 0.10000000149011612f}};
   for (const auto& [system, text, dim, expected] : rows) {
     float value = 0.0f;
