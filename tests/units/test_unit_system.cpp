@@ -180,6 +180,15 @@ TEST(UnitConverter, ScalarConversionInBothPrecisions) {
   float rooted = 4.0f;
   EXPECT_EQ(converter.ConvertScalar(root, rooted), 1);
   EXPECT_FLOAT_EQ(rooted, 4.0f * std::sqrt(kInch));
+  // A result that rounds to the marker itself counts as not converted: float(-1e29) * 1000 is
+  // -1e32f in float (Python struct), the double twin is an ordinary value.
+  ASSERT_EQ(converter.InitFromTo(kMKgS, kMmTS, needed, length), nullptr);
+  float toMarker = -1.0000000150474662e+29f;
+  double wide = toMarker;
+  EXPECT_EQ(converter.ConvertScalar(ZmUnitDimLength, toMarker), 0);
+  EXPECT_EQ(toMarker, kInvalid);
+  EXPECT_EQ(converter.ConvertScalar(ZmUnitDimLength, wide), 1);
+  EXPECT_EQ(wide, -1.0000000150474662e+32);
 }
 
 TEST(UnitSystem, WritesValuesWithTheirUnit) {
@@ -213,8 +222,8 @@ TEST(UnitSystem, ReadsValuesWrittenInAnySystem) {
       {kMKgS, L"7.85e-9 T/mm3", ZmUnitDimDensity, 7849.9990234375f},
       {kMmTS, L"+2.5e+2 N/mm", ZmUnitDimForcePerLength, 250.0f},
       {kMmTS, L"42", ZmUnitDimLength, 42.0f},  // no symbol: already in mm
-      // More digits than any value needs are still read.
-      {kMmTS, L"1.000000000000000000000000000000000000000000000000000000000000000000001 mm", ZmUnitDimLength, 1.0f},
+      // More digits than any value needs are still read, wherever the number starts.
+      {kMmTS, L"  1.000000000000000000000000000000000000000000000000000000000000000000001 mm", ZmUnitDimLength, 1.0f},
       {kMmKgMs, L"100 1/s", ZmUnitDimFreq, 0.10000000149011612f}};
   for (const auto& [system, text, dim, expected] : rows) {
     float value = 0.0f;
