@@ -4,130 +4,95 @@
 //
 // Expected float values replay the documented operations in numpy float32, for instance
 // (1 Pa into (mm, T, s)): v = float32(1) / float32(1000); v = v * float32(0.001) -> 1.0000001111620804e-06.
-#include <gtest/gtest.h>
-#include <zemcalc/zemcalc.h>
-
 #include <cmath>
-#include <string>
+#include <cstdio>
 #include <thread>
+#include <tuple>
 #include <vector>
 
+#include "units_test_support.h"
+
 namespace {
+using namespace units_test;
 
-std::wstring Text(const WbString& s) { return s.Std(); }
-std::wstring LastMessage() {
-  const WbErrObj* error = WbGetLastError();
-  return error ? error->GetMessage() : L"<no error>";
-}
+constexpr float kInch = 25.40005111694336f;  // float(1000 / float(39.37)) mm
+const wchar_t* const kNoError = L"<no error>";
+const wchar_t* const kInternal = L"Internal error : can't process unit system conversion";
 
-const ZmUnitSystem kMmTS(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
-const ZmUnitSystem kMKgS(ZmUnitMeter, ZmUnitKilogram, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
-const ZmUnitSystem kMmKgMs(ZmUnitMillimeter, ZmUnitKilogram, ZmUnitMillisecond, ZmUnitKelvin, ZmUnitRadian);
-
-TEST(UnitSystem, FieldsValidityAndNames) {
-  const ZmUnitSystem unset;
-  EXPECT_EQ(unset.GetUnitLength(), ZmUnitLengthUnset);
-  EXPECT_EQ(unset.GetUnitAngle(), ZmUnitAngleUnset);
-  ZmUnitSystem system;
-  system.SetUnit(ZmUnitInch);
-  system.SetUnit(ZmUnitSlug);
-  system.SetUnit(ZmUnitMicrosecond);
-  system.SetUnit(ZmUnitRankine);
+TEST(UnitSystem, IndicesValidityAndNames) {
+  EXPECT_EQ(Units(ZmUnitSystem()), L"-1 -1 -1 -1 -1");
+  EXPECT_EQ(Text(ZmUnitSystem().GetUnitShortName(ZmUnitTypeLength)), L"");
+  ZmUnitSystem system = Sys(ZmUnitInch, ZmUnitSlug, ZmUnitMicrosecond, ZmUnitRankine, ZmUnitAngleUnset);
   EXPECT_EQ(system.IsValid(1), 1);
   EXPECT_EQ(system.IsValid(0), 0);  // the angle is still unset
-  system.SetUnit(ZmUnitDegree);
-  EXPECT_EQ(system.IsValid(0), 1);
-  EXPECT_EQ(system.GetUnitIndex(ZmUnitTypeMass), ZmUnitSlug);
   EXPECT_EQ(system.GetUnitIndex(static_cast<_ZmUnitType>(5)), -1);
   EXPECT_EQ(system.GetUnitIndex(static_cast<_ZmUnitType>(-1)), -1);
-  EXPECT_EQ(Text(system.GetUnitLongName(ZmUnitTypeTime)), L"Microsecond");
-  EXPECT_EQ(Text(system.GetUnitShortName(ZmUnitTypeTemp)), L"Ra");
-  EXPECT_EQ(Text(unset.GetUnitShortName(ZmUnitTypeLength)), L"");
+  EXPECT_EQ(Text(system.GetUnitLongName(ZmUnitTypeTime)) + Text(system.GetUnitShortName(ZmUnitTypeTemp)),
+            L"MicrosecondRa");
   // Each index is tested against its type's catalogue size: 6, 9, 3, 4 and 2 units.
-  EXPECT_EQ(ZmUnitSystem(ZmUnitPixel, ZmUnitMercureKg, ZmUnitMicrosecond, ZmUnitRankine, ZmUnitRadian).IsValid(0), 1);
-  EXPECT_EQ(ZmUnitSystem(static_cast<_ZmUnitLength>(6), ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian).IsValid(1),
-            0);
-  EXPECT_EQ(ZmUnitSystem(ZmUnitMeter, static_cast<_ZmUnitMass>(9), ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian).IsValid(1),
-            0);
-  EXPECT_EQ(ZmUnitSystem(ZmUnitMeter, ZmUnitTon, static_cast<_ZmUnitTime>(3), ZmUnitKelvin, ZmUnitRadian).IsValid(1),
-            0);
-  EXPECT_EQ(ZmUnitSystem(ZmUnitMeter, ZmUnitTon, ZmUnitSecond, static_cast<_ZmUnitTemp>(4), ZmUnitRadian).IsValid(1),
-            0);
-  EXPECT_EQ(ZmUnitSystem(ZmUnitMeter, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, static_cast<_ZmUnitAngle>(2)).IsValid(0),
-            0);
-  EXPECT_EQ(kMmTS == kMKgS, 0);
-  ZmUnitSystem copy;
-  copy.Init(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
-  EXPECT_EQ(copy == kMmTS, 1);
+  // clang-format off
+  const std::tuple<ZmUnitSystem, int, int> validity[] = {
+      {SysAt(5, 8, 2, 3, 0), 0, 1}, {SysAt(6, 4, 0), 1, 0}, {SysAt(0, 9, 0), 1, 0}, {SysAt(0, 4, 3), 1, 0},
+      {SysAt(0, 4, 0, 4), 1, 0}, {SysAt(0, 4, 0, 0, 2), 0, 0}, {SysAt(0, 4, 0, 0, 2), 1, 1}};
+  // clang-format on
+  for (const auto& [s, ignoreAngle, valid] : validity) EXPECT_EQ(s.IsValid(ignoreAngle), valid) << Units(s);
+  EXPECT_EQ(kMmTS == Sys(ZmUnitMeter, ZmUnitTon, ZmUnitSecond), 0);  // every index is compared
+  system.Init(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
+  EXPECT_EQ(system == kMmTS, 1);
 }
 
 TEST(UnitSystem, ConversionExamples) {
-  // Pressure: 1 Pa is 1e-6 MPa, within the float steps 1/1000 then * 0.001.
-  EXPECT_EQ(kMmTS.ConvertValueFrom(1.0f, kMKgS, ZmUnitDimPressure, nullptr), 1.0000001111620804e-06f);
-  EXPECT_EQ(kMmTS.ConvertPressureFrom(1.0f, ZmUnitMeter, ZmUnitKilogram, ZmUnitSecond), 1.0000001111620804e-06f);
-  // 200000 MPa: / float(1/1000), then * float(1/0.001) = 999.99994 -> 199999979520 (2e11 within float steps).
-  EXPECT_EQ(kMKgS.ConvertValueFrom(200000.0f, kMmTS, ZmUnitDimPressure, nullptr), 199999979520.0f);
-  // Velocity: 1 m/s = 1000 mm / 1000 ms.
-  EXPECT_EQ(kMmKgMs.ConvertVelocityFrom(1.0f, ZmUnitMeter, ZmUnitSecond), 1.0f);
-  EXPECT_EQ(kMmKgMs.ConvertVelocityFrom(1.0f, kMKgS), 1.0f);
-  // Density 7.85e-9 T/mm3 of steel: three divisions by float(1/1000), one multiplication by 999.99994.
-  EXPECT_EQ(kMKgS.ConvertValueFrom(7.85e-9f, kMmTS, ZmUnitDimDensity, nullptr), 7849.9990234375f);
-  // Frequency: 100 Hz = 0.1 per ms.
-  EXPECT_EQ(kMmKgMs.ConvertFreqFrom(100.0f, ZmUnitSecond), 0.10000000149011612f);
-  EXPECT_EQ(kMmKgMs.ConvertTimeFrom(2.0f, ZmUnitSecond), 2000.0f);
-  // Lengths: 10 ft = 10 * float(1000 / 3.281) mm; 2 cm2 = 2 * 0.01 * 0.01 m2; 1 m3 = 3.281^3 ft3 by
-  // repeated multiplication (35.31983184814453, while pow gives 35.3198356628418).
-  EXPECT_EQ(kMmTS.ConvertLengthFrom(10.0f, ZmUnitFoot), 3047.851318359375f);
-  EXPECT_EQ(kMKgS.ConvertAreaFrom(2.0f, ZmUnitCentimeter), 0.00019999999494757503f);
-  const ZmUnitSystem ftLbmS(ZmUnitFoot, ZmUnitPound, ZmUnitSecond, ZmUnitKelvin, ZmUnitDegree);
-  EXPECT_EQ(ftLbmS.ConvertVolumeFrom(1.0f, ZmUnitMeter), 35.31983184814453f);
-  // g = 9.80665 m/s2 in mm/ms2: * 1000, / 1000, / 1000.
-  const ZmUnitSystem mmTMs(ZmUnitMillimeter, ZmUnitTon, ZmUnitMillisecond, ZmUnitKelvin, ZmUnitRadian);
-  EXPECT_EQ(mmTMs.ConvertAccelerationFrom(9.80665f, kMKgS), 0.009806649759411812f);
-  // Angles: 180 deg = 180 * 0.017453292 rad = float(pi); 1 rad = float(1 / 0.017453292) deg.
-  EXPECT_EQ(kMmTS.ConvertAngleFrom(180.0f, ZmUnitDegree), 3.1415927410125732f);
-  EXPECT_EQ(ftLbmS.ConvertAngleFrom(1.0f, ZmUnitRadian), 57.295780181884766f);
+  const ZmUnitSystem ftLbmS = Sys(ZmUnitFoot, ZmUnitPound, ZmUnitSecond, ZmUnitKelvin, ZmUnitDegree);
+  const ZmUnitSystem mmTMs = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitMillisecond);
+  const ZmUnitSystem celsius = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitCelsius);
+  const ZmUnitSystem fahrenheit = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitFahrenheit);
+  // Pressure: 1 Pa is 1e-6 MPa, within the float steps 1/1000 then * 0.001; 200000 MPa is
+  // / float(1/1000), then * float(1/0.001) = 999.99994 -> 199999979520. Velocity: 1 m/s = 1000
+  // mm / 1000 ms. Steel 7.85e-9 T/mm3: three divisions by float(1/1000), one multiplication by
+  // 999.99994. 10 ft = 10 * float(1000 / 3.281) mm; 2 cm2 = 2 * 0.01 * 0.01 m2; 1 m3 = 3.281^3 ft3
+  // by repeated multiplication (35.31983184814453, while pow gives 35.3198356628418). g = 9.80665
+  // m/s2 in mm/ms2: * 1000, / 1000, / 1000. 180 deg = 180 * 0.017453292 rad = float(pi); 1 rad =
+  // float(1 / 0.017453292) deg. Temperatures are never offset. A dimension that does not involve
+  // a missing type converts normally; out of pixels the pixel counts as the metre (1000 mm); the
+  // marker is never converted.
+  // clang-format off
+  const std::pair<float, float> rows[] = {
+      {kMmTS.ConvertValueFrom(1.0f, kMKgS, ZmUnitDimPressure, nullptr), 1.0000001111620804e-06f},
+      {kMmTS.ConvertPressureFrom(1.0f, ZmUnitMeter, ZmUnitKilogram, ZmUnitSecond), 1.0000001111620804e-06f},
+      {kMKgS.ConvertValueFrom(200000.0f, kMmTS, ZmUnitDimPressure, nullptr), 199999979520.0f},
+      {kMmKgMs.ConvertVelocityFrom(1.0f, ZmUnitMeter, ZmUnitSecond), 1.0f},
+      {kMmKgMs.ConvertVelocityFrom(1.0f, kMKgS), 1.0f},
+      {kMKgS.ConvertValueFrom(7.85e-9f, kMmTS, ZmUnitDimDensity, nullptr), 7849.9990234375f},
+      {kMmKgMs.ConvertFreqFrom(100.0f, ZmUnitSecond), 0.10000000149011612f},
+      {kMmKgMs.ConvertTimeFrom(2.0f, ZmUnitSecond), 2000.0f},
+      {kMmTS.ConvertLengthFrom(10.0f, ZmUnitFoot), 3047.851318359375f},
+      {kMKgS.ConvertAreaFrom(2.0f, ZmUnitCentimeter), 0.00019999999494757503f},
+      {ftLbmS.ConvertVolumeFrom(1.0f, ZmUnitMeter), 35.31983184814453f},
+      {mmTMs.ConvertAccelerationFrom(9.80665f, kMKgS), 0.009806649759411812f},
+      {kMmTS.ConvertAngleFrom(180.0f, ZmUnitDegree), 3.1415927410125732f},
+      {ftLbmS.ConvertAngleFrom(1.0f, ZmUnitRadian), 57.295780181884766f},
+      {kMmTS.ConvertValueFrom(100.0f, celsius, ZmUnitDimTemp, nullptr), 100.0f},
+      {fahrenheit.ConvertValueFrom(-40.0f, celsius, ZmUnitDimTemp, nullptr), -40.0f},
+      {kMmKgMs.ConvertValueFrom(5.0f, kNoLength, ZmUnitDimTime, nullptr), 5000.0f},
+      {kMmTS.ConvertLengthFrom(3.0f, ZmUnitPixel), 3000.0f},
+      {kMmTS.ConvertLengthFrom(kInvalid, ZmUnitMeter), kInvalid}};
+  // clang-format on
+  for (const auto& r : rows) EXPECT_EQ(r.first, r.second) << &r - rows;
   // The unit name of the result, with its catalogue equivalent.
-  WbString name;
-  kMmTS.ConvertValueFrom(1.0f, kMKgS, ZmUnitDimPressure, &name);
-  EXPECT_EQ(Text(name), L"MPa");
-  kMKgS.ConvertValueFrom(1.0f, kMmTS, ZmUnitDimVelocity, &name);
-  EXPECT_EQ(Text(name), L"m/s");
-}
-
-TEST(UnitSystem, TemperaturesAreNeverOffset) {
-  const ZmUnitSystem celsius(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitCelsius, ZmUnitRadian);
-  const ZmUnitSystem fahrenheit(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitFahrenheit, ZmUnitRadian);
-  EXPECT_EQ(kMmTS.ConvertValueFrom(100.0f, celsius, ZmUnitDimTemp, nullptr), 100.0f);
-  EXPECT_EQ(fahrenheit.ConvertValueFrom(-40.0f, celsius, ZmUnitDimTemp, nullptr), -40.0f);
-  // ... yet the converter reports the change of unit.
-  ZmUnitConverter converter;
-  unsigned char needed = 0;
-  ASSERT_EQ(converter.InitFromTo(celsius, kMmTS, needed, &ZmUnitDimTemp), nullptr);
-  EXPECT_EQ(needed, 1);
-  EXPECT_EQ(converter.GetFactor(ZmUnitTypeTemp), 1.0f);
-  float value = 100.0f;
-  EXPECT_EQ(converter.ConvertScalar(ZmUnitDimTemp, value), 0);  // unchanged
-  EXPECT_EQ(value, 100.0f);
+  WbString pressure, velocity;
+  kMmTS.ConvertValueFrom(1.0f, kMKgS, ZmUnitDimPressure, &pressure);
+  kMKgS.ConvertValueFrom(1.0f, kMmTS, ZmUnitDimVelocity, &velocity);
+  EXPECT_EQ(Text(pressure) + L" " + Text(velocity), L"MPa m/s");
 }
 
 TEST(UnitSystem, FailedConversionsGiveTheInvalidMarker) {
-  const ZmUnitSystem noLength(ZmUnitLengthUnset, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
-  EXPECT_EQ(kMmTS.ConvertValueFrom(5.0f, noLength, ZmUnitDimLength, nullptr), -1e32f);
+  EXPECT_EQ(kMmTS.ConvertValueFrom(5.0f, kNoLength, ZmUnitDimLength, nullptr), kInvalid);
   EXPECT_EQ(LastMessage(), L"Inconsistent source unit system");
-  // A dimension that does not involve the missing type converts normally: 5 s in ms.
-  EXPECT_EQ(kMmKgMs.ConvertValueFrom(5.0f, noLength, ZmUnitDimTime, nullptr), 5000.0f);
   WbString name(L"untouched");
-  EXPECT_EQ(noLength.ConvertValueFrom(5.0f, kMmTS, ZmUnitDimPressure, &name), -1e32f);
-  EXPECT_EQ(LastMessage(), L"Inconsistent target unit system");
-  EXPECT_EQ(Text(name), L"untouched");
-  // The pixel: into pixels fails, out of pixels the pixel counts as the metre (factor 1000 to mm).
-  const ZmUnitSystem pixels(ZmUnitPixel, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
-  EXPECT_EQ(pixels.ConvertLengthFrom(3.0f, ZmUnitMillimeter), -1e32f);
-  EXPECT_EQ(LastMessage(), L"Internal error : can't process unit system conversion");
-  EXPECT_EQ(kMmTS.ConvertLengthFrom(3.0f, ZmUnitPixel), 3000.0f);
-  // The marker itself is never converted.
-  EXPECT_EQ(kMmTS.ConvertLengthFrom(-1e32f, ZmUnitMeter), -1e32f);
+  EXPECT_EQ(kNoLength.ConvertValueFrom(5.0f, kMmTS, ZmUnitDimPressure, &name), kInvalid);
+  EXPECT_EQ(LastMessage() + L" " + Text(name), L"Inconsistent target unit system untouched");
+  EXPECT_EQ(kPixels.ConvertLengthFrom(3.0f, ZmUnitMillimeter), kInvalid);  // nothing converts into pixels
+  EXPECT_EQ(LastMessage(), kInternal);
 }
 
 TEST(UnitSystem, CompatibilityOfTwoSystems) {
@@ -140,138 +105,131 @@ TEST(UnitSystem, CompatibilityOfTwoSystems) {
   EXPECT_EQ(kMmTS.IsCompatibleWith(ZmUnitSystem(), ZmUnitDimLength, 1.0f), 0);
 }
 
+// Each row prepares a new converter. A type the dimension does not involve gets the marker ("not
+// needed"); a change of temperature unit is reported but has the factor 1. Failures come at the
+// first failing type, with the types before it prepared. The state reads: needed, IsValid for
+// (all, length, velocity), IsUnitTypeToBeConverted for (length, time, type 7),
+// IsDimensionToBeConverted for (time, pressure).
 TEST(UnitConverter, PreparationFactorsAndFailures) {
-  ZmUnitConverter converter;
-  for (int t = 0; t < 5; ++t) EXPECT_EQ(converter.GetFactor(static_cast<_ZmUnitType>(t)), -1e32f);
-  EXPECT_EQ(converter.IsValid(nullptr), 0);
-  unsigned char needed = 9;
-  const ZmUnitSystem mKgSCDeg(ZmUnitMeter, ZmUnitKilogram, ZmUnitSecond, ZmUnitCelsius, ZmUnitDegree);
-  ASSERT_EQ(converter.InitFromTo(kMmTS, mKgSCDeg, needed, nullptr), nullptr);
-  EXPECT_EQ(needed, 1);
-  EXPECT_EQ(converter.GetFactor(ZmUnitTypeLength), 0.0010000000474974513f);  // float(1 / 1000)
-  EXPECT_EQ(converter.GetFactor(ZmUnitTypeMass), 999.9999389648438f);        // float(1 / float(0.001))
-  EXPECT_EQ(converter.GetFactor(ZmUnitTypeTime), 1.0f);
-  EXPECT_EQ(converter.GetFactor(ZmUnitTypeTemp), 1.0f);
-  EXPECT_EQ(converter.GetFactor(ZmUnitTypeAngle), 57.295780181884766f);  // float(1 / float(0.017453292))
-  EXPECT_EQ(converter.IsValid(nullptr), 1);
-  EXPECT_EQ(converter.IsUnitTypeToBeConverted(ZmUnitTypeLength), 1);
-  EXPECT_EQ(converter.IsUnitTypeToBeConverted(ZmUnitTypeTime), 0);
-  EXPECT_EQ(converter.IsUnitTypeToBeConverted(static_cast<_ZmUnitType>(7)), 0);
-  EXPECT_EQ(converter.IsDimensionToBeConverted(ZmUnitDimTime), 0);
-  EXPECT_EQ(converter.IsDimensionToBeConverted(ZmUnitDimPressure), 1);
-
-  // With a dimension, the types it does not involve are marked "not needed".
-  ASSERT_EQ(converter.InitFromTo(kMmTS, kMKgS, needed, &ZmUnitDimLength), nullptr);
-  EXPECT_EQ(needed, 1);
-  EXPECT_EQ(converter.GetFactor(ZmUnitTypeMass), -1e32f);
-  EXPECT_EQ(converter.IsValid(&ZmUnitDimLength), 1);
-  EXPECT_EQ(converter.IsValid(&ZmUnitDimVelocity), 0);
-  EXPECT_EQ(converter.IsValid(nullptr), 0);
-  EXPECT_EQ(converter.IsDimensionToBeConverted(ZmUnitDimTime), 1);  // its factor is the marker, not 1
-  ASSERT_EQ(converter.InitFromTo(kMmTS, kMmTS, needed, &ZmUnitDimPressure), nullptr);
-  EXPECT_EQ(needed, 0);
-  EXPECT_EQ(converter.IsDimensionToBeConverted(ZmUnitDimPressure), 0);
-
-  // Failures, in the order of the tests on each type, at the first failing type.
-  const ZmUnitSystem noMass(ZmUnitMeter, ZmUnitMassUnset, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
-  const auto message = [](const WbErrObj* error) { return std::wstring(error ? error->GetMessage() : L"<none>"); };
-  EXPECT_EQ(message(converter.InitFromTo(kMmTS, noMass, needed, nullptr)), L"Inconsistent target unit system");
-  EXPECT_EQ(converter.GetFactor(ZmUnitTypeLength), 0.0010000000474974513f);  // types before it are prepared
-  EXPECT_EQ(converter.GetFactor(ZmUnitTypeMass), -1e32f);
-  EXPECT_EQ(message(converter.InitFromTo(noMass, kMmTS, needed, nullptr)), L"Inconsistent source unit system");
-  EXPECT_EQ(message(converter.InitFromTo(noMass, noMass, needed, nullptr)), L"<none>");  // equal: factor 1
-  const ZmUnitSystem pixels(ZmUnitPixel, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
-  EXPECT_EQ(message(converter.InitFromTo(kMmTS, pixels, needed, &ZmUnitDimLength)),
-            L"Internal error : can't process unit system conversion");
-  ASSERT_EQ(converter.InitFromTo(pixels, kMmTS, needed, &ZmUnitDimLength), nullptr);
-  EXPECT_EQ(converter.GetFactor(ZmUnitTypeLength), 1000.0f);
-  // A unit index beyond the table has no factor either.
-  const ZmUnitSystem beyond(static_cast<_ZmUnitLength>(17), ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
-  EXPECT_EQ(message(converter.InitFromTo(kMmTS, beyond, needed, &ZmUnitDimLength)),
-            L"Internal error : can't process unit system conversion");
+  const ZmUnitSystem mKgSCDeg = Sys(ZmUnitMeter, ZmUnitKilogram, ZmUnitSecond, ZmUnitCelsius, ZmUnitDegree);
+  const ZmUnitSystem noMass = Sys(ZmUnitMeter, ZmUnitMassUnset, ZmUnitSecond), beyond = SysAt(17, 4, 0);
+  const float x = kInvalid, mm = 0.0010000000474974513f;  // float(1 / 1000)
+  const ZmUnitDim *length = &ZmUnitDimLength, *none = nullptr;
+  using Factors = std::vector<float>;
+  const std::tuple<ZmUnitSystem, ZmUnitSystem, const ZmUnitDim*, const wchar_t*, Factors, const char*> rows[] = {
+      // float(1 / float(0.001)) per tonne, float(1 / float(0.017453292)) degrees per radian.
+      {kMmTS, mKgSCDeg, none, kNoError, {mm, 999.9999389648438f, 1, 1, 57.295780181884766f}, "1 111 100 01"},
+      {kMmTS, kMKgS, length, kNoError, {mm, x, x, x, x}, "1 010 110 11"},
+      {kMmTS, kMmTS, &ZmUnitDimPressure, kNoError, {1, 1, 1, x, x}, "0 011 000 00"},
+      {mKgSCDeg, kMmTS, &ZmUnitDimTemp, kNoError, {x, x, x, 1, x}, "1 000 110 11"},
+      {noMass, noMass, none, kNoError, {1, 1, 1, 1, 1}, "0 111 000 00"},
+      {kPixels, kMmTS, length, kNoError, {1000, x, x, x, x}, "1 010 110 11"},
+      {kMmTS, noMass, none, L"Inconsistent target unit system", {mm, x, x, x, x}, nullptr},
+      {noMass, kMmTS, none, L"Inconsistent source unit system", {1000, x, x, x, x}, nullptr},
+      {kMmTS, kPixels, length, kInternal, {x, x, x, x, x}, nullptr},
+      {kMmTS, beyond, length, kInternal, {x, x, x, x, x}, nullptr}};  // an index beyond the table
+  for (const auto& [from, to, dim, message, factors, state] : rows) {
+    ZmUnitConverter c;
+    unsigned char needed = 9;
+    EXPECT_EQ(Message(c.InitFromTo(from, to, needed, dim)), message) << Units(from) << " to " << Units(to);
+    Factors got;
+    for (int t = -1; t < 6; ++t) got.push_back(c.GetFactor(static_cast<_ZmUnitType>(t)));
+    EXPECT_EQ(got, (Factors{x, factors[0], factors[1], factors[2], factors[3], factors[4], x})) << message;
+    if (!state) continue;
+    char flags[64];
+    std::snprintf(flags, sizeof flags, "%d %d%d%d %d%d%d %d%d", needed, c.IsValid(nullptr), c.IsValid(length),
+                  c.IsValid(&ZmUnitDimVelocity), c.IsUnitTypeToBeConverted(ZmUnitTypeLength),
+                  c.IsUnitTypeToBeConverted(ZmUnitTypeTime), c.IsUnitTypeToBeConverted(static_cast<_ZmUnitType>(7)),
+                  c.IsDimensionToBeConverted(ZmUnitDimTime), c.IsDimensionToBeConverted(ZmUnitDimPressure));
+    EXPECT_EQ(std::string(flags), state) << Units(from) << " to " << Units(to);
+  }
 }
 
+// The double twin is scaled by the widened float factors. The marker and a neutral value are left
+// alone (0: unchanged). A type the converter was not prepared for stops the conversion with the
+// types before it converted: the length part of a velocity is scaled, the time part is missing.
 TEST(UnitConverter, ScalarConversionInBothPrecisions) {
+  const ZmUnitSystem inches = Sys(ZmUnitInch, ZmUnitTon, ZmUnitSecond);
+  const ZmUnitSystem celsius = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitCelsius);
+  const ZmUnitDim* length = &ZmUnitDimLength;
+  const std::tuple<ZmUnitSystem, const ZmUnitDim*, const ZmUnitDim&, float, int, float, double> rows[] = {
+      // 1 / 1000 * 0.0010000000474974513 in double.
+      {kMKgS, nullptr, ZmUnitDimPressure, 1.0f, 1, 1.0000001111620804e-06f, 1.0000000474974512e-06},
+      {inches, length, ZmUnitDimLength, 1.0f, 1, kInch, kInch},
+      {inches, length, ZmUnitDimLength, kInvalid, 0, kInvalid, kInvalid},
+      {inches, length, ZmUnitDimNone, 0.25f, 0, 0.25f, 0.25},
+      {inches, length, ZmUnitDimVelocity, 2.0f, 0, 2.0f * kInch, 2.0f * kInch},
+      {celsius, &ZmUnitDimTemp, ZmUnitDimTemp, 100.0f, 0, 100.0f, 100.0}};
+  for (const auto& [from, prepared, dim, value, changed, expectedF, expectedD] : rows) {
+    ZmUnitConverter converter;
+    unsigned char needed = 0;
+    ASSERT_EQ(converter.InitFromTo(from, kMmTS, needed, prepared), nullptr);
+    float f = value;
+    double d = value;
+    EXPECT_EQ(converter.ConvertScalar(dim, f), changed) << value;
+    EXPECT_EQ(converter.ConvertScalar(dim, d), changed) << value;
+    EXPECT_EQ(f, expectedF);
+    EXPECT_EQ(d, expectedD);
+  }
+  // A fractional exponent goes through pow: sqrt(kInch) * 4 for a length^(1/2).
   ZmUnitConverter converter;
   unsigned char needed = 0;
-  ASSERT_EQ(converter.InitFromTo(kMKgS, kMmTS, needed, nullptr), nullptr);
-  float f = 1.0f;
-  EXPECT_EQ(converter.ConvertScalar(ZmUnitDimPressure, f), 1);
-  EXPECT_EQ(f, 1.0000001111620804e-06f);
-  // The double value is scaled by the widened float factors: 1 / 1000 * 0.0010000000474974513.
-  double d = 1.0;
-  EXPECT_EQ(converter.ConvertScalar(ZmUnitDimPressure, d), 1);
-  EXPECT_EQ(d, 1.0000000474974512e-06);
-  double inch = 1.0;
-  ASSERT_EQ(converter.InitFromTo(ZmUnitSystem(ZmUnitInch, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian), kMmTS,
-                                 needed, &ZmUnitDimLength),
-            nullptr);
-  EXPECT_EQ(converter.ConvertScalar(ZmUnitDimLength, inch), 1);
-  EXPECT_EQ(inch, 25.40005111694336);  // float(1000 / float(39.37)), widened
-  // The marker is left alone; an unchanged value reports 0.
-  float marker = -1e32f;
-  EXPECT_EQ(converter.ConvertScalar(ZmUnitDimLength, marker), 0);
-  EXPECT_EQ(marker, -1e32f);
-  double markerD = double(-1e32f);
-  EXPECT_EQ(converter.ConvertScalar(ZmUnitDimLength, markerD), 0);
-  EXPECT_EQ(markerD, double(-1e32f));
-  float ratio = 0.25f;
-  EXPECT_EQ(converter.ConvertScalar(ZmUnitDimNone, ratio), 0);
-  EXPECT_EQ(ratio, 0.25f);
-  // A type the converter was not prepared for stops the conversion; the types before it stay
-  // converted: the length part of a velocity is scaled, the time part is missing.
-  float velocity = 2.0f;
-  EXPECT_EQ(converter.ConvertScalar(ZmUnitDimVelocity, velocity), 0);
-  EXPECT_EQ(velocity, 2.0f * 25.40005111694336f);
-  // A fractional exponent goes through pow: sqrt(float(1000/39.37)) * 4 for a length^(1/2).
+  ASSERT_EQ(converter.InitFromTo(inches, kMmTS, needed, length), nullptr);
   ZmUnitDim root;
   root.SetTypeDimension(ZmUnitTypeLength, 1, 2);
   float rooted = 4.0f;
   EXPECT_EQ(converter.ConvertScalar(root, rooted), 1);
-  EXPECT_FLOAT_EQ(rooted, 4.0f * std::sqrt(25.40005111694336f));
+  EXPECT_FLOAT_EQ(rooted, 4.0f * std::sqrt(kInch));
+  // A result that rounds to the marker itself counts as not converted: float(-1e29) * 1000 is
+  // -1e32f in float (Python struct), the double twin is an ordinary value.
+  ASSERT_EQ(converter.InitFromTo(kMKgS, kMmTS, needed, length), nullptr);
+  float toMarker = -1.0000000150474662e+29f;
+  double wide = toMarker;
+  EXPECT_EQ(converter.ConvertScalar(ZmUnitDimLength, toMarker), 0);
+  EXPECT_EQ(toMarker, kInvalid);
+  EXPECT_EQ(converter.ConvertScalar(ZmUnitDimLength, wide), 1);
+  EXPECT_EQ(wide, -1.0000000150474662e+32);
 }
 
 TEST(UnitSystem, WritesValuesWithTheirUnit) {
   WbString text(L"old");
-  EXPECT_EQ(kMmTS.FormatDimensionalValue(210000.0f, ZmUnitDimPressure, text), 1);
-  EXPECT_EQ(Text(text), L"210000 MPa");
-  EXPECT_EQ(kMmTS.FormatDimensionalValue(0.1f, ZmUnitDimLength, text), 1);
-  EXPECT_EQ(Text(text), L"0.1000000014901161 mm");  // float(0.1) with 16 significant digits
-  EXPECT_EQ(kMmTS.FormatDimensionalValue(0.5f, ZmUnitDimNone, text), 1);
-  EXPECT_EQ(Text(text), L"0.5");
-  EXPECT_EQ(kMKgS.FormatDimensionalValue(-3.0f, ZmUnitDimVelocity, text), 1);
-  EXPECT_EQ(Text(text), L"-3 m/s");
-  EXPECT_EQ(kMmTS.FormatDimensionalValue(-1e32f, ZmUnitDimLength, text), 0);
-  EXPECT_EQ(Text(text), L"");
-
+  const auto write = [&](const ZmUnitSystem& system, float value, const ZmUnitDim& dim) {
+    const int written = system.FormatDimensionalValue(value, dim, text);
+    return std::to_wstring(written) + L" " + Text(text);
+  };
+  EXPECT_EQ(write(kMmTS, 210000.0f, ZmUnitDimPressure), L"1 210000 MPa");
+  EXPECT_EQ(write(kMmTS, 0.1f, ZmUnitDimLength), L"1 0.1000000014901161 mm");  // float(0.1), 16 significant digits
+  EXPECT_EQ(write(kMmTS, 0.5f, ZmUnitDimNone), L"1 0.5");
+  EXPECT_EQ(write(kMKgS, -3.0f, ZmUnitDimVelocity), L"1 -3 m/s");
+  EXPECT_EQ(write(kMmTS, kInvalid, ZmUnitDimLength), L"0 ");
   WbArrayTempl<float> values{1.0f, 2.5f, 3.0f};
-  EXPECT_EQ(kMmTS.FormatDimensionalValues(values, ZmUnitDimPressure, text), 1);
-  EXPECT_EQ(Text(text), L"1; 2.5; 3 MPa");
-  EXPECT_EQ(kMmTS.FormatDimensionalValues(values, ZmUnitDimNone, text), 1);
-  EXPECT_EQ(Text(text), L"1; 2.5; 3");
-  values.Add(-1e32f);
-  EXPECT_EQ(kMmTS.FormatDimensionalValues(values, ZmUnitDimPressure, text), 0);
-  EXPECT_EQ(Text(text), L"");
-  EXPECT_EQ(kMmTS.FormatDimensionalValues(WbArrayTempl<float>(), ZmUnitDimPressure, text), 0);
+  const auto writeAll = [&](const WbArrayTempl<float>& list, const ZmUnitDim& dim) {
+    const int written = kMmTS.FormatDimensionalValues(list, dim, text);
+    return std::to_wstring(written) + L" " + Text(text);
+  };
+  EXPECT_EQ(writeAll(values, ZmUnitDimPressure), L"1 1; 2.5; 3 MPa");
+  EXPECT_EQ(writeAll(values, ZmUnitDimNone), L"1 1; 2.5; 3");
+  values.Add(kInvalid);
+  EXPECT_EQ(writeAll(values, ZmUnitDimPressure), L"0 ");
+  EXPECT_EQ(writeAll(WbArrayTempl<float>(), ZmUnitDimPressure), L"0 ");
 }
 
 TEST(UnitSystem, ReadsValuesWrittenInAnySystem) {
-  float value = 0.0f;
-  ASSERT_EQ(kMmTS.String2DimensionalValue(L"  210000 MPa \t", ZmUnitDimPressure, value), 1);
-  EXPECT_EQ(value, 210000.0f);
-  // 2.1e11 Pa in MPa: float(2.1e11) / 1000 * 0.001 = 210000.015625.
-  ASSERT_EQ(kMmTS.String2DimensionalValue(L"2.1e11 Pa", ZmUnitDimPressure, value), 1);
-  EXPECT_EQ(value, 210000.015625f);
-  ASSERT_EQ(kMKgS.String2DimensionalValue(L"1 T/mm.s2", ZmUnitDimPressure, value), 1);
-  EXPECT_EQ(value, 999999.875f);
-  ASSERT_EQ(kMKgS.String2DimensionalValue(L"7.85e-9 T/mm3", ZmUnitDimDensity, value), 1);
-  EXPECT_EQ(value, 7849.9990234375f);
-  ASSERT_EQ(kMmTS.String2DimensionalValue(L"+2.5e+2 N/mm", ZmUnitDimForcePerLength, value), 1);
-  EXPECT_EQ(value, 250.0f);
-  ASSERT_EQ(kMmTS.String2DimensionalValue(L"42", ZmUnitDimLength, value), 1);  // no symbol: already in mm
-  EXPECT_EQ(value, 42.0f);
-  ASSERT_EQ(kMmKgMs.String2DimensionalValue(L"100 1/s", ZmUnitDimFreq, value), 1);
-  EXPECT_EQ(value, 0.10000000149011612f);
+  const std::tuple<const ZmUnitSystem&, const wchar_t*, const ZmUnitDim&, float> rows[] = {
+      {kMmTS, L"  210000 MPa \t", ZmUnitDimPressure, 210000.0f},
+      {kMmTS, L"2.1e11 Pa", ZmUnitDimPressure, 210000.015625f},  // float(2.1e11) / 1000 * 0.001
+      {kMKgS, L"1 T/mm.s2", ZmUnitDimPressure, 999999.875f},
+      {kMKgS, L"7.85e-9 T/mm3", ZmUnitDimDensity, 7849.9990234375f},
+      {kMmTS, L"+2.5e+2 N/mm", ZmUnitDimForcePerLength, 250.0f},
+      {kMmTS, L"42", ZmUnitDimLength, 42.0f},  // no symbol: already in mm
+      // More digits than any value needs are still read, wherever the number starts.
+      {kMmTS, L"  1.000000000000000000000000000000000000000000000000000000000000000000001 mm", ZmUnitDimLength, 1.0f},
+      {kMmKgMs, L"100 1/s", ZmUnitDimFreq, 0.10000000149011612f}};
+  for (const auto& [system, text, dim, expected] : rows) {
+    float value = 0.0f;
+    EXPECT_EQ(system.String2DimensionalValue(text, dim, value), 1) << std::wstring(text).size();
+    EXPECT_EQ(value, expected);
+  }
   double precise = 0.0;
   ASSERT_EQ(kMmTS.String2DimensionalValue(L"1 in", ZmUnitDimLength, precise), 1);
   EXPECT_EQ(precise, 25.40005111694336);
@@ -279,56 +237,45 @@ TEST(UnitSystem, ReadsValuesWrittenInAnySystem) {
   EXPECT_EQ(precise, 9.999999999999999e+41);  // double(1e39) * 1000, rounded once
 
   // Everything else is refused with 0 and the marker.
-  const wchar_t* refused[] = {L"",          L"   ",      L"MPa",    L"1MPa",    L"1 mPa",    L"1 MPa x",
-                              L"1..2 MPa",  L"0x10 MPa", L"1e MPa", L". MPa",   L"1; 2 MPa", L"1 Kg/m3",
-                              L"-1e32 MPa", L"1e39 MPa", L"5 mm",   L"- 5 MPa", L"1,5 MPa",  L"1 MPa MPa"};
-  for (const wchar_t* text : refused) {
-    value = 7.0f;
+  for (const wchar_t* text :
+       {L"", L"   ", L"MPa", L"1MPa", L"1 mPa", L"1 MPa x", L"1..2 MPa", L"0x10 MPa", L"1e MPa", L". MPa", L"1; 2 MPa",
+        L"1 Kg/m3", L"-1e32 MPa", L"1e39 MPa", L"5 mm", L"- 5 MPa", L"1,5 MPa", L"1 MPa MPa"}) {
+    float value = 7.0f;
     EXPECT_EQ(kMmTS.String2DimensionalValue(text, ZmUnitDimPressure, value), 0) << std::wstring(text).size();
-    EXPECT_EQ(value, -1e32f);
+    EXPECT_EQ(value, kInvalid);
   }
   precise = 7.0;
   EXPECT_EQ(kMmTS.String2DimensionalValue(L"1 furlong", ZmUnitDimLength, precise), 0);
-  EXPECT_EQ(precise, double(-1e32f));
-  // Into a system that cannot hold the value.
-  const ZmUnitSystem pixels(ZmUnitPixel, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
-  EXPECT_EQ(pixels.String2DimensionalValue(L"1 mm", ZmUnitDimLength, value), 0);
-  EXPECT_EQ(LastMessage(), L"Internal error : can't process unit system conversion");
+  EXPECT_EQ(precise, double(kInvalid));
+  float value = 0.0f;  // into a system that cannot hold the value
+  EXPECT_EQ(kPixels.String2DimensionalValue(L"1 mm", ZmUnitDimLength, value), 0);
+  EXPECT_EQ(LastMessage(), kInternal);
 }
 
 TEST(UnitSystem, ValueListsAndRoundTrips) {
   WbArrayTempl<float> values;
-  ASSERT_EQ(kMmTS.String2DimensionalValues(L" 1;2.5 ;  3 MPa ", ZmUnitDimPressure, values), 1);
-  ASSERT_EQ(values.GetSize(), 3u);
-  EXPECT_EQ(values[1], 2.5f);
-  ASSERT_EQ(kMKgS.String2DimensionalValues(L"1; 2 MPa", ZmUnitDimPressure, values), 1);
-  ASSERT_EQ(values.GetSize(), 2u);
-  EXPECT_EQ(values[0], 999999.875f);
-  EXPECT_EQ(values[1], 1999999.75f);
-  ASSERT_EQ(kMmTS.String2DimensionalValues(L"4", ZmUnitDimLength, values), 1);
-  EXPECT_EQ(values.GetSize(), 1u);
+  const auto read = [&](const ZmUnitSystem& system, const wchar_t* text, const ZmUnitDim& dim) {
+    std::wstring out = std::to_wstring(system.String2DimensionalValues(text, dim, values)) + L":";
+    for (const float v : values) out += L" " + std::to_wstring(v);  // six decimals
+    return out;
+  };
+  EXPECT_EQ(read(kMmTS, L" 1;2.5 ;  3 MPa ", ZmUnitDimPressure), L"1: 1.000000 2.500000 3.000000");
+  EXPECT_EQ(read(kMKgS, L"1; 2 MPa", ZmUnitDimPressure), L"1: 999999.875000 1999999.750000");
+  EXPECT_EQ(read(kMmTS, L"4", ZmUnitDimLength), L"1: 4.000000");
   for (const wchar_t* text : {L"", L"1; ; 2 MPa", L"1; 2;", L"1 MPa; 2", L"; 1", L"1 2 MPa"}) {
-    EXPECT_EQ(kMmTS.String2DimensionalValues(text, ZmUnitDimPressure, values), 0);
-    EXPECT_EQ(values.GetSize(), 0u);
+    EXPECT_EQ(read(kMmTS, text, ZmUnitDimPressure), L"0:") << std::wstring(text).size();
   }
-
   // Whatever a system writes, it reads back to the same value: every pressure system, a
   // quotient, awkward floats.
-  const float samples[] = {123.456f, -7.0e-12f, 3.4028235e38f, 1.4e-45f, 0.0f};
-  for (int l = 0; l < 6; ++l) {
-    for (int m = 0; m < 9; ++m) {
-      for (int t = 0; t < 3; ++t) {
-        const ZmUnitSystem system(static_cast<_ZmUnitLength>(l), static_cast<_ZmUnitMass>(m),
-                                  static_cast<_ZmUnitTime>(t), ZmUnitKelvin, ZmUnitRadian);
-        for (const ZmUnitDim* dim : {&ZmUnitDimPressure, &ZmUnitDimForcePerLength}) {
-          for (const float sample : samples) {
-            WbString text;
-            ASSERT_EQ(system.FormatDimensionalValue(sample, *dim, text), 1);
-            float back = 0.0f;
-            ASSERT_EQ(system.String2DimensionalValue(text, *dim, back), 1) << Text(text).size();
-            EXPECT_EQ(back, sample);
-          }
-        }
+  for (int i = 0; i < 6 * 9 * 3; ++i) {
+    const ZmUnitSystem system = SysAt(i / 27, i / 3 % 9, i % 3);
+    for (const ZmUnitDim* dim : {&ZmUnitDimPressure, &ZmUnitDimForcePerLength}) {
+      for (const float sample : {123.456f, -7.0e-12f, 3.4028235e38f, 1.4e-45f, 0.0f}) {
+        WbString text;
+        ASSERT_EQ(system.FormatDimensionalValue(sample, *dim, text), 1);
+        float back = 0.0f;
+        ASSERT_EQ(system.String2DimensionalValue(text, *dim, back), 1) << Text(text).size();
+        EXPECT_EQ(back, sample);
       }
     }
   }
@@ -337,88 +284,54 @@ TEST(UnitSystem, ValueListsAndRoundTrips) {
   ASSERT_EQ(kMmKgMs.FormatDimensionalValues(list, ZmUnitDimFreq, text), 1);
   EXPECT_EQ(Text(text), L"1.5; -2; 1.000000011686097e-07 KHz");
   ASSERT_EQ(kMmKgMs.String2DimensionalValues(text, ZmUnitDimFreq, values), 1);
-  ASSERT_EQ(values.GetSize(), 3u);
-  EXPECT_EQ(values[2], 1e-7f);
+  EXPECT_EQ(std::vector<float>(values.begin(), values.end()), std::vector<float>({1.5f, -2.0f, 1e-7f}));
 }
 
 TEST(UnitSystem, CompatibleDerivedUnits) {
   WbObjectArrayTempl<WbString> names;
   WbArrayTempl<float> factors;
   int index = 99;
-  ASSERT_EQ(kMmTS.GetCompatibleEquivUnits(ZmUnitDimPressure, names, factors, 1.0f, &index), 6u);
+  const auto units = [&](const ZmUnitSystem& system, const ZmUnitDim& dim, int* at) {
+    std::wstring out = std::to_wstring(system.GetCompatibleEquivUnits(dim, names, factors, 1.0f, at)) + L":";
+    for (std::uint64_t i = 0; i < names.GetSize(); ++i) out += L" " + Text(*names[i]);
+    return out;
+  };
   // 1 MPa in Pa, KPa, MPa, GPa, dyn/cm2, mmHg (float steps of the conversion, numpy float32).
-  const wchar_t* expectedNames[] = {L"Pa", L"KPa", L"MPa", L"GPa", L"dyn/cm2", L"mmHg"};
-  const float expectedFactors[] = {999999.875f, 999.9999389648438f, 1.0f, 0.0009999999310821295f,
-                                   9999999.0f,  7500.61474609375f};
-  for (int i = 0; i < 6; ++i) {
-    EXPECT_EQ(Text(*names[i]), expectedNames[i]);
-    EXPECT_EQ(factors[i], expectedFactors[i]);
-  }
+  EXPECT_EQ(units(kMmTS, ZmUnitDimPressure, &index), L"6: Pa KPa MPa GPa dyn/cm2 mmHg");
+  EXPECT_EQ(std::vector<float>(factors.begin(), factors.end()),
+            (std::vector<float>{999999.875f, 999.9999389648438f, 1.0f, 0.0009999999310821295f, 9999999.0f,
+                                7500.61474609375f}));
   EXPECT_EQ(index, 2);
-  // Without a length nothing converts.
-  const ZmUnitSystem noLength(ZmUnitLengthUnset, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
-  EXPECT_EQ(noLength.GetCompatibleEquivUnits(ZmUnitDimPressure, names, factors, 1.0f, &index), 0u);
+  EXPECT_EQ(units(kNoLength, ZmUnitDimPressure, &index), L"0:");  // without a length nothing converts
   EXPECT_EQ(index, -1);
   EXPECT_EQ(factors.GetSize(), 0u);
-  // Nothing converts into the pixel: lengths offer m, cm, mm, ft and in. The index pointer is
-  // optional.
-  ASSERT_EQ(kMmTS.GetCompatibleEquivUnits(ZmUnitDimLength, names, factors, 1.0f, nullptr), 5u);
-  EXPECT_EQ(Text(*names[4]), L"in");
+  // Nothing converts into the pixel; the index pointer is optional.
+  EXPECT_EQ(units(kMmTS, ZmUnitDimLength, nullptr), L"5: m cm mm ft in");
   EXPECT_EQ(factors[4], 0.03937000036239624f);  // float(39.37 / 1000)
-  EXPECT_EQ(kMmTS.GetCompatibleEquivUnits(ZmUnitDimLength, names, factors, 1.0f, &index), 5u);
-  EXPECT_EQ(index, 2);
 }
 
+// Workers convert, name and parse on the shared catalogue; a failing conversion records its
+// error on its own thread only.
 TEST(UnitSystem, ConcurrentConversionsOnTheSharedCatalogue) {
-  // Each worker converts, names and parses on the shared catalogue and compares with the
-  // results computed here first, on one thread.
-  struct Case {
-    ZmUnitSystem from, to;
-    const ZmUnitDim* dim;
-    float value;
-  };
-  const std::vector<Case> cases = {{kMKgS, kMmTS, &ZmUnitDimPressure, 1.0f},
-                                   {kMmTS, kMKgS, &ZmUnitDimDensity, 7.85e-9f},
-                                   {kMKgS, kMmKgMs, &ZmUnitDimVelocity, 3.0f},
-                                   {kMmTS, kMmKgMs, &ZmUnitDimForce, 12.5f},
-                                   {kMmKgMs, kMKgS, &ZmUnitDimFreq, 0.25f}};
-  std::vector<float> converted;
-  std::vector<std::wstring> symbols;
-  std::vector<float> parsed;
-  for (const Case& c : cases) {
-    WbString symbol, text;
-    converted.push_back(c.to.ConvertValueFrom(c.value, c.from, *c.dim, &symbol));
-    symbols.push_back(Text(symbol));
-    c.from.FormatDimensionalValue(c.value, *c.dim, text);
-    float value = 0.0f;
-    c.to.String2DimensionalValue(text, *c.dim, value);
-    parsed.push_back(value);
-  }
-  constexpr int kThreads = 4;
-  constexpr int kRounds = 300;
-  std::vector<int> mismatches(kThreads, 0);
+  std::vector<int> mismatches(4, 0);
   std::vector<std::thread> workers;
-  for (int w = 0; w < kThreads; ++w) {
-    workers.emplace_back([&, w] {
-      for (int round = 0; round < kRounds; ++round) {
-        const std::size_t i = static_cast<std::size_t>(round + w) % cases.size();
-        const Case& c = cases[i];
-        WbString symbol, text;
-        if (c.to.ConvertValueFrom(c.value, c.from, *c.dim, &symbol) != converted[i]) ++mismatches[w];
-        if (Text(symbol) != symbols[i]) ++mismatches[w];
-        c.from.FormatDimensionalValue(c.value, *c.dim, text);
-        float value = 0.0f;
-        if (!c.to.String2DimensionalValue(text, *c.dim, value) || value != parsed[i]) ++mismatches[w];
-        // A failing conversion records its error on this thread only.
-        if (c.to.ConvertLengthFrom(1.0f, ZmUnitLengthUnset) != -1e32f) ++mismatches[w];
-        if (LastMessage() != L"Inconsistent source unit system") ++mismatches[w];
+  for (int w = 0; w < 4; ++w) {
+    workers.emplace_back([&mismatches, w] {
+      for (int round = 0; round < 300; ++round) {
+        WbString symbol;
+        float density = 0.0f;
+        const float pressure = kMmTS.ConvertValueFrom(1.0f, kMKgS, ZmUnitDimPressure, &symbol);
+        kMKgS.String2DimensionalValue(L"7.85e-9 T/mm3", ZmUnitDimDensity, density);
+        const bool failed = kMmTS.ConvertLengthFrom(1.0f, ZmUnitLengthUnset) == kInvalid;
+        if (pressure != 1.0000001111620804e-06f || symbol != L"MPa" || density != 7849.9990234375f || !failed ||
+            LastMessage() != L"Inconsistent source unit system") {
+          ++mismatches[w];
+        }
       }
     });
   }
   for (std::thread& worker : workers) worker.join();
-  for (int w = 0; w < kThreads; ++w) EXPECT_EQ(mismatches[w], 0) << "thread " << w;
-  EXPECT_EQ(symbols[0], L"MPa");
-  EXPECT_EQ(symbols[3], L"kN");
+  EXPECT_EQ(mismatches, std::vector<int>(4, 0));
 }
 
 }  // namespace
