@@ -25,23 +25,19 @@ Line<float> ToFloat(const Line<double>& line) {
 }  // namespace
 
 TEST(Intersections, SegmentsIn2DWriteTheirParametersEvenOutOfRange) {
+  const auto check = [](P2 p1, P2 q0, P2 q1, unsigned char asLines, unsigned char result, double s, double t) {
+    double actualS = 0, actualT = 0;
+    EXPECT_EQ(ZmMathd::IntersectSegments(P2(0, 0), p1, q0, q1, &actualS, &actualT, asLines), result);
+    EXPECT_EQ(actualS, s);
+    EXPECT_EQ(actualT, t);
+  };
   // Parallel: singular, both parameters marked invalid. [(0,0), (1,0)] against
   // [(1.5,-1), (1.5,1)] meet at s = 1.5, t = 0.5, beyond the first segment's end: 0 for
   // segments, 1 for lines, parameters written in both cases. Then a proper crossing.
-  const struct {
-    P2 p1, q0, q1;
-    unsigned char asLines, result;
-    double s, t;
-  } rows[] = {{P2(1, 0), P2(0, 1), P2(1, 1), 1, 0, kMarker, kMarker},
-              {P2(1, 0), P2(1.5, -1), P2(1.5, 1), 0, 0, 1.5, 0.5},
-              {P2(1, 0), P2(1.5, -1), P2(1.5, 1), 1, 1, 1.5, 0.5},
-              {P2(2, 0), P2(1.5, -1), P2(1.5, 1), 0, 1, 0.75, 0.5}};
-  for (const auto& r : rows) {
-    double s = 0, t = 0;
-    EXPECT_EQ(ZmMathd::IntersectSegments(P2(0, 0), r.p1, r.q0, r.q1, &s, &t, r.asLines), r.result);
-    EXPECT_EQ(s, r.s);
-    EXPECT_EQ(t, r.t);
-  }
+  check(P2(1, 0), P2(0, 1), P2(1, 1), 1, 0, kMarker, kMarker);
+  check(P2(1, 0), P2(1.5, -1), P2(1.5, 1), 0, 0, 1.5, 0.5);
+  check(P2(1, 0), P2(1.5, -1), P2(1.5, 1), 1, 1, 1.5, 0.5);
+  check(P2(2, 0), P2(1.5, -1), P2(1.5, 1), 0, 1, 0.75, 0.5);
   // Null parameter pointers; the float twin agrees.
   EXPECT_EQ(ZmMathd::IntersectSegments(P2(0, 0), P2(2, 0), P2(1.5, -1), P2(1.5, 1), nullptr, nullptr, 0), 1);
   float sf = 0, tf = 0;
@@ -54,8 +50,9 @@ TEST(Intersections, SegmentsIn2DWriteTheirParametersEvenOutOfRange) {
 
 TEST(Intersections, SegmentsIn3DAreSeenAlongTheNormal) {
   // [(0,0,0), (1,0,0)] and [(0.5,-1,1), (0.5,1,1)] seen along z cross at s = t = 0.5; the two
-  // points are one on each segment, 1 apart in z.
-  ZmPoint3d onP, onQ;
+  // points are one on each segment, 1 apart in z. Parallel in the view: 0, invalid parameters,
+  // points untouched.
+  P onP, onQ;
   double s, t;
   const P o(0, 0, 0), x(1, 0, 0);
   EXPECT_EQ(ZmMathd::IntersectSegments(o, x, P(0.5, -1, 1), P(0.5, 1, 1), V(0, 0, 1), onP, onQ, &s, &t, 0), 1);
@@ -63,27 +60,22 @@ TEST(Intersections, SegmentsIn3DAreSeenAlongTheNormal) {
   EXPECT_DOUBLE_EQ(t, 0.5);
   ExpectPoint(onP, 0.5, 0, 0);
   ExpectPoint(onQ, 0.5, 0, 1);
-  // Parallel in the view: 0, invalid parameters, points untouched.
   onP = P(7, 7, 7);
   EXPECT_EQ(ZmMathd::IntersectSegments(o, x, P(0, 1, 1), P(1, 1, 1), V(0, 0, 1), onP, onQ, &s, &t, 1), 0);
   EXPECT_EQ(s, kMarker);
   ExpectPoint(onP, 7, 7, 7);
-
   // Half-lines from the origin along +x against [(2,-1,0), (2,1,0)]: hit (s = 2, t = 0.5);
   // along -x the crossing is behind the start; a segment beside the ray, and a parallel one,
   // are missed; a zero direction or a zero-length segment gives 0.
   const P a(2, -1, 0), b(2, 1, 0);
-  const struct {
-    V dir;
-    P a, b;
-    unsigned char hit;
-  } rows[] = {{x, a, b, 1},
-              {V(-1, 0, 0), a, b, 0},
-              {x, P(2, 1, 0), P(2, 3, 0), 0},
-              {x, P(0, 1, 0), P(3, 1, 0), 0},
-              {V(0, 0, 0), a, b, 0},
-              {x, a, a, 0}};
-  for (const auto& r : rows) EXPECT_EQ(ZmMathd::IntersectHalfLineSegment(o, r.dir, r.a, r.b), r.hit);
+  const V along(1, 0, 0);
+  EXPECT_EQ(ZmMathd::IntersectHalfLineSegment(o, along, a, b), 1);
+  for (unsigned char hit :
+       {ZmMathd::IntersectHalfLineSegment(o, V(-1, 0, 0), a, b),
+        ZmMathd::IntersectHalfLineSegment(o, along, P(2, 1, 0), P(2, 3, 0)),
+        ZmMathd::IntersectHalfLineSegment(o, along, P(0, 1, 0), P(3, 1, 0)),
+        ZmMathd::IntersectHalfLineSegment(o, V(0, 0, 0), a, b), ZmMathd::IntersectHalfLineSegment(o, along, a, a)})
+    EXPECT_EQ(hit, 0);
   EXPECT_EQ(ZmMathf::IntersectHalfLineSegment(ZmPoint3f(o), ZmVector3f(1, 0, 0), ZmPoint3f(a), ZmPoint3f(b)), 1);
 }
 
@@ -103,27 +95,23 @@ TEST(Intersections, SphereAgainstLineAndPolyline) {
   EXPECT_EQ(ZmMathd::IntersectSphereLine(p0, p0, center, 1.0, hit1, hit2, params), 0);
   EXPECT_EQ(ZmMathd::IntersectSphereLine(P(-2, 2, 0), P(2, 2, 0), center, 1.0, hit1, hit2, nullptr), 0);
   ExpectPoint(hit1, 5, 5, 5);
+  const auto check = [&center](const Line<double>& line, int segment, const P& expected) {
+    P hit(9, 9, 9);
+    EXPECT_EQ(ZmMathd::IntersectSpherePolyline(center, 1.0, line, hit), segment);
+    EXPECT_NEAR(hit.x, expected.x, 1e-15);
+    EXPECT_EQ(hit.y, expected.y);
+    EXPECT_EQ(hit.z, expected.z);
+  };
   // The polyline takes the earlier of two hits within the segment. Leaving the sphere from its
   // centre: (0,0,0) -> (2,0,0) has A = 4, B = 0, C = -1, disc = 16: t1 = 0.5 inside, t2 = -0.5
   // behind. The third segment, (-4, 0.5) -> (4, 0.5), is the first to meet it: A = 64,
   // B = -64, C = 15.25, disc = 192, t2 = (64 - sqrt(192))/128 < t1, hit2 = (-sqrt(0.75), 0.5).
   // One point, or a polyline outside: -1 and nothing written.
-  const struct {
-    Line<double> line;
-    int segment;
-    P hit;
-  } rows[] = {{{p0, p1}, 0, P(-1, 0, 0)},
-              {{center, p1}, 0, P(1, 0, 0)},
-              {{P(-5, 3, 0), P(-4, 3, 0), P(-4, 0.5, 0), P(4, 0.5, 0)}, 2, P(-std::sqrt(0.75), 0.5, 0)},
-              {{p0}, -1, P(9, 9, 9)},
-              {{P(-3, 0, 0), p0}, -1, P(9, 9, 9)}};
-  for (const auto& r : rows) {
-    P hit(9, 9, 9);
-    EXPECT_EQ(ZmMathd::IntersectSpherePolyline(center, 1.0, r.line, hit), r.segment);
-    EXPECT_NEAR(hit.x, r.hit.x, 1e-15);
-    EXPECT_EQ(hit.y, r.hit.y);
-    EXPECT_EQ(hit.z, r.hit.z);
-  }
+  check({p0, p1}, 0, P(-1, 0, 0));
+  check({center, p1}, 0, P(1, 0, 0));
+  check({P(-5, 3, 0), P(-4, 3, 0), P(-4, 0.5, 0), P(4, 0.5, 0)}, 2, P(-std::sqrt(0.75), 0.5, 0));
+  check({p0}, -1, P(9, 9, 9));
+  check({P(-3, 0, 0), p0}, -1, P(9, 9, 9));
 }
 
 TEST(Intersections, PointInTriangleUsesTheToleranceTwice) {
@@ -139,16 +127,12 @@ TEST(Intersections, PointInTriangleUsesTheToleranceTwice) {
   // (0.25 + 0.5 + 1.25 = 2 for (0.5, 0.5)), and the test is strict: a tolerance of 0 accepts
   // nothing, the smallest positive one the closed triangle. (2, 2): 2 + 2 + 2 = 6 against
   // 2 (1 + tol).
-  const struct {
-    P2 p;
-    double tol;
-    unsigned char inside;
-  } rows[] = {{P2(0.5, 0.5), 0.0, 0},
-              {P2(0.5, 0.5), 1e-9, 1},
-              {P2(1, 0), 1e-9, 1},
-              {P2(2, 2), 0.001, 0},
-              {P2(2, 2), 2.0001, 1}};
-  for (const auto& r : rows) EXPECT_EQ(ZmMathd::PointIsInTriangle(r.p, P2(0, 0), P2(2, 0), P2(0, 2), r.tol), r.inside);
+  const auto in2D = [](P2 p, double tol) { return ZmMathd::PointIsInTriangle(p, P2(0, 0), P2(2, 0), P2(0, 2), tol); };
+  EXPECT_EQ(in2D(P2(0.5, 0.5), 0.0), 0);
+  EXPECT_EQ(in2D(P2(0.5, 0.5), 1e-9), 1);
+  EXPECT_EQ(in2D(P2(1, 0), 1e-9), 1);
+  EXPECT_EQ(in2D(P2(2, 2), 0.001), 0);
+  EXPECT_EQ(in2D(P2(2, 2), 2.0001), 1);
   EXPECT_EQ(ZmMathf::PointIsInTriangle(ZmPoint2f(0.5f, 0.5f), ZmPoint2f(0, 0), ZmPoint2f(2, 0), ZmPoint2f(0, 2), 1e-6f),
             1);
   // Areas: right triangle 2 x 3 is 3 in either orientation and dimension.
@@ -159,22 +143,17 @@ TEST(Intersections, PointInTriangleUsesTheToleranceTwice) {
 
 TEST(Intersections, ProjectionAlongADirectionIntoATriangle) {
   const P a(0, 0, 0), b(1, 0, 0), c(0, 1, 0), above(0.2, 0.2, 5);
+  const auto check = [&](const P& p, const P& corner, const V& dir, unsigned char inside, const P& expected) {
+    P hit(0, 0, 0);
+    EXPECT_EQ(ZmMathd::ProjectInTriangle(p, a, corner, c, dir, hit), inside);
+    ExpectPoint(hit, expected.x, expected.y, expected.z);
+  };
   // Outside: 0, but hit keeps the intersection with the plane. Parallel to the plane, or no
   // plane: hit is invalid.
-  const struct {
-    P p, b;
-    V dir;
-    unsigned char inside;
-    P hit;
-  } rows[] = {{above, b, V(0, 0, -1), 1, P(0.2, 0.2, 0)},
-              {P(2, 2, 5), b, V(0, 0, 1), 0, P(2, 2, 0)},
-              {above, b, V(1, 0, 0), 0, InvalidPoint<double>()},
-              {above, a, V(0, 0, 1), 0, InvalidPoint<double>()}};
-  for (const auto& r : rows) {
-    P hit(0, 0, 0);
-    EXPECT_EQ(ZmMathd::ProjectInTriangle(r.p, a, r.b, c, r.dir, hit), r.inside);
-    ExpectPoint(hit, r.hit.x, r.hit.y, r.hit.z);
-  }
+  check(above, b, V(0, 0, -1), 1, P(0.2, 0.2, 0));
+  check(P(2, 2, 5), b, V(0, 0, 1), 0, P(2, 2, 0));
+  check(above, b, V(1, 0, 0), 0, InvalidPoint<double>());
+  check(above, a, V(0, 0, 1), 0, InvalidPoint<double>());
 }
 
 TEST(Intersections, EvenOddPolygonTest) {
@@ -182,59 +161,46 @@ TEST(Intersections, EvenOddPolygonTest) {
   const Line<double> square{P(0, 0, 0), P(2, 0, 0), P(2, 2, 0), P(0, 2, 0)};
   // A concave L: the notch is outside although the ray crosses the polygon twice.
   const Line<double> ell{P(0, 0, 0), P(4, 0, 0), P(4, 1, 0), P(1, 1, 0), P(1, 4, 0), P(0, 4, 0)};
-  // Fewer than three vertices, or no usable normal.
-  const struct {
-    P p;
-    Line<double> polygon;
-    V normal;
-    unsigned char inside;
-  } rows[] = {{P(1, 1, 0), square, up, 1},
-              {P(3, 1, 0), square, up, 0},
-              {P(-1, 1, 0), square, up, 0},
-              {P(0.5, 0.5, 0), ell, up, 1},
-              {P(0.5, 3, 0), ell, up, 1},
-              {P(-1, 0.5, 0), ell, up, 0},
-              {P(1, 1, 0), {P(0, 0, 0), P(2, 2, 0)}, up, 0},
-              {P(1, 1, 0), square, V(0, 0, 0), 0}};
-  for (const auto& r : rows) EXPECT_EQ(ZmMathd::IsPointInsidePolygon(r.p, r.polygon, r.normal), r.inside);
-  EXPECT_EQ(ZmMathf::IsPointInsidePolygon(ZmPoint3f(1, 1, 0), ToFloat(square), ZmVector3f(0, 0, 1)), 1);
+  const auto inside = [&up](const P& p, const Line<double>& polygon) {
+    return ZmMathd::IsPointInsidePolygon(p, polygon, up);
+  };
+  ExpectRows<int>({{inside(P(1, 1, 0), square), 1},
+                   {inside(P(3, 1, 0), square), 0},
+                   {inside(P(-1, 1, 0), square), 0},
+                   {inside(P(0.5, 0.5, 0), ell), 1},
+                   {inside(P(0.5, 3, 0), ell), 1},
+                   {inside(P(-1, 0.5, 0), ell), 0},
+                   // Fewer than three vertices, or no usable normal.
+                   {inside(P(1, 1, 0), {P(0, 0, 0), P(2, 2, 0)}), 0},
+                   {ZmMathd::IsPointInsidePolygon(P(1, 1, 0), square, V(0, 0, 0)), 0},
+                   {ZmMathf::IsPointInsidePolygon(ZmPoint3f(1, 1, 0), ToFloat(square), ZmVector3f(0, 0, 1)), 1}});
 }
 
 TEST(Intersections, PolylineCutByAPlane) {
-  // Plane x = 1, normal (2, 0, 0) normalised first. The path (0,0)->(2,0)->(2,2)->(0,2)->(0,4)
-  // crosses it at (1,0) and (1,2); bounded to y >= 1 by the second pair, (1,2) only. A vertex
-  // on the plane counts once; a segment lying in it gives both ends. (0,0,0) -> (4,4,4) meets
-  // it at a quarter, (1,1,1). Empty and one-point curves give 0; no plane gives -1 and an
-  // empty result.
-  const Line<double> path{P(0, 0, 0), P(2, 0, 0), P(2, 2, 0), P(0, 2, 0), P(0, 4, 0)};
   const P onPlane(1, 0, 0);
-  const V normal(2, 0, 0);
-  const struct {
-    Line<double> curve;
-    V normal;
-    P boundPoint;
-    V boundNormal;
-    std::vector<P> cut;
-  } rows[] = {
-      {path, normal, ZmNonValP3d, ZmNonValV3d, {P(1, 0, 0), P(1, 2, 0)}},
-      {path, normal, P(0, 1, 0), V(0, 1, 0), {P(1, 2, 0)}},
-      {{P(0, 0, 0), P(1, 5, 0), P(2, 0, 0)}, normal, ZmNonValP3d, V(0, 0, 0), {P(1, 5, 0)}},
-      {{P(1, 0, 0), P(1, 1, 0), P(3, 1, 0)}, normal, ZmNonValP3d, ZmNonValV3d, {P(1, 0, 0), P(1, 1, 0)}},
-      {{P(0, 0, 0), P(4, 4, 4)}, normal, ZmNonValP3d, ZmNonValV3d, {P(1, 1, 1)}},
-      {{}, normal, ZmNonValP3d, ZmNonValV3d, {}},
-      {{P(0, 0, 0)}, normal, ZmNonValP3d, ZmNonValV3d, {}},
-      {path, V(0, 0, 0), ZmNonValP3d, ZmNonValV3d, {}},
-  };
-  for (const auto& r : rows) {
+  const auto check = [&onPlane](const Line<double>& curve, const V& normal, const P& boundPoint, const V& boundNormal,
+                                int count, std::initializer_list<P> expected) {
     Line<double> cut{P(9, 9, 9)};
-    const int expected = r.normal.length() == 0 ? -1 : int(r.cut.size());
-    ASSERT_EQ(ZmMathd::ComputeIntersectionCurveToPlan(r.curve, onPlane, r.normal, r.boundPoint, r.boundNormal, cut),
-              expected);
-    if (expected < 0) {
-      EXPECT_EQ(cut.GetSize(), 0u);
-    }
-    for (std::size_t i = 0; i < r.cut.size(); ++i) ExpectPoint(cut[i], r.cut[i].x, r.cut[i].y, r.cut[i].z);
-  }
+    ASSERT_EQ(ZmMathd::ComputeIntersectionCurveToPlan(curve, onPlane, normal, boundPoint, boundNormal, cut), count);
+    ASSERT_EQ(cut.GetSize(), expected.size());
+    int i = 0;
+    for (const P& p : expected) ExpectPoint(cut[i++], p.x, p.y, p.z);
+  };
+  // Plane x = 1, normal (2, 0, 0) normalised first. The path (0,0)->(2,0)->(2,2)->(0,2)->(0,4)
+  // crosses it at (1,0) and (1,2); bounded to y >= 1 by the second pair, (1,2) only.
+  const Line<double> path{P(0, 0, 0), P(2, 0, 0), P(2, 2, 0), P(0, 2, 0), P(0, 4, 0)};
+  const V normal(2, 0, 0), none = ZmNonValV3d;
+  check(path, normal, ZmNonValP3d, none, 2, {P(1, 0, 0), P(1, 2, 0)});
+  check(path, normal, P(0, 1, 0), V(0, 1, 0), 1, {P(1, 2, 0)});
+  // A vertex on the plane counts once; a segment lying in it gives both ends. (0,0,0) ->
+  // (4,4,4) meets it at a quarter, (1,1,1).
+  check({P(0, 0, 0), P(1, 5, 0), P(2, 0, 0)}, normal, ZmNonValP3d, V(0, 0, 0), 1, {P(1, 5, 0)});
+  check({P(1, 0, 0), P(1, 1, 0), P(3, 1, 0)}, normal, ZmNonValP3d, none, 2, {P(1, 0, 0), P(1, 1, 0)});
+  check({P(0, 0, 0), P(4, 4, 4)}, normal, ZmNonValP3d, none, 1, {P(1, 1, 1)});
+  // No plane: -1 and an empty result; empty and one-point curves give 0.
+  check(path, V(0, 0, 0), ZmNonValP3d, none, -1, {});
+  check({}, normal, ZmNonValP3d, none, 0, {});
+  check({P(0, 0, 0)}, normal, ZmNonValP3d, none, 0, {});
   Line<float> cutF;
   EXPECT_EQ(ZmMathf::ComputeIntersectionCurveToPlan(ToFloat(path), ZmPoint3f(1, 0, 0), ZmVector3f(1, 0, 0), ZmNonValP3f,
                                                     ZmNonValV3f, cutF),
