@@ -88,35 +88,27 @@ TYPED_TEST(DistanceTwins, SegmentAndLineProjectionsClampAndRefuseDegenerateInput
   using P = ZmPoint3T<T>;
   using V = ZmVector3T<T>;
   const P a(0, 0, 0), b(4, 0, 0);
-  // Clamped to the ends; a = b gives 0 and writes neither the foot nor the parameter.
-  const struct {
-    P p, end, foot;
-    int ok;
-    T param;
-  } onSegment[] = {{P(1, 1, 0), b, P(1, 0, 0), 1, T(0.25)},
-                   {P(-1, 1, 0), b, a, 1, T(0)},
-                   {P(9, -1, 0), b, b, 1, T(1)},
-                   {P(1, 1, 0), a, P(5, 5, 5), 0, T(7)}};
-  for (const auto& r : onSegment) {
+  const auto onSegment = [&a](const P& p, const P& end, int ok, const P& expectedFoot, T expectedParam) {
     P foot(5, 5, 5);
     T param = 7;
-    EXPECT_EQ(M::ProjOnSegment(r.p, a, r.end, foot, &param), r.ok);
-    EXPECT_EQ(foot, r.foot);
-    EXPECT_EQ(param, r.param);
-  }
+    EXPECT_EQ(M::ProjOnSegment(p, a, end, foot, &param), ok);
+    EXPECT_EQ(foot, expectedFoot);
+    EXPECT_EQ(param, expectedParam);
+  };
+  // Clamped to the ends; a = b gives 0 and writes neither the foot nor the parameter.
+  onSegment(P(1, 1, 0), b, 1, P(1, 0, 0), T(0.25));
+  onSegment(P(-1, 1, 0), b, 1, a, T(0));
+  onSegment(P(9, -1, 0), b, 1, b, T(1));
+  onSegment(P(1, 1, 0), a, 0, P(5, 5, 5), T(7));
+  const auto toSegment = [](const P& p, const P& s0, const P& s1, T distance, const V& expectedToFoot) {
+    V toFoot;
+    EXPECT_EQ(M::DistToSegment(p, s0, s1, toFoot), distance);
+    EXPECT_EQ(toFoot, expectedToFoot);
+  };
   // Distance to a segment, clamped to a; a degenerate segment is its point a: |a - p|.
-  const struct {
-    P p, s0, s1;
-    T distance;
-    V toFoot;
-  } toSegment[] = {{P(2, 3, 0), a, b, 3, V(0, -3, 0)},
-                   {P(-3, 4, 0), a, b, 5, V(3, -4, 0)},
-                   {P(1, 1, 2), P(1, 1, 1), P(1, 1, 1), 1, V(0, 0, -1)}};
-  for (const auto& r : toSegment) {
-    V toFoot;
-    EXPECT_EQ(M::DistToSegment(r.p, r.s0, r.s1, toFoot), r.distance);
-    EXPECT_EQ(toFoot, r.toFoot);
-  }
+  toSegment(P(2, 3, 0), a, b, 3, V(0, -3, 0));
+  toSegment(P(-3, 4, 0), a, b, 5, V(3, -4, 0));
+  toSegment(P(1, 1, 2), P(1, 1, 1), P(1, 1, 1), 1, V(0, 0, -1));
   // The line parameter counts multiples of the direction: through (1, 0, 0) along (2, 0, 0),
   // (3, 2, 0) projects to (3, 0, 0) = q + 1 d. A null direction: 0, invalid foot, t untouched.
   P foot;
