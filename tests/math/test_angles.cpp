@@ -51,11 +51,12 @@ TYPED_TEST(AngleTwins, VertexAngleAndTheZeroVectorSentinel) {
                T(kMarker));
 }
 
-TYPED_TEST(AngleTwins, RotationAngleSigns) {
+TYPED_TEST(AngleTwins, RotationAngleSignsAndNormals) {
   using T = TypeParam;
   using M = ZmMathT<T>;
   using V = ZmVector3T<T>;
   using V2 = ZmVector2T<T>;
+  using P = ZmPoint3T<T>;
   const T right = RightAngle<T>();
   ExpectRows<T>({
       {M::RotationAngle(V2(1, 0), V2(0, -1)), -right},  // clockwise
@@ -71,13 +72,6 @@ TYPED_TEST(AngleTwins, RotationAngleSigns) {
   // Unprojected: acos(-15 / (sqrt 26 sqrt 10)) = 2.7658... rad = 158.475451 degrees, and
   // (u x v).z = 1 > 0 keeps it positive.
   EXPECT_NEAR(M::RotationAngle(V(1, 0, 5), V(0, 1, -3), V(0, 0, 1), 0), 158.475451, 2e-5);
-}
-
-TYPED_TEST(AngleTwins, NormalsOfTrianglesAndQuadrilaterals) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
   const P o(0, 0, 0), b(2, 0, 0), c(2, 2, 0), d(0, 2, 0);  // square of side 2
   // A degenerate triangle keeps its unnormalised product: (1e-4, 0, 0) x (0, 1e-4, 0) = 1e-8 z.
   // Square: diagonals (2, 2, 0) x (-2, 2, 0) = (0, 0, 8), twice the area, or normalised.

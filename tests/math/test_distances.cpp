@@ -82,7 +82,7 @@ TYPED_TEST(DistanceTwins, PlanesPointsInPlaneAndSignedDistance) {
   EXPECT_EQ(M::ProjVectOnPlane(V(1, 2, 3), ground), V(1, 2, 0));
 }
 
-TYPED_TEST(DistanceTwins, SegmentAndLineProjectionsClampAndRefuseDegenerateInput) {
+TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
   using T = TypeParam;
   using M = ZmMathT<T>;
   using P = ZmPoint3T<T>;
@@ -118,13 +118,6 @@ TYPED_TEST(DistanceTwins, SegmentAndLineProjectionsClampAndRefuseDegenerateInput
   EXPECT_EQ(M::ProjectOnLine(P(3, 2, 0), V(0, 0, 0), P(1, 0, 0), foot, &t), 0);
   EXPECT_EQ(foot, InvalidPoint<T>());
   EXPECT_EQ(t, T(1));
-}
-
-TYPED_TEST(DistanceTwins, SegmentToSegmentAndLineToLine) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
   ExpectRows<T>({
       // Parallel and overlapping: their separation; crossing diagonals of a square.
       {M::DistBetweenSegments(P(0, 0, 0), P(4, 0, 0), P(1, 3, 0), P(6, 3, 0)), T(3)},

@@ -16,7 +16,7 @@ Line<T> Elbow() {
   return Line<T>{ZmPoint3T<T>(0, 0, 0), ZmPoint3T<T>(4, 0, 0), ZmPoint3T<T>(4, 3, 0)};
 }
 
-TYPED_TEST(PolylineTwins, LengthSumsFloatRoundedSegments) {
+TYPED_TEST(PolylineTwins, LengthAndCoordinatesAtNormalisedArcLength) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
   // sqrt(2) twice and 1: 2 * 1.4142135381698608 + 1 = 3.8284270763397217 (the unrounded sum
@@ -26,11 +26,6 @@ TYPED_TEST(PolylineTwins, LengthSumsFloatRoundedSegments) {
        {ZmMathT<T>::GetLength(Line<T>{}), T(0)},
        {ZmMathT<T>::GetLength(Line<T>{P(1, 2, 3)}), T(0)},
        {ZmMathT<T>::GetLength(Line<T>{P(0, 0, 0), InvalidPoint<T>()}), T(kMarker)}});
-}
-
-TYPED_TEST(PolylineTwins, CoordinatesAtNormalisedArcLength) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
   const auto at = [](const Line<T>& line, T t) {
     P out(99, 99, 99);
     ZmMathT<T>::GetCoordinatesAt(line, t, out);
@@ -103,7 +98,7 @@ TEST(Polylines, ParameterIsClampedToOne) {
                    ZmPoint3f(a, b, 0), 1.0f);
 }
 
-TYPED_TEST(PolylineTwins, ProjectionOnPolylineAndOnSegmentPairs) {
+TYPED_TEST(PolylineTwins, ProjectionOnPolylineSegmentPairsAndUnusablePoints) {
   using T = TypeParam;
   using M = ZmMathT<T>;
   using P = ZmPoint3T<T>;
@@ -132,12 +127,6 @@ TYPED_TEST(PolylineTwins, ProjectionOnPolylineAndOnSegmentPairs) {
   EXPECT_EQ(M::ProjOnSegments(P(2, 1.2, 0), pairs), P(2, 0, 0));
   EXPECT_EQ(M::ProjOnSegments(P(2, 2, 0), pairs), P(2, 3, 0));
   EXPECT_EQ(M::ProjOnSegments(P(2, 2, 0), Line<T>{P(0, 0, 0)}), InvalidPoint<T>());
-}
-
-TYPED_TEST(PolylineTwins, UnusablePointGivesTheFailureValues) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
   const Line<T> elbow = Elbow<T>();
   for (const P& bad : {InvalidPoint<T>(), P(Nan<T>(), 0, 0)}) {
     ExpectProjection(elbow, bad, 0, InvalidPoint<T>(), T(0));

@@ -29,7 +29,7 @@ void ExpectNear(std::initializer_list<T> actual, std::initializer_list<double> e
   for (T a : actual) EXPECT_NEAR(a, T(*e++), tol);
 }
 
-TYPED_TEST(SolveTwins, System2x2RefusesOnlyBelowTheFloatSingularThreshold) {
+TYPED_TEST(SolveTwins, LinearSystemsRefuseBelowTheFloatSingularThresholds) {
   using T = TypeParam;
   // m = [[1, 0], [0, -v]] has d = v: x0 = b0, x1 = -b1 / v. 1e-9 is far under the 1e-6 stage,
   // yet solved whatever loose says; the 1e-12f threshold itself (9.999999960041972e-13 in
@@ -49,10 +49,6 @@ TYPED_TEST(SolveTwins, System2x2RefusesOnlyBelowTheFloatSingularThreshold) {
       EXPECT_EQ(rhs[1], solved ? -T(3) / v : T(3));
     }
   }
-}
-
-TYPED_TEST(SolveTwins, System3x3RefusesNegativeAndTinyDeterminants) {
-  using T = TypeParam;
   // numpy: det([[4,-2,1],[3,6,-4],[2,1,8]]) = 263, solve(., [12,-25,32]) = (1, -2, 4).
   T m[3][3] = {{4, -2, 1}, {3, 6, -4}, {2, 1, 8}}, b[3] = {12, -25, 32};
   EXPECT_EQ(Math<T>::Determinant3x3(m), T(263));
@@ -80,19 +76,16 @@ TYPED_TEST(SolveTwins, System3x3RefusesNegativeAndTinyDeterminants) {
   T five[3][3] = {{5, 0, 0}, {0, 1, 0}, {0, 0, 1}}, three[3] = {3, 0, 0};
   ASSERT_EQ(Math<T>::SolveSystem3x3(five, three), 1);
   EXPECT_EQ(three[0], ByTwin<T>(0.6000000000000001, 0.6f));
-}
-
-TYPED_TEST(SolveTwins, MatrixProductMayOverwriteAFactor) {
-  using T = TypeParam;
   // numpy: [[1,2,3],[4,5,6],[7,8,10]] @ [[0.5,-1,2],[3,0.25,-2],[1,1,1]]
   //      = [[9.5, 2.5, 1], [23, 3.25, 4], [37.5, 5, 8]] (exact in both precisions).
   const T expected[3][3] = {{9.5, 2.5, 1}, {23, 3.25, 4}, {37.5, 5, 8}};
-  T a[3][3] = {{1, 2, 3}, {4, 5, 6}, {7, 8, 10}}, b[3][3] = {{0.5, -1, 2}, {3, 0.25, -2}, {1, 1, 1}}, c[3][3];
-  Math<T>::MultMatrix(a, b, c);
-  Math<T>::MultMatrix(a, b, a);  // the result into the left factor
+  T left[3][3] = {{1, 2, 3}, {4, 5, 6}, {7, 8, 10}}, right[3][3] = {{0.5, -1, 2}, {3, 0.25, -2}, {1, 1, 1}},
+    product[3][3];
+  Math<T>::MultMatrix(left, right, product);
+  Math<T>::MultMatrix(left, right, left);  // the result into the left factor
   for (int i = 0; i < 9; ++i) {
-    EXPECT_EQ(c[i / 3][i % 3], expected[i / 3][i % 3]);
-    EXPECT_EQ(a[i / 3][i % 3], expected[i / 3][i % 3]);
+    EXPECT_EQ(product[i / 3][i % 3], expected[i / 3][i % 3]);
+    EXPECT_EQ(left[i / 3][i % 3], expected[i / 3][i % 3]);
   }
 }
 
@@ -116,7 +109,7 @@ TYPED_TEST(SolveTwins, QuadraticRootsOrderAndMessages) {
   }
 }
 
-TYPED_TEST(SolveTwins, CubicTakesItsOtherRootsFromTheLeadingQuadratic) {
+TYPED_TEST(SolveTwins, CubicTakesItsOtherRootsFromTheLeadingQuadraticAndEndsAfterTheIterationBound) {
   using T = TypeParam;
   const T eps = static_cast<T>(1e-6), marker = T(kMarker);
   // x^3 - 3x^2 + 2x + 5: numpy.roots -> one real root -0.9041608591349206 (Newton from -2);
@@ -142,25 +135,21 @@ TYPED_TEST(SolveTwins, CubicTakesItsOtherRootsFromTheLeadingQuadratic) {
   EXPECT_EQ(Message(Math<T>::SolvePolynom3(flat, T(0), eps, kept, nullptr, 1)),
             L"Error while resolving 3-dim polynom : null derivate denominator");
   ExpectRows<T>({{kept[0], 0}, {kept[1], 5}, {kept[2], 5}});
-}
-
-TYPED_TEST(SolveTwins, CubicNonConvergenceEndsAfterTheIterationBound) {
-  using T = TypeParam;
   // x^3 - 2x + 2 from 0 cycles exactly: f(0)/f'(0) = 2/-2 -> x = 1, f(1)/f'(1) = 1/1 -> x = 0.
   // After 1000 updates (an even number) x is back at 0. The message names the quartic.
-  const T c[4] = {1, 0, -2, 2};
-  T roots[3] = {9, 9, 9}, lastStep = 42;
-  EXPECT_EQ(Message(Math<T>::SolvePolynom3(c, T(0), T(1e-6), roots, &lastStep, 0)),
+  const T cycles[4] = {1, 0, -2, 2};
+  T nine[3] = {9, 9, 9}, step = 42;
+  EXPECT_EQ(Message(Math<T>::SolvePolynom3(cycles, T(0), T(1e-6), nine, &step, 0)),
             L"Error while resolving 4-dim polynom : first solution not found");
-  ExpectRows<T>({{roots[0], 0}, {roots[1], 9}, {lastStep, 42}});
+  ExpectRows<T>({{nine[0], 0}, {nine[1], 9}, {step, 42}});
   // Tolerant: go on with the quadratic x^2 - 2 -> (sqrt(8)/2, -sqrt(8)/2); lastStep unwritten.
-  EXPECT_EQ(Math<T>::SolvePolynom3(c, T(0), T(1e-6), roots, &lastStep, 1), nullptr);
-  ExpectNear<T>({roots[1], roots[2]}, {1.4142135623730951, -1.4142135623730951}, Loose<T>());
-  EXPECT_EQ(lastStep, T(42));
+  EXPECT_EQ(Math<T>::SolvePolynom3(cycles, T(0), T(1e-6), nine, &step, 1), nullptr);
+  ExpectNear<T>({nine[1], nine[2]}, {1.4142135623730951, -1.4142135623730951}, Loose<T>());
+  EXPECT_EQ(step, T(42));
   // NaN coefficients and a NaN bound never converge: the same bounded failure.
   const T withNaN[4] = {1, Nan<T>(), 0, 1};
-  EXPECT_NE(Math<T>::SolvePolynom3(withNaN, T(1), T(1e-6), roots, nullptr, 0), nullptr);
-  EXPECT_NE(Math<T>::SolvePolynom3(c, T(0.5), Nan<T>(), roots, nullptr, 0), nullptr);
+  EXPECT_NE(Math<T>::SolvePolynom3(withNaN, T(1), T(1e-6), nine, nullptr, 0), nullptr);
+  EXPECT_NE(Math<T>::SolvePolynom3(cycles, T(0.5), Nan<T>(), nine, nullptr, 0), nullptr);
 }
 
 TYPED_TEST(SolveTwins, QuarticRestartsTheCubicFromTheCallersStart) {
