@@ -65,7 +65,8 @@ TYPED_TEST(DistanceTwins, PlanesPointsInPlaneAndSignedDistance) {
   EXPECT_EQ(M::SignedDistToPlane(P(3, 3, 2), a, b, c, &normal), T(2));
   EXPECT_EQ(normal, V(0, 0, 1));
   EXPECT_EQ(M::SignedDistToPlane(P(3, 3, -2), a, b, c), T(-2));
-  EXPECT_EQ(M::SignedDistToPlane(P(3, 3, -2), a, c, b), T(2));  // swapped: normal -z
+  EXPECT_EQ(M::SignedDistToPlane(P(3, 3, -0.5), a, b, c), T(-0.5));  // below the plane by less than 1
+  EXPECT_EQ(M::SignedDistToPlane(P(3, 3, -2), a, c, b), T(2));       // swapped: normal -z
   // Collinear points build no plane: the marker, normalOut untouched.
   normal = V(9, 9, 9);
   EXPECT_EQ(M::SignedDistToPlane(P(3, 3, 2), a, b, P(2, 0, 0), &normal), T(kMarker));
@@ -151,7 +152,7 @@ TYPED_TEST(DistanceTwins, UnusableInputGivesTheFailureValue) {
   const T marker = T(kMarker);
   const P withNaN(1, Nan<T>(), 0), o(0, 0, 0), x(1, 0, 0);
   const ZmPlaneT<T> ground = GroundPlane<T>();
-  for (const P& bad : {InvalidPoint<T>(), withNaN, P(marker, 0, 0)}) {
+  for (const P& bad : {InvalidPoint<T>(), withNaN, P(marker, 0, 0), P(0, marker, 0)}) {
     V toFoot;
     ExpectAll<T>({M::Distance(bad, o), M::DistToLine(bad, V(1, 0, 0), o), M::DistToLine(o, V(bad), x),
                   M::DistToPlane(bad, ground), M::SignedDistToPlane(o, bad, x, P(0, 1, 0)),

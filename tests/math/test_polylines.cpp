@@ -86,6 +86,7 @@ TYPED_TEST(PolylineTwins, ProjectedPointAndItsArcLengthParameter) {
   Line<T> chain;
   for (int k = 0; k <= 12; ++k) chain.Add(P(T(k) * T(9e-8), 0, 0));
   ExpectProjection(chain, P(3e-7, 0, 0), 1, chain[3], T(0.25));
+  ExpectProjection(chain, P(-1e-7, 0, 0), 1, chain[0], T(0));  // before the first vertex
   EXPECT_EQ(ZmMathT<T>::DistanceTo(elbow, P(2, 1, 0)), T(1));
   EXPECT_EQ(ZmMathT<T>::DistanceTo(elbow, P(7, 7, 0)), T(5));  // from (4, 3, 0)
 }
