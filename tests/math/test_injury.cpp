@@ -120,7 +120,7 @@ TEST(Injury, ClipLevelOnExactBrokenLines) {
 }
 
 TEST(Injury, ResultantAndRefusals) {
-  WbArrayTempl<ZmPoint2d> x, y, z, r, shifted, one;
+  WbArrayTempl<ZmPoint2d> x, y, z, r, shifted, first, one;
   for (int i = 0; i < 4; ++i) {
     x.Add(ZmPoint2d(i * 1e-4, 3 * i));
     y.Add(ZmPoint2d(i * 1e-4, -4 * i));
@@ -130,6 +130,8 @@ TEST(Injury, ResultantAndRefusals) {
   EXPECT_EQ(r[3].y, 39.0);  // 13 * 3
   shifted = z;
   shifted[2].x += 1e-9;  // 1e-5 of the step
+  first = y;
+  first[0].x -= 1e-9;
   one.Add(ZmPoint2d(0, 1));
   auto back = x;
   back[2].x = 0;
@@ -137,6 +139,7 @@ TEST(Injury, ResultantAndRefusals) {
   ExpectRows<std::wstring>({
       {Message(ZmMathd::ComputeResultant(x, y, one, r)), L"The channels have different point counts (4, 4, 1)"},
       {Message(ZmMathd::ComputeResultant(x, y, shifted, r)), L"The abscissa of point 2 differs between the channels"},
+      {Message(ZmMathd::ComputeResultant(x, first, z, r)), L"The abscissa of point 0 differs between the channels"},
       {Message(ZmMathd::ComputeHIC(one, 0.015, kSeconds, 1, v, a, b)), L"Not enough points to compute the HIC"},
       {Message(ZmMathd::ComputeHIC(x, 0.0, kSeconds, 1, v, a, b)), L"The HIC window 0 s is not a positive number"},
       {Message(ZmMathd::ComputeHIC(back, 0.015, kSeconds, 1, v, a, b)),
