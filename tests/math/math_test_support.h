@@ -39,6 +39,22 @@ using Curve = WbArrayTempl<ZmPoint2T<T>>;
 template <class T>
 using Line = WbArrayTempl<ZmPoint3T<T>>;
 
+// The curve of points (x[i], y[i]).
+template <class T>
+Curve<T> Sampled(const std::vector<double>& x, const std::vector<double>& y) {
+  Curve<T> c;
+  for (std::size_t i = 0; i < x.size(); ++i) c.Add(ZmPoint2T<T>(T(x[i]), T(y[i])));
+  return c;
+}
+
+// n samples of f at i * step.
+template <class T, class F>
+Curve<T> Regular(int n, double step, F f) {
+  Curve<T> c;
+  for (int i = 0; i < n; ++i) c.Add(ZmPoint2T<T>(T(i * step), T(f(i * step))));
+  return c;
+}
+
 template <class T>
 ZmPoint3T<T> InvalidPoint() {
   return ZmPoint3T<T>(WbCoord3DT<T>::INVALID);

@@ -11,13 +11,6 @@ namespace {
 
 const ZmUnitSystem kSeconds(ZmUnitLengthUnset, ZmUnitMassUnset, ZmUnitSecond, ZmUnitTempUnset, ZmUnitAngleUnset);
 
-template <class T, class F>
-WbArrayTempl<ZmPoint2T<T>> Sampled(int n, double step, F f) {
-  WbArrayTempl<ZmPoint2T<T>> c;
-  for (int i = 0; i < n; ++i) c.Add(ZmPoint2T<T>(i * step, f(i * step)));
-  return c;
-}
-
 // Every pair, the definition written out: (t2 - t1) * (integral / (t2 - t1))^2.5.
 void ScanAllPairs(const WbArrayTempl<ZmPoint2d>& c, double window, double& hic, double& t1, double& t2) {
   hic = 0;
@@ -44,7 +37,7 @@ TEST(Injury, HICEqualsTheScanOfEveryPairOnRandomSignals) {
     const double step = trial % 2 ? 1e-4 : 5e-5;
     const double width = 0.004 + 0.003 * trial;  // pulse length, s
     const double offset = trial % 3 == 0 ? -20.0 : 0.0;
-    const auto c = Sampled<double>(
+    const auto c = Regular<double>(
         n, step, [&](double t) { return offset + (t < width ? 60 * std::sin(M_PI * t / width) : 0.0) + noise(rng); });
     for (double window : {0.015, 0.036, 0.002}) {
       double hic = 0, t1 = 0, t2 = 0, h = 0, s1 = 0, s2 = 0;
@@ -80,7 +73,7 @@ TEST(Injury, HalfSinePulseByHand) {
   } pulses[] = {{0.010, 0.036, 414.6456495, 0.006702, 89.10065242}, {0.050, 0.015, 1366.486488, 0.015, -1}};
   for (const auto& p : pulses) {
     const double step = 1e-5;
-    const auto c = Sampled<double>(static_cast<int>(std::lround(p.duration / step)) + 1, step,
+    const auto c = Regular<double>(static_cast<int>(std::lround(p.duration / step)) + 1, step,
                                    [&](double t) { return 100 * std::sin(M_PI * t / p.duration); });
     double hic = 0, t1 = 0, t2 = 0;
     ASSERT_EQ(ZmMathd::ComputeHIC(c, p.window, kSeconds, 1, hic, t1, t2), nullptr);

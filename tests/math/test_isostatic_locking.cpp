@@ -78,9 +78,8 @@ TEST(IsoStaticLocking, RigidMotionsComeBackOntoTheNominalPart) {
   EXPECT_LT(LargestGap(positions, part), 1e-12);
   // Locating planes: the part is carried back as well, the planes being carried with its
   // locators. The primary plane passes through locator 99, the secondary one does not.
-  WbArrayTempl<ZmPlaned> planes;
-  planes.Add(Plane(nominal[99], ZmVector3d(0, 0, 1)));
-  planes.Add(Plane(ZmPoint3d(3, 4, 5), ZmVector3d(1, 1, 0)));
+  const WbArrayTempl<ZmPlaned> planes{Plane(nominal[99], ZmVector3d(0, 0, 1)),
+                                      Plane(ZmPoint3d(3, 4, 5), ZmVector3d(1, 1, 0))};
   positions = Moved(nominal, ZmVector3d(-2, 1, 0.5), 75.0, ZmVector3d(0, 30, -10));
   ASSERT_EQ(ZmPoint3d::ComputeIsoStaticLocking(nominal, 4, 17, 99, planes, kKeep, positions), nullptr);
   EXPECT_LT(LargestGap(positions, nominal), 1e-11);
@@ -104,17 +103,15 @@ TEST(IsoStaticLocking, PlanesOrientADeformedPart) {
   WbArrayTempl<ZmPoint3d> positions = Moved(nominal, ZmVector3d(0, 1, 0), 10.0, ZmVector3d(1, 1, 1));
   positions[2] += ZmVector3d(0.3, -0.1, 0.2);
   positions[5] += ZmVector3d(-0.2, 0.4, 0.0);
-  WbArrayTempl<ZmPlaned> planes;
-  planes.Add(Plane(ZmPoint3d(0, 0, -60), ZmVector3d(0, 0, 1)));
-  planes.Add(Plane(ZmPoint3d(-60, 0, 0), ZmVector3d(1, 0, 0)));
+  const WbArrayTempl<ZmPlaned> planes{Plane(ZmPoint3d(0, 0, -60), ZmVector3d(0, 0, 1)),
+                                      Plane(ZmPoint3d(-60, 0, 0), ZmVector3d(1, 0, 0))};
   ASSERT_EQ(ZmPoint3d::ComputeIsoStaticLocking(nominal, 2, 5, 9, planes, kKeep, positions), nullptr);
   EXPECT_LT(positions[9].DistanceToPoint(nominal[9]), 1e-12);
   // Parallel planes meet in no line: the three locators decide, as without planes.
   WbArrayTempl<ZmPoint3d> withParallel = Moved(nominal, ZmVector3d(0, 1, 0), 10.0, ZmVector3d(1, 1, 1));
   WbArrayTempl<ZmPoint3d> withNone = withParallel;
-  WbArrayTempl<ZmPlaned> parallel;
-  parallel.Add(Plane(ZmPoint3d(0, 0, 0), ZmVector3d(0, 0, 1)));
-  parallel.Add(Plane(ZmPoint3d(0, 0, 5), ZmVector3d(0, 0, -1)));
+  const WbArrayTempl<ZmPlaned> parallel{Plane(ZmPoint3d(0, 0, 0), ZmVector3d(0, 0, 1)),
+                                        Plane(ZmPoint3d(0, 0, 5), ZmVector3d(0, 0, -1))};
   ASSERT_EQ(ZmPoint3d::ComputeIsoStaticLocking(nominal, 2, 5, 9, parallel, kKeep, withParallel), nullptr);
   ASSERT_EQ(ZmPoint3d::ComputeIsoStaticLocking(nominal, 2, 5, 9, kNoPlanes, kKeep, withNone), nullptr);
   for (std::uint64_t i = 0; i < nominal.GetSize(); ++i) EXPECT_EQ(withParallel[i], withNone[i]);

@@ -21,21 +21,6 @@ using Math = ZmMathT<T>;
 // float in both twins, its recurrent twiddles drifting by a few float ulps.
 constexpr double kAccuracy = 1e-5;
 
-template <class T>
-Curve<T> Sampled(const std::vector<double>& x, const std::vector<double>& y) {
-  Curve<T> c;
-  for (std::size_t i = 0; i < x.size(); ++i) c.Add(ZmPoint2T<T>(T(x[i]), T(y[i])));
-  return c;
-}
-
-// n samples of f at i * step.
-template <class T, class F>
-Curve<T> Regular(int n, double step, F f) {
-  Curve<T> c;
-  for (int i = 0; i < n; ++i) c.Add(ZmPoint2T<T>(T(i * step), T(f(i * step))));
-  return c;
-}
-
 // Random values at slightly irregular abscissas.
 template <class T>
 Curve<T> RandomSignal(std::size_t count, unsigned seed) {

@@ -128,20 +128,14 @@ TEST(Tensors, DiagonalTensorsFallBackToTheAxesAndShowTheFloatThirdOfPi) {
 }
 
 TEST(Tensors, ClosedFormMatchesAReferenceSolverOnAMillionTensors) {
-  // Principal values: the worst error, relative to the largest magnitude among them, over 10^6
-  // tensors of the five sampler families, against long-double Jacobi, measured 1.44e-5. Two
-  // effects bound it. The float value of pi/3 costs up to about 3e-8 (a diagonal (1, 0, 0)
-  // already gives 1.7e-8). And when the three values cluster, p and q of the cubic are small
-  // differences of large terms: with a relative spread s the error is about eps/s^2, while it
-  // can never exceed about s, so the worst case sits near s = eps^(1/3) = 6e-6. The bound
-  // keeps a margin over that analysis.
+  // Principal values, error relative to the largest magnitude, over 10^6 tensors of the five
+  // families against long-double Jacobi: measured 1.44e-5. The float pi/3 costs up to about
+  // 3e-8; clustered values make p and q of the cubic small differences of large terms, an error
+  // of about eps/s^2 for a relative spread s yet never above s: worst near s = eps^(1/3) = 6e-6.
   constexpr double kValueBound = 5.0e-5;
-  // Directions: d1 and d3 are unit within 4.5e-16, always. How orthogonal they are depends on
-  // the relative gap g to the nearest other eigenvalue (d2 = d1 x d3, so its length and its
-  // orthogonality follow): an eigenvalue off by e moves its direction by about e/g. Measured,
-  // max(|d1.d3|, ||d2| - 1|, |d2.d3|, |(d1 x d3).d2 - 1|) * g stays below 2.7e-6 (g from the
-  // long-double eigenvalues, relative to the largest magnitude). Note the order: (d1, d3, d2)
-  // is the right-handed triple, d2 being d1 x d3.
+  // Directions: d1 and d3 are unit within 4.5e-16. An eigenvalue off by e moves its direction
+  // by about e/g, g the relative gap to the nearest other one, so the orthogonality errors
+  // (|d1.d3|, ||d2| - 1|, |d2.d3|, |(d1 x d3).d2 - 1|, d2 being d1 x d3) times g: measured 2.7e-6.
   constexpr double kUnitBound = 1.0e-15, kScaledOrthogonalityBound = 2.0e-5;
   TensorSampler sampler;
   double worstValue = 0, worstScaledOrthogonality = 0, worstUnit = 0;
