@@ -1,50 +1,41 @@
 // Material-law fits and curves of ZmMathd / ZmMathf. Expected values are computed with numpy in
 // double (f32 = numpy.float32, the float rounding of a power before its coefficient); the
 // float twin is checked against the same figures at float accuracy.
-#include <gtest/gtest.h>
-#include <zemcalc/zemcalc.h>
+#include "math_test_support.h"
 
-#include <cmath>
-#include <cwchar>
-#include <limits>
+using namespace math_test;
 
 namespace {
 
 template <class T>
 class MaterialTwins : public ::testing::Test {};
-using Scalars = ::testing::Types<double, float>;
 TYPED_TEST_SUITE(MaterialTwins, Scalars);
 
 template <class T>
 using Math = ZmMathT<T>;
-template <class T>
-using Curve = WbArrayTempl<ZmPoint2T<T>>;
 
 // Relative closeness: 4 ulps-ish in double (the rounding of each power is pinned), a few
 // float ulps in float.
 template <class T>
 void ExpectClose(T actual, double expected, double floatTolerance = 2e-6) {
-  const double tolerance = std::is_same<T, double>::value ? 1e-14 : floatTolerance;
+  const double tolerance = kIsDouble<T> ? 1e-14 : floatTolerance;
   EXPECT_NEAR(static_cast<double>(actual), expected, tolerance * std::fabs(expected) + 1e-300) << expected;
 }
 
+// Curve points (index, x, y) expected.
 template <class T>
-void ExpectPoint(const ZmPoint2T<T>& p, double x, double y) {
-  ExpectClose<T>(p.x, x);
-  ExpectClose<T>(p.y, y);
+void ExpectPoints(const Curve<T>& curve, std::initializer_list<std::tuple<int, double, double>> points) {
+  for (const auto& p : points) {
+    ExpectClose<T>(curve[std::get<0>(p)].x, std::get<1>(p));
+    ExpectClose<T>(curve[std::get<0>(p)].y, std::get<2>(p));
+  }
 }
 
-// Measured points of a mild steel (strain, MPa).
-template <class T>
-Curve<T> MeasuredSteel() {
-  return Curve<T>{{0.0, 210.0},  {0.002, 260.0}, {0.05, 410.0}, {0.1, 455.0},
-                  {0.15, 480.0}, {0.2, 505.0},   {0.25, 520.0}};
-}
-
-TYPED_TEST(MaterialTwins, HollomonFitUsesTheFloatLowerBoundAndAnchorsOnTheLastPoint) {
+TYPED_TEST(MaterialTwins, HollomonFitUsesTheFloatLowerBoundAnchorsOnTheLastPointAndNeedsThreeDistinctCandidates) {
   using T = TypeParam;
-  const bool isDouble = std::is_same<T, double>::value;
-  const Curve<T> pts = MeasuredSteel<T>();
+  // Measured points of a mild steel (strain, MPa).
+  const Curve<T> pts{{0.0, 210.0},  {0.002, 260.0}, {0.05, 410.0}, {0.1, 455.0},
+                     {0.15, 480.0}, {0.2, 505.0},   {0.25, 520.0}};
   T K = 0, n = 0;
   ASSERT_EQ(Math<T>::ComputeHollomonCoeff(pts.GetData(), 7, K, n), 1);
   // The bound is 0.1f = 0.10000000149011612. In double the measured 0.1 lies under it and only
@@ -52,54 +43,43 @@ TYPED_TEST(MaterialTwins, HollomonFitUsesTheFloatLowerBoundAndAnchorsOnTheLastPo
   // K = 520 / f32(0.25**n) = 646.9997925691398. In float the stored strain is 0.1f itself and
   // counts: n = 0.14821303032792404, K = 638.6111372599083 (float sums cancel in D, hence the
   // wider tolerance).
-  const double expectedN = isDouble ? 0.15762680929822165 : 0.14821303032792404;
-  const double expectedK = isDouble ? 646.9997925691398 : 638.6111372599083;
-  EXPECT_NEAR(n, expectedN, expectedN * (isDouble ? 1e-12 : 2e-4));
-  EXPECT_NEAR(K, expectedK, expectedK * (isDouble ? 1e-12 : 5e-5));
-
+  const double expectedN = kIsDouble<T> ? 0.15762680929822165 : 0.14821303032792404;
+  const double expectedK = kIsDouble<T> ? 646.9997925691398 : 638.6111372599083;
+  EXPECT_NEAR(n, expectedN, expectedN * ByTwin<T>(1e-12, 2e-4));
+  EXPECT_NEAR(K, expectedK, expectedK * ByTwin<T>(1e-12, 5e-5));
   // Krupkowsky: the same fit, lastStress = 520, eps0 = (210/K)**(1/n) - 0:
   // 0.0007938440807106375 (double), 0.0005508853348326922 (float data).
   T eps0 = 0, lastStress = 0;
   ASSERT_EQ(Math<T>::ComputeKrupkowskyCoeff(pts.GetData(), 7, K, n, eps0, lastStress), 1);
   EXPECT_EQ(lastStress, T(520));
-  const double expectedEps0 = isDouble ? 0.0007938440807106375 : 0.0005508853348326922;
-  EXPECT_NEAR(eps0, expectedEps0, expectedEps0 * (isDouble ? 1e-10 : 1e-3));
-}
-
-TYPED_TEST(MaterialTwins, HollomonFitNeedsThreeDistinctCandidates) {
-  using T = TypeParam;
-  T K = -1, n = -1;
+  const double expectedEps0 = kIsDouble<T> ? 0.0007938440807106375 : 0.0005508853348326922;
+  EXPECT_NEAR(eps0, expectedEps0, expectedEps0 * ByTwin<T>(1e-10, 1e-3));
+  K = n = -1;
+  // Three points: one candidate at most. The last point but one (0.1) lowers the bound;
+  // candidates are indices 2..4 with 0.1 <= x <= 0.2: 0.1 and 0.2 only. Three candidates at
+  // the same strain. NaN strains are never candidates.
   const Curve<T> three{{0.0, 100.0}, {0.1, 200.0}, {0.2, 300.0}};
-  EXPECT_EQ(Math<T>::ComputeHollomonCoeff(three.GetData(), 3, K, n), 0);  // one candidate at most
+  const Curve<T> refused[] = {{{0.0, 100.0}, {0.01, 150.0}, {0.05, 200.0}, {0.1, 250.0}, {0.2, 300.0}},
+                              {{0.0, 100.0}, {0.01, 150.0}, {0.2, 280.0}, {0.2, 290.0}, {0.2, 300.0}},
+                              {{0.0, 100.0}, {0.01, 150.0}, {Nan<T>(), 1.0}, {0.15, 280.0}, {0.2, 300.0}}};
+  EXPECT_EQ(Math<T>::ComputeHollomonCoeff(three.GetData(), 3, K, n), 0);
   EXPECT_EQ(Math<T>::ComputeHollomonCoeff(three.GetData(), 2, K, n), 0);
   EXPECT_EQ(Math<T>::ComputeHollomonCoeff(nullptr, 5, K, n), 0);
-  // The last point but one (0.1) lowers the bound; candidates are indices 2..4 with
-  // 0.1 <= x <= 0.2: 0.1 and 0.2 only.
-  const Curve<T> two{{0.0, 100.0}, {0.01, 150.0}, {0.05, 200.0}, {0.1, 250.0}, {0.2, 300.0}};
-  EXPECT_EQ(Math<T>::ComputeHollomonCoeff(two.GetData(), 5, K, n), 0);
-  // Three candidates at the same strain.
-  const Curve<T> sameX{{0.0, 100.0}, {0.01, 150.0}, {0.2, 280.0}, {0.2, 290.0}, {0.2, 300.0}};
-  EXPECT_EQ(Math<T>::ComputeHollomonCoeff(sameX.GetData(), 5, K, n), 0);
-  // NaN strains are never candidates.
-  const T nan = std::numeric_limits<T>::quiet_NaN();
-  const Curve<T> withNaN{{0.0, 100.0}, {0.01, 150.0}, {nan, 1.0}, {0.15, 280.0}, {0.2, 300.0}};
-  EXPECT_EQ(Math<T>::ComputeHollomonCoeff(withNaN.GetData(), 5, K, n), 0);
-  EXPECT_EQ(K, T(-1));
-  EXPECT_EQ(n, T(-1));
-
+  for (const Curve<T>& c : refused) EXPECT_EQ(Math<T>::ComputeHollomonCoeff(c.GetData(), 5, K, n), 0);
+  ExpectAll<T>({K, n}, T(-1));
   // A flat law (ln y = 0) fits n = 0 exactly, K = 1: Hollomon succeeds, Krupkowsky refuses
   // after writing the last stress.
   const Curve<T> flat{{0.0, 1.0}, {0.01, 1.0}, {0.15, 1.0}, {0.2, 1.0}, {0.3, 1.0}};
   ASSERT_EQ(Math<T>::ComputeHollomonCoeff(flat.GetData(), 5, K, n), 1);
   EXPECT_EQ(n, T(0));
   EXPECT_EQ(K, T(1));
-  T eps0 = -1, lastStress = -1;
+  eps0 = lastStress = -1;
   EXPECT_EQ(Math<T>::ComputeKrupkowskyCoeff(flat.GetData(), 5, K, n, eps0, lastStress), 0);
   EXPECT_EQ(lastStress, T(1));
   EXPECT_EQ(eps0, T(-1));
 }
 
-TYPED_TEST(MaterialTwins, HollomonCurveRunsToOneOrToTheCap) {
+TYPED_TEST(MaterialTwins, HollomonCurveRunsToOneOrToTheCapAndRefusalsLeaveItEmpty) {
   using T = TypeParam;
   Curve<T> curve{{9.0, 9.0}};
   // step 0.1, K 500, n 0.2, yield 350, no cap, E 210000: end strain 1, trunc(10.0000012) + 1 = 11
@@ -110,40 +90,27 @@ TYPED_TEST(MaterialTwins, HollomonCurveRunsToOneOrToTheCap) {
   ASSERT_EQ(curve.GetSize(), 11u);
   EXPECT_EQ(curve[0].x, T(0));
   EXPECT_EQ(curve[0].y, T(350));
-  ExpectPoint<T>(curve[1], 0.09833333333333334, 350);
-  ExpectPoint<T>(curve[5], 0.49792726054078057, 435.27528643608093);
-  ExpectPoint<T>(curve[10], 0.9976190476190476, 500);
-
+  ExpectPoints(
+      curve,
+      {{1, 0.09833333333333334, 350}, {5, 0.49792726054078057, 435.27528643608093}, {10, 0.9976190476190476, 500}});
   // Cap 560 > K: search from i = 1 - trunc(-1.0000001/0.1) = 11 until 500*f32((0.1 i)**0.2)
   // >= 560, i.e. i = 18; 19 points. Point 9: 489.5741939544678 at 0.8976686943145026;
   // point 18: capped, (1.8 - 560/E, 560) = (1.7973333333333334, 560).
   ASSERT_EQ(Math<T>::ComputeHollomonCurvePoints(curve, T(500), T(0.2), T(350), T(560), T(0.1), T(210000)), 1);
   ASSERT_EQ(curve.GetSize(), 19u);
-  ExpectPoint<T>(curve[9], 0.8976686943145026, 489.5741939544678);
-  ExpectPoint<T>(curve[18], 1.7973333333333334, 560);
-}
+  ExpectPoints(curve, {{9, 0.8976686943145026, 489.5741939544678}, {18, 1.7973333333333334, 560}});
 
-TYPED_TEST(MaterialTwins, HollomonCurveRefusalsLeaveItEmptyAndAlwaysEnd) {
-  using T = TypeParam;
-  const T nan = std::numeric_limits<T>::quiet_NaN();
-  const T inf = std::numeric_limits<T>::infinity();
-  struct Case {
-    T K, n, maxStress, step, young;
-  };
-  const Case refused[] = {
-      {500, 0.2, 0, 0, 210000},       // step 0
-      {500, 0.2, 0, -0.1, 210000},    // negative step
-      {500, 0.2, 0, nan, 210000},     // NaN step
-      {500, 0.2, 0, 2, 210000},       // trunc(0.5) + 1 = 1 point
-      {500, 0.2, 0, 0.1, 0},          // young 0
-      {500, 0.2, 0, 1e-9, 210000},    // 10^9 points: over the limit
-      {500, -0.2, 600, 0.1, 210000},  // a softening law never reaches its cap
-      {500, 0.2, inf, 0.1, 210000},   // nor an infinite cap
-  };
-  for (const Case& c : refused) {
-    Curve<T> curve{{1.0, 1.0}};
-    EXPECT_EQ(Math<T>::ComputeHollomonCurvePoints(curve, c.K, c.n, T(100), c.maxStress, c.step, c.young), 0)
-        << c.step << " " << c.maxStress;
+  // Refused, the curve emptied, and always ending: step 0, negative or NaN; trunc(0.5) + 1 = 1
+  // point; young 0; 10^9 points, over the limit; a softening law never reaches its cap, nor
+  // does any law an infinite cap. Rows: K, n, maxStress, step, young.
+  const T refused[][5] = {{500, 0.2, 0, 0, 210000},        {500, 0.2, 0, -0.1, 210000},
+                          {500, 0.2, 0, Nan<T>(), 210000}, {500, 0.2, 0, 2, 210000},
+                          {500, 0.2, 0, 0.1, 0},           {500, 0.2, 0, 1e-9, 210000},
+                          {500, -0.2, 600, 0.1, 210000},   {500, 0.2, std::numeric_limits<T>::infinity(), 0.1, 210000}};
+  for (const auto& c : refused) {
+    curve = Curve<T>{{1.0, 1.0}};
+    EXPECT_EQ(Math<T>::ComputeHollomonCurvePoints(curve, c[0], c[1], T(100), c[2], c[3], c[4]), 0)
+        << c[3] << " " << c[2];
     EXPECT_EQ(curve.GetSize(), 0u);
   }
 }
@@ -155,140 +122,107 @@ TYPED_TEST(MaterialTwins, FixedSamplersAtFirstMiddleAndLastPoints) {
   // Krupkowsky K 550, n 0.25, eps0 0.01: 550*f32((e + 0.01)**0.25).
   ASSERT_EQ(Math<T>::ComputeKrupkowskyCurvePoints(curve, T(550), T(0.25), T(0), T(0.01)), 1);
   ASSERT_EQ(curve.GetSize(), 21u);
-  ExpectPoint<T>(curve[0], 0.0, 173.92527014017105);
-  ExpectPoint<T>(curve[10], 0.5000000074505806, 464.78833854198456);
-  ExpectPoint<T>(curve[20], 1.0000000149011612, 551.3698518276215);
+  ExpectPoints(curve, {{0, 0.0, 173.92527014017105},
+                       {10, 0.5000000074505806, 464.78833854198456},
+                       {20, 1.0000000149011612, 551.3698518276215}});
   // Capped at 500 from 550*x**0.25 > 500, x > 0.683: point 10 stays, point 20 is 500.
   ASSERT_EQ(Math<T>::ComputeKrupkowskyCurvePoints(curve, T(550), T(0.25), T(500), T(0.01)), 1);
   ExpectClose<T>(curve[10].y, 464.78833854198456);
   EXPECT_EQ(curve[20].y, T(500));
-
-  // Power a 100, b 400, n 0.5: 400*f32(e**0.5) + 100.
+  // Power a 100, b 400, n 0.5: 400*f32(e**0.5) + 100; unrounded, point 10 would be
+  // 382.84271289..., 5e-6 away, far beyond the double tolerance.
   ASSERT_EQ(Math<T>::ComputePowerCurvePoints(curve, T(100), T(400), T(0.5), T(0)), 1);
   ASSERT_EQ(curve.GetSize(), 21u);
-  ExpectPoint<T>(curve[0], 0.0, 100.0);
-  ExpectPoint<T>(curve[10], 0.5000000074505806, 382.84270763397217);
-  ExpectPoint<T>(curve[20], 1.0000000149011612, 500.0);
-
+  ExpectPoints(curve, {{0, 0.0, 100.0}, {10, 0.5000000074505806, 382.84270763397217}, {20, 1.0000000149011612, 500.0}});
   // Kinematic y0 200, rate 15, amplitude 150, no float rounding: (1 - exp(-15 e))*150 + 200.
   ASSERT_EQ(Math<T>::ComputeKinematicCurvePoints(curve, T(200), T(15), T(150), T(0)), 1);
   ASSERT_EQ(curve.GetSize(), 21u);
-  ExpectPoint<T>(curve[0], 0.0, 200.0);
-  ExpectPoint<T>(curve[5], 0.25000000372529030, 346.4723383187221);
-  ExpectPoint<T>(curve[20], 1.0000000149011612, 349.99995411466216);
+  ExpectPoints(
+      curve,
+      {{0, 0.0, 200.0}, {5, 0.25000000372529030, 346.4723383187221}, {20, 1.0000000149011612, 349.99995411466216}});
   ASSERT_EQ(Math<T>::ComputeKinematicCurvePoints(curve, T(200), T(15), T(150), T(330)), 1);
   EXPECT_EQ(curve[0].y, T(200));
   EXPECT_EQ(curve[5].y, T(330));
 }
 
-TEST(MaterialLaws, PowersAreRoundedToFloatBeforeTheCoefficientInDouble) {
-  // 400*sqrt(0.5000000074505806) + 100 = 382.84271289... unrounded; with f32 of the root it is
-  // 382.84270763397217 (numpy). The two differ by 5e-6, far more than double rounding.
-  Curve<double> curve;
-  ZmMathd::ComputePowerCurvePoints(curve, 100, 400, 0.5, 0);
-  EXPECT_DOUBLE_EQ(curve[10].y, 382.84270763397217);
-  EXPECT_GT(std::fabs(curve[10].y - (400 * std::sqrt(0.5000000074505806) + 100)), 1e-6);
-}
-
-TYPED_TEST(MaterialTwins, KeelerBranchesAndPlaneStrainLimit) {
-  using T = TypeParam;
-  Curve<T> curve;
-  // thickness 1, n 0.3: FLD0 = 23 + f32(14.6) = 37.60000038146973, e0 = ln(1.3760000038) =
-  // 0.31918074228346105.
-  ASSERT_EQ(Math<T>::ComputeKeelerCurvePoints(curve, T(1), T(0.3)), 1);
-  ASSERT_EQ(curve.GetSize(), 180u);
-  // Left branch: minor -80 % (ln 0.2) and -1 % (ln 0.99), major e0 - minor.
-  ExpectPoint<T>(curve[0], -1.6094379124341005, 1.9286186547175617);
-  ExpectPoint<T>(curve[79], -0.01005033585350145, 0.3292310781369625);
-  // Plane strain (minor 0): the major strain is e0.
-  EXPECT_EQ(curve[80].x, T(0));
-  ExpectClose<T>(curve[80].y, 0.31918074228346105);
-  // k = 54: major 54.83 % >= 54 -> ln(1.5483060342324037) = 0.43716145216071167;
-  // k = 55: major 54.87 % < 55 -> on the line major = minor, ln(1.55).
-  ExpectPoint<T>(curve[134], 0.43178241642553783, 0.43716145216071167);
-  ExpectPoint<T>(curve[135], 0.4382549309311553, 0.4382549309311553);
-  ExpectPoint<T>(curve[179], 0.688134638736401, 0.688134638736401);
-
-  // n under 0.21f scales FLD0: (23 + f32(14.6)*1.2)*0.15/f32(0.21) = 28.942858373470084 %,
-  // e0 = 0.2541991618933589.
-  ASSERT_EQ(Math<T>::ComputeKeelerCurvePoints(curve, T(1.2), T(0.15)), 1);
-  ExpectClose<T>(curve[80].y, 0.2541991618933589);
-}
-
 TEST(MaterialLaws, KeelerScalesOnlyBelowTheFloatExponentThreshold) {
-  // 0.209999997 lies between f32(0.21) = 0.20999999344 and 0.21: not scaled, e0 as for n 0.3.
   Curve<double> curve;
+  // 0.209999997 lies between f32(0.21) = 0.20999999344 and 0.21: not scaled, e0 as for n 0.3.
   ZmMathd::ComputeKeelerCurvePoints(curve, 1, 0.209999997);
   EXPECT_DOUBLE_EQ(curve[80].y, 0.31918074228346105);
   ZmMathd::ComputeKeelerCurvePoints(curve, 1, 0.2099999);  // scaled
   EXPECT_LT(curve[80].y, 0.31918074228346105);
 }
 
-TYPED_TEST(MaterialTwins, HillAndLankfordRoundTrip) {
+TYPED_TEST(MaterialTwins, KeelerBranchesAndPlaneStrainLimit) {
+  using T = TypeParam;
+  Curve<T> curve;
+  // thickness 1, n 0.3: FLD0 = 23 + f32(14.6) = 37.60000038146973, e0 = ln(1.3760000038) =
+  // 0.31918074228346105. Left branch: minor -80 % (ln 0.2) and -1 % (ln 0.99), major
+  // e0 - minor. Plane strain (minor 0, point 80): the major strain is e0. k = 54: major
+  // 54.83 % >= 54 -> ln(1.5483060342324037) = 0.43716145216071167; k = 55: major 54.87 % < 55
+  // -> on the line major = minor, ln(1.55).
+  ASSERT_EQ(Math<T>::ComputeKeelerCurvePoints(curve, T(1), T(0.3)), 1);
+  ASSERT_EQ(curve.GetSize(), 180u);
+  EXPECT_EQ(curve[80].x, T(0));
+  ExpectPoints(curve, {{0, -1.6094379124341005, 1.9286186547175617},
+                       {79, -0.01005033585350145, 0.3292310781369625},
+                       {134, 0.43178241642553783, 0.43716145216071167},
+                       {135, 0.4382549309311553, 0.4382549309311553},
+                       {179, 0.688134638736401, 0.688134638736401}});
+  ExpectClose<T>(curve[80].y, 0.31918074228346105);
+  // n under 0.21f scales FLD0: (23 + f32(14.6)*1.2)*0.15/f32(0.21) = 28.942858373470084 %,
+  // e0 = 0.2541991618933589.
+  ASSERT_EQ(Math<T>::ComputeKeelerCurvePoints(curve, T(1.2), T(0.15)), 1);
+  ExpectClose<T>(curve[80].y, 0.2541991618933589);
+}
+
+TYPED_TEST(MaterialTwins, HillLankfordAndMooneyRivlin) {
   using T = TypeParam;
   // r0 1.8, r45 1.2, r90 2.1: G = 2/2.8 = 0.7142857142857143, F = 3.6/5.88 = 0.6122448979591837,
   // N = 3.4*3.9/5.88 = 2.2551020408163267.
-  T F = 0, G = 0, N = 0;
+  T F = 0, G = 0, N = 0, r0 = 0, r45 = 0, r90 = 0;
   ASSERT_EQ(Math<T>::ComputeHill3DCoeff(T(1.8), T(1.2), T(2.1), F, G, N), 1);
   ExpectClose<T>(F, 0.6122448979591837);
   ExpectClose<T>(G, 0.7142857142857143);
   ExpectClose<T>(N, 2.2551020408163267);
-  T r0 = 0, r45 = 0, r90 = 0;
   ASSERT_EQ(Math<T>::ComputeLankfordCoeff(F, G, N, r0, r45, r90), 1);
-  const T tolerance = std::is_same<T, double>::value ? T(1e-14) : T(1e-5);
+  const T tolerance = ByTwin<T>(1e-14, 1e-5);
   EXPECT_NEAR(r0, T(1.8), tolerance);
   EXPECT_NEAR(r45, T(1.2), tolerance);
   EXPECT_NEAR(r90, T(2.1), tolerance);
-
   // r0 = -1: nothing written. r90 = 0: G written, F and N not.
   F = G = N = 7;
   EXPECT_EQ(Math<T>::ComputeHill3DCoeff(T(-1), T(1), T(1), F, G, N), 0);
   EXPECT_EQ(G, T(7));
   EXPECT_EQ(Math<T>::ComputeHill3DCoeff(T(1), T(1), T(0), F, G, N), 0);
   EXPECT_EQ(G, T(1));
-  EXPECT_EQ(F, T(7));
-  EXPECT_EQ(N, T(7));
+  ExpectAll<T>({F, N}, T(7));
   // F = 0, and G = 1, F = 3 where (G+1)^2 - (2-G)F - 1 = 4 - 3 - 1 = 0: nothing written.
   r0 = r45 = r90 = 7;
   EXPECT_EQ(Math<T>::ComputeLankfordCoeff(T(0), T(1), T(1), r0, r45, r90), 0);
   EXPECT_EQ(Math<T>::ComputeLankfordCoeff(T(3), T(1), T(1), r0, r45, r90), 0);
-  EXPECT_EQ(r0, T(7));
-  EXPECT_EQ(r45, T(7));
-  EXPECT_EQ(r90, T(7));
-}
-
-TYPED_TEST(MaterialTwins, MooneyRivlinFitAndItsMessages) {
-  using T = TypeParam;
-  const wchar_t* const divisionByZero = L"Error while computing the coefficients : division by 0";
+  ExpectAll<T>({r0, r45, r90}, T(7));
   T c10 = -1, c01 = -1;
   // Uniaxial points of c10 = 0.5, c01 = 0.2 at 10, 50, 100, 200 %: y = 2(c10 + c01/l)(l - 1/l^2).
   // numpy.polyfit(t, r, 1) with t = 1/(x*f32(0.01) + 1) + f32(1e-7) -> c01 0.20000098605992428,
-  // c10 0.4999997288600099 (the 1e-7 offset moves them off the law slightly).
+  // c10 0.4999997288600099 (the 1e-7 offset moves them off the law slightly). Float sums
+  // cancel in the covariance: the float twin holds the law to about 1e-4.
   const Curve<T> pts{{10, 0.37302779864763363}, {50, 1.337037037037037}, {100, 2.1}, {200, 3.274074074074074}};
   EXPECT_EQ(Math<T>::ComputeMoonleyRivlinCoefficientsFromPoints(pts, c10, c01), nullptr);
-  // Float sums cancel in the covariance: the float twin holds the law to about 1e-4.
-  ExpectClose<T>(c01, 0.20000098605992428, 5e-4);
-  ExpectClose<T>(c10, 0.4999997288600099, 5e-4);
-  if (std::is_same<T, double>::value) {
-    EXPECT_NEAR(c01, 0.20000098605992428, 1e-12);
-    EXPECT_NEAR(c10, 0.4999997288600099, 1e-12);
-  }
-
+  EXPECT_NEAR(c01, 0.20000098605992428, ByTwin<T>(1e-12, 1e-4));
+  EXPECT_NEAR(c10, 0.4999997288600099, ByTwin<T>(1e-12, 2.5e-4));
+  // One point; lambda exactly 0 (x*f32(0.01) = -1 for x = -100.00000223517424 in double, -100
+  // in float); two equal points, whose covariance is exactly 0.
   c10 = c01 = -1;
-  const WbErrObj* error = Math<T>::ComputeMoonleyRivlinCoefficientsFromPoints(Curve<T>{{10, 1}}, c10, c01);
-  ASSERT_NE(error, nullptr);
-  EXPECT_STREQ(error->GetMessage(), L"Error while computing the coefficients : 2 points (at least) are mandatory");
-  // lambda exactly 0: x*f32(0.01) = -1 for x = -100.00000223517424 in double, -100 in float.
-  const T zeroStretch = std::is_same<T, double>::value ? T(-100.00000223517424) : T(-100);
-  error = Math<T>::ComputeMoonleyRivlinCoefficientsFromPoints(Curve<T>{{10, 1}, {zeroStretch, 1}}, c10, c01);
-  ASSERT_NE(error, nullptr);
-  EXPECT_STREQ(error->GetMessage(), divisionByZero);
-  // Two equal points: the covariance is exactly 0.
-  error = Math<T>::ComputeMoonleyRivlinCoefficientsFromPoints(Curve<T>{{20, 1}, {20, 1}}, c10, c01);
-  ASSERT_NE(error, nullptr);
-  EXPECT_STREQ(error->GetMessage(), divisionByZero);
-  EXPECT_EQ(c10, T(-1));
-  EXPECT_EQ(c01, T(-1));
+  const std::wstring byZero = L"Error while computing the coefficients : division by 0";
+  const auto fit = [&](const Curve<T>& c) {
+    return Message(Math<T>::ComputeMoonleyRivlinCoefficientsFromPoints(c, c10, c01));
+  };
+  EXPECT_EQ(fit(Curve<T>{{10, 1}}), L"Error while computing the coefficients : 2 points (at least) are mandatory");
+  EXPECT_EQ(fit(Curve<T>{{10, 1}, {ByTwin<T>(-100.00000223517424, -100), 1}}), byZero);
+  EXPECT_EQ(fit(Curve<T>{{20, 1}, {20, 1}}), byZero);
+  ExpectAll<T>({c10, c01}, T(-1));
 }
 
 }  // namespace

@@ -1,22 +1,14 @@
 // Polylines: length, arc-length parametrisation and the projections onto polylines and
 // segment pairs, with their tie-breaks, clamping and bad input, in both twins.
-#include <gtest/gtest.h>
+#include "math_test_support.h"
 
-#include <limits>
-
-#include <zemcalc/zemcalc.h>
+using namespace math_test;
 
 namespace {
 
-constexpr double kMarker = -1.0000000331813535e+32;  // -1.0e32f widened
-
 template <class T>
 class PolylineTwins : public ::testing::Test {};
-using Scalars = ::testing::Types<double, float>;
 TYPED_TEST_SUITE(PolylineTwins, Scalars);
-
-template <class T>
-using Line = WbArrayTempl<ZmPoint3T<T>>;
 
 // (0,0,0) -> (4,0,0) -> (4,3,0): segment lengths 4 and 3, total 7.
 template <class T>
@@ -24,177 +16,130 @@ Line<T> Elbow() {
   return Line<T>{ZmPoint3T<T>(0, 0, 0), ZmPoint3T<T>(4, 0, 0), ZmPoint3T<T>(4, 3, 0)};
 }
 
-template <class T>
-ZmPoint3T<T> InvalidPoint() {
-  return ZmPoint3T<T>(WbCoord3DT<T>::INVALID);
-}
-
-TYPED_TEST(PolylineTwins, LengthSumsFloatRoundedSegments) {
-  using M = ZmMathT<TypeParam>;
-  using P = ZmPoint3T<TypeParam>;
+TYPED_TEST(PolylineTwins, LengthAndCoordinatesAtNormalisedArcLength) {
+  using T = TypeParam;
+  using P = ZmPoint3T<T>;
   // sqrt(2) twice and 1: 2 * 1.4142135381698608 + 1 = 3.8284270763397217 (the unrounded sum
   // is 3.8284271247461903); the float twin sums the same float lengths to the same value.
-  EXPECT_EQ(M::GetLength(Line<TypeParam>{P(0, 0, 0), P(1, 1, 0), P(2, 2, 0), P(2, 2, 1)}),
-            TypeParam(3.8284270763397217));
-  EXPECT_EQ(M::GetLength(Line<TypeParam>{}), TypeParam(0));
-  EXPECT_EQ(M::GetLength(Line<TypeParam>{P(1, 2, 3)}), TypeParam(0));
-  EXPECT_EQ(M::GetLength(Line<TypeParam>{P(0, 0, 0), InvalidPoint<TypeParam>()}), TypeParam(kMarker));
-}
-
-TYPED_TEST(PolylineTwins, CoordinatesAtNormalisedArcLength) {
-  using M = ZmMathT<TypeParam>;
-  using P = ZmPoint3T<TypeParam>;
-  const Line<TypeParam> elbow = Elbow<TypeParam>();
-  P out;
-  const auto at = [&](TypeParam t) {
-    out = P(99, 99, 99);
-    M::GetCoordinatesAt(elbow, t, out);
+  ExpectRows<T>(
+      {{ZmMathT<T>::GetLength(Line<T>{P(0, 0, 0), P(1, 1, 0), P(2, 2, 0), P(2, 2, 1)}), T(3.8284270763397217)},
+       {ZmMathT<T>::GetLength(Line<T>{}), T(0)},
+       {ZmMathT<T>::GetLength(Line<T>{P(1, 2, 3)}), T(0)},
+       {ZmMathT<T>::GetLength(Line<T>{P(0, 0, 0), InvalidPoint<T>()}), T(kMarker)}});
+  const auto at = [](const Line<T>& line, T t) {
+    P out(99, 99, 99);
+    ZmMathT<T>::GetCoordinatesAt(line, t, out);
     return out;
   };
-  EXPECT_EQ(at(0), P(0, 0, 0));
-  EXPECT_EQ(at(1), P(4, 3, 0));
-  EXPECT_EQ(at(TypeParam(0.5)), P(3.5, 0, 0));    // target 3.5 on the first segment
-  EXPECT_EQ(at(TypeParam(0.75)), P(4, 1.25, 0));  // target 5.25: 1.25 into the second
-  // Before the start: along the first segment (target -1.75).
-  EXPECT_EQ(at(TypeParam(-0.25)), P(-1.75, 0, 0));
-  // Past the end: along the last segment (target 10.5, 6.5 along it).
-  EXPECT_EQ(at(TypeParam(1.5)), P(4, 6.5, 0));
-  // Bad t or polyline: the invalid point, never a read past the array.
-  EXPECT_EQ(at(std::numeric_limits<TypeParam>::quiet_NaN()), InvalidPoint<TypeParam>());
-  EXPECT_EQ(at(std::numeric_limits<TypeParam>::infinity()), InvalidPoint<TypeParam>());
-  M::GetCoordinatesAt(Line<TypeParam>{}, TypeParam(0.5), out);
-  EXPECT_EQ(out, InvalidPoint<TypeParam>());
-  M::GetCoordinatesAt(Line<TypeParam>{P(4, 0, 0), InvalidPoint<TypeParam>()}, TypeParam(0.5), out);
-  EXPECT_EQ(out, InvalidPoint<TypeParam>());
-  // A single point, or points that all coincide, have every arc length at the first point.
-  M::GetCoordinatesAt(Line<TypeParam>{P(1, 2, 3)}, TypeParam(0.3), out);
-  EXPECT_EQ(out, P(1, 2, 3));
-  M::GetCoordinatesAt(Line<TypeParam>{P(1, 2, 3), P(1, 2, 3), P(1, 2, 3)}, TypeParam(0.3), out);
-  EXPECT_EQ(out, P(1, 2, 3));
+  const Line<T> elbow = Elbow<T>(), same{P(1, 2, 3), P(1, 2, 3), P(1, 2, 3)};
+  ExpectRows<P>({{at(elbow, 0), P(0, 0, 0)},
+                 {at(elbow, 1), P(4, 3, 0)},
+                 {at(elbow, T(0.5)), P(3.5, 0, 0)},    // target 3.5 on the first segment
+                 {at(elbow, T(0.75)), P(4, 1.25, 0)},  // target 5.25: 1.25 into the second
+                 // Before the start: along the first segment (target -1.75); past the end:
+                 // along the last (target 10.5, 6.5 along it).
+                 {at(elbow, T(-0.25)), P(-1.75, 0, 0)},
+                 {at(elbow, T(1.5)), P(4, 6.5, 0)},
+                 // Bad t or polyline: the invalid point, never a read past the array.
+                 {at(elbow, Nan<T>()), InvalidPoint<T>()},
+                 {at(elbow, std::numeric_limits<T>::infinity()), InvalidPoint<T>()},
+                 {at(Line<T>{}, T(0.5)), InvalidPoint<T>()},
+                 {at(Line<T>{P(4, 0, 0), InvalidPoint<T>()}, T(0.5)), InvalidPoint<T>()},
+                 // A single point, or points that all coincide: every arc length at the first.
+                 {at(Line<T>{P(1, 2, 3)}, T(0.3)), P(1, 2, 3)},
+                 {at(same, T(0.3)), P(1, 2, 3)}});
+}
+
+// GetProjectedPoint of p, checked for its result, foot and parameter.
+template <class T>
+void ExpectProjection(const Line<T>& line, const ZmPoint3T<T>& p, int ok, const ZmPoint3T<T>& foot, T param) {
+  ZmPoint3T<T> actualFoot(7, 7, 7);
+  T actualParam = -1;
+  EXPECT_EQ(ZmMathT<T>::GetProjectedPoint(line, p, actualParam, actualFoot), ok);
+  EXPECT_EQ(actualFoot, foot);
+  EXPECT_EQ(actualParam, param);
 }
 
 TYPED_TEST(PolylineTwins, ProjectedPointAndItsArcLengthParameter) {
-  using M = ZmMathT<TypeParam>;
-  using P = ZmPoint3T<TypeParam>;
-  const Line<TypeParam> elbow = Elbow<TypeParam>();
-  P foot;
-  TypeParam param = -1;
-  EXPECT_EQ(M::GetProjectedPoint(elbow, P(2, 1, 0), param, foot), 1);
-  EXPECT_EQ(foot, P(2, 0, 0));
-  EXPECT_EQ(param, TypeParam(2) / TypeParam(7));
+  using T = TypeParam;
+  using P = ZmPoint3T<T>;
+  const Line<T> elbow = Elbow<T>();
+  ExpectProjection(elbow, P(2, 1, 0), 1, P(2, 0, 0), T(2) / T(7));
   // Nearer the second segment (1 against sqrt 2): 4/7 + 1/7 in the class's precision.
-  EXPECT_EQ(M::GetProjectedPoint(elbow, P(5, 1, 0), param, foot), 1);
-  EXPECT_EQ(foot, P(4, 1, 0));
-  EXPECT_EQ(param, TypeParam(4) / TypeParam(7) + TypeParam(1) / TypeParam(7));
+  ExpectProjection(elbow, P(5, 1, 0), 1, P(4, 1, 0), T(4) / T(7) + T(1) / T(7));
   // Beyond either end: the end point, parameter 1 or 0.
-  EXPECT_EQ(M::GetProjectedPoint(elbow, P(4, 5, 0), param, foot), 1);
-  EXPECT_EQ(foot, P(4, 3, 0));
-  EXPECT_EQ(param, TypeParam(1));
-  EXPECT_EQ(M::GetProjectedPoint(elbow, P(-2, 1, 0), param, foot), 1);
-  EXPECT_EQ(foot, P(0, 0, 0));
-  EXPECT_EQ(param, TypeParam(0));
+  ExpectProjection(elbow, P(4, 5, 0), 1, P(4, 3, 0), T(1));
+  ExpectProjection(elbow, P(-2, 1, 0), 1, P(0, 0, 0), T(0));
   // Equidistant from both segments (1 each): the earlier wins.
-  const Line<TypeParam> corner{P(0, 0, 0), P(2, 0, 0), P(2, 2, 0)};
-  EXPECT_EQ(M::GetProjectedPoint(corner, P(1, 1, 0), param, foot), 1);
-  EXPECT_EQ(foot, P(1, 0, 0));
-  EXPECT_EQ(param, TypeParam(0.25));
+  ExpectProjection(Line<T>{P(0, 0, 0), P(2, 0, 0), P(2, 2, 0)}, P(1, 1, 0), 1, P(1, 0, 0), T(0.25));
+  // Short polylines: the point itself at parameter 0, distance 0.
+  const P p(5e-7, 1, 0);
+  for (const Line<T>& shortLine : {Line<T>{}, Line<T>{P(3, 3, 3)}, Line<T>{P(0, 0, 0), P(5e-7, 0, 0)}}) {
+    ExpectProjection(shortLine, p, 1, p, T(0));
+    EXPECT_EQ(ZmMathT<T>::DistanceTo(shortLine, p), T(0));
+  }
+  // Length float(1e-6) = 9.999999974752427e-7 is not below the widened 1e-6f: projected.
+  // (The decimal 1e-6 threshold would have kept foot = p.)
+  ExpectProjection(Line<T>{P(0, 0, 0), P(1e-6, 0, 0)}, p, 1, P(5e-7, 0, 0), T(0.5));
+  // Twelve segments of 9e-8 (each d.d = 8.1e-15 <= 1e-14f: none can be projected on) total
+  // 1.08e-6: the nearest vertex, number 3 of 12, is the foot at parameter 3/12.
+  Line<T> chain;
+  for (int k = 0; k <= 12; ++k) chain.Add(P(T(k) * T(9e-8), 0, 0));
+  ExpectProjection(chain, P(3e-7, 0, 0), 1, chain[3], T(0.25));
+  ExpectProjection(chain, P(-1e-7, 0, 0), 1, chain[0], T(0));  // before the first vertex
+  EXPECT_EQ(ZmMathT<T>::DistanceTo(elbow, P(2, 1, 0)), T(1));
+  EXPECT_EQ(ZmMathT<T>::DistanceTo(elbow, P(7, 7, 0)), T(5));  // from (4, 3, 0)
 }
 
 TEST(Polylines, ParameterIsClampedToOne) {
   // Float segment lengths a = 0.951476514339447 and b = 8.416665077209473 (exact floats):
   // a/(a + b) + b/(a + b) is 1.0000001192092896 in float, so the end point needs the clamp.
   const float a = 0.951476514339447f, b = 8.416665077209473f;
-  const WbArrayTempl<ZmPoint3f> line{ZmPoint3f(0, 0, 0), ZmPoint3f(a, 0, 0), ZmPoint3f(a, b, 0)};
-  ZmPoint3f foot;
-  float param = -1;
-  EXPECT_EQ(ZmMathf::GetProjectedPoint(line, ZmPoint3f(a, b + 1, 0), param, foot), 1);
-  EXPECT_EQ(foot, ZmPoint3f(a, b, 0));
-  EXPECT_EQ(param, 1.0f);
+  ExpectProjection(Line<float>{ZmPoint3f(0, 0, 0), ZmPoint3f(a, 0, 0), ZmPoint3f(a, b, 0)}, ZmPoint3f(a, b + 1, 0), 1,
+                   ZmPoint3f(a, b, 0), 1.0f);
 }
 
-TYPED_TEST(PolylineTwins, ProjectedPointOnShortAndDegeneratePolylines) {
-  using M = ZmMathT<TypeParam>;
-  using P = ZmPoint3T<TypeParam>;
-  P foot;
-  TypeParam param = -1;
-  const P p(5e-7, 1, 0);
-  for (const Line<TypeParam>& shortLine :
-       {Line<TypeParam>{}, Line<TypeParam>{P(3, 3, 3)}, Line<TypeParam>{P(0, 0, 0), P(5e-7, 0, 0)}}) {
-    param = -1;
-    EXPECT_EQ(M::GetProjectedPoint(shortLine, p, param, foot), 1);
-    EXPECT_EQ(foot, p);
-    EXPECT_EQ(param, TypeParam(0));
-    EXPECT_EQ(M::DistanceTo(shortLine, p), TypeParam(0));
+TYPED_TEST(PolylineTwins, ProjectionOnPolylineSegmentPairsAndUnusablePoints) {
+  using T = TypeParam;
+  using M = ZmMathT<T>;
+  using P = ZmPoint3T<T>;
+  // Ties go to the lower segment; segIndex is optional; a one-point line has no segment.
+  // Segments 1 and 2 of the broken line touch an invalid point and are skipped; 3 is nearest.
+  const Line<T> corner{P(0, 0, 0), P(2, 0, 0), P(2, 2, 0)};
+  const Line<T> broken{P(0, 0, 0), P(4, 0, 0), InvalidPoint<T>(), P(4, 3, 0), P(8, 3, 0)};
+  const struct {
+    P p;
+    Line<T> line;
+    P foot;
+    int segment;
+  } rows[] = {{P(1, 1, 0), corner, P(1, 0, 0), 0},
+              {P(3, 1.5, 0), corner, P(2, 1.5, 0), 1},
+              {P(1, 1, 0), Line<T>{P(0, 0, 0)}, InvalidPoint<T>(), -1},
+              {P(6, 4, 0), broken, P(6, 3, 0), 3}};
+  for (const auto& r : rows) {
+    int segment = 99;
+    EXPECT_EQ(M::ProjOnPolyline(r.p, r.line, &segment), r.foot);
+    EXPECT_EQ(segment, r.segment);
   }
-  // Length float(1e-6) = 9.999999974752427e-7 is not below the widened 1e-6f: projected.
-  // (The decimal 1e-6 threshold would have kept foot = p.)
-  EXPECT_EQ(M::GetProjectedPoint(Line<TypeParam>{P(0, 0, 0), P(1e-6, 0, 0)}, p, param, foot), 1);
-  EXPECT_EQ(foot, P(5e-7, 0, 0));
-  EXPECT_EQ(param, TypeParam(0.5));
-  // Twelve segments of 9e-8 (each d.d = 8.1e-15 <= 1e-14f: none can be projected on) total
-  // 1.08e-6: the nearest vertex, number 3 of 12, is the foot at parameter 3/12.
-  Line<TypeParam> chain;
-  for (int k = 0; k <= 12; ++k) chain.Add(P(TypeParam(k) * TypeParam(9e-8), 0, 0));
-  EXPECT_EQ(M::GetProjectedPoint(chain, P(3e-7, 0, 0), param, foot), 1);
-  EXPECT_EQ(foot, chain[3]);
-  EXPECT_EQ(param, TypeParam(0.25));
-}
-
-TYPED_TEST(PolylineTwins, DistanceToPolyline) {
-  using M = ZmMathT<TypeParam>;
-  using P = ZmPoint3T<TypeParam>;
-  EXPECT_EQ(M::DistanceTo(Elbow<TypeParam>(), P(2, 1, 0)), TypeParam(1));
-  EXPECT_EQ(M::DistanceTo(Elbow<TypeParam>(), P(7, 7, 0)), TypeParam(5));  // from (4, 3, 0)
-}
-
-TYPED_TEST(PolylineTwins, ProjectionOnPolylineReportsTheLowerSegmentOnTies) {
-  using M = ZmMathT<TypeParam>;
-  using P = ZmPoint3T<TypeParam>;
-  int segment = 99;
-  const Line<TypeParam> corner{P(0, 0, 0), P(2, 0, 0), P(2, 2, 0)};
-  EXPECT_EQ(M::ProjOnPolyline(P(1, 1, 0), corner, &segment), P(1, 0, 0));
-  EXPECT_EQ(segment, 0);
-  EXPECT_EQ(M::ProjOnPolyline(P(3, 1.5, 0), corner, &segment), P(2, 1.5, 0));
-  EXPECT_EQ(segment, 1);
-  EXPECT_EQ(M::ProjOnPolyline(P(3, 1.5, 0), corner), P(2, 1.5, 0));  // segIndex optional
-  segment = 99;
-  EXPECT_EQ(M::ProjOnPolyline(P(1, 1, 0), Line<TypeParam>{P(0, 0, 0)}, &segment), InvalidPoint<TypeParam>());
-  EXPECT_EQ(segment, -1);
-  // Segments 1 and 2 touch an invalid point and are skipped; segment 3 is the nearest.
-  const Line<TypeParam> broken{P(0, 0, 0), P(4, 0, 0), InvalidPoint<TypeParam>(), P(4, 3, 0), P(8, 3, 0)};
-  EXPECT_EQ(M::ProjOnPolyline(P(6, 4, 0), broken, &segment), P(6, 3, 0));
-  EXPECT_EQ(segment, 3);
-}
-
-TYPED_TEST(PolylineTwins, ProjectionOnSegmentPairsIgnoresAnOddLastPoint) {
-  using M = ZmMathT<TypeParam>;
-  using P = ZmPoint3T<TypeParam>;
+  EXPECT_EQ(M::ProjOnPolyline(P(3, 1.5, 0), corner), P(2, 1.5, 0));
   // Pairs (0,0,0)-(4,0,0) at 1.2 and (0,3,0)-(4,3,0) at 1.8 from p; the odd last point
   // (2, 1, 0) is 0.2 from p but no segment, and neither is (4,0,0)-(0,3,0) between the pairs.
-  const Line<TypeParam> pairs{P(0, 0, 0), P(4, 0, 0), P(0, 3, 0), P(4, 3, 0), P(2, 1, 0)};
+  const Line<T> pairs{P(0, 0, 0), P(4, 0, 0), P(0, 3, 0), P(4, 3, 0), P(2, 1, 0)};
   EXPECT_EQ(M::ProjOnSegments(P(2, 1.2, 0), pairs), P(2, 0, 0));
   EXPECT_EQ(M::ProjOnSegments(P(2, 2, 0), pairs), P(2, 3, 0));
-  EXPECT_EQ(M::ProjOnSegments(P(2, 2, 0), Line<TypeParam>{P(0, 0, 0)}), InvalidPoint<TypeParam>());
-}
-
-TYPED_TEST(PolylineTwins, UnusablePointGivesTheFailureValues) {
-  using M = ZmMathT<TypeParam>;
-  using P = ZmPoint3T<TypeParam>;
-  const TypeParam nan = std::numeric_limits<TypeParam>::quiet_NaN();
-  const Line<TypeParam> elbow = Elbow<TypeParam>();
-  for (const P& bad : {InvalidPoint<TypeParam>(), P(nan, 0, 0)}) {
-    P foot(7, 7, 7);
-    TypeParam param = -1;
-    EXPECT_EQ(M::GetProjectedPoint(elbow, bad, param, foot), 0);
-    EXPECT_EQ(foot, InvalidPoint<TypeParam>());
-    EXPECT_EQ(param, TypeParam(0));
-    EXPECT_EQ(M::DistanceTo(elbow, bad), TypeParam(kMarker));
-    EXPECT_EQ(M::ProjOnPolyline(bad, elbow), InvalidPoint<TypeParam>());
-    EXPECT_EQ(M::ProjOnSegments(bad, elbow), InvalidPoint<TypeParam>());
+  EXPECT_EQ(M::ProjOnSegments(P(2, 2, 0), Line<T>{P(0, 0, 0)}), InvalidPoint<T>());
+  const Line<T> elbow = Elbow<T>();
+  for (const P& bad : {InvalidPoint<T>(), P(Nan<T>(), 0, 0)}) {
+    ExpectProjection(elbow, bad, 0, InvalidPoint<T>(), T(0));
+    EXPECT_EQ(M::DistanceTo(elbow, bad), T(kMarker));
+    EXPECT_EQ(M::ProjOnPolyline(bad, elbow), InvalidPoint<T>());
+    EXPECT_EQ(M::ProjOnSegments(bad, elbow), InvalidPoint<T>());
     // The same point inside the polyline.
-    const Line<TypeParam> spoiled{P(0, 0, 0), bad, P(4, 3, 0)};
+    const Line<T> spoiled{P(0, 0, 0), bad, P(4, 3, 0)};
+    T param = -1;
+    P foot;
     EXPECT_EQ(M::GetProjectedPoint(spoiled, P(1, 1, 0), param, foot), 0);
-    EXPECT_EQ(M::DistanceTo(spoiled, P(1, 1, 0)), TypeParam(kMarker));
+    EXPECT_EQ(M::DistanceTo(spoiled, P(1, 1, 0)), T(kMarker));
   }
 }
 

@@ -3,50 +3,39 @@
 // Expected values come from a separate evaluation of the closed-form cubic in Python (double
 // floats, the same formula written out by hand), from hand calculation, and from a Jacobi
 // eigen-solver in long double written here for the purpose.
-#include <gtest/gtest.h>
-#include <zemcalc/zemcalc.h>
-
 #include <algorithm>
-#include <chrono>
-#include <cmath>
 #include <random>
+
+#include "math_test_support.h"
+
+using namespace math_test;
 
 namespace {
 
-template <class T>
-void ExpectVector(const ZmVector3T<T>& v, double x, double y, double z) {
-  EXPECT_EQ(v.x, T(x));
-  EXPECT_EQ(v.y, T(y));
-  EXPECT_EQ(v.z, T(z));
-}
+using V = ZmVector3d;
 
 // Eigenvalues of a symmetric 3x3 matrix by cyclic Jacobi rotations in long double, sorted in
 // decreasing order: the reference the closed form is measured against.
 void JacobiEigenvalues(const double (&in)[3][3], long double out[3]) {
   long double a[3][3];
-  for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) a[i][j] = in[i][j];
+  for (int i = 0; i < 9; ++i) a[i / 3][i % 3] = in[i / 3][i % 3];
   for (int sweep = 0; sweep < 20; ++sweep) {
     long double off = 0, norm = 0;
-    for (int i = 0; i < 3; ++i)
-      for (int j = 0; j < 3; ++j) (i == j ? norm : off) += a[i][j] * a[i][j];
+    for (int i = 0; i < 9; ++i) (i / 3 == i % 3 ? norm : off) += a[i / 3][i % 3] * a[i / 3][i % 3];
     if (off <= 1e-40L * norm || off == 0) break;
-    for (int p = 0; p < 2; ++p) {
-      for (int q = p + 1; q < 3; ++q) {
-        if (a[p][q] == 0) continue;
-        const long double theta = (a[q][q] - a[p][p]) / (2 * a[p][q]);
-        const long double t = (theta >= 0 ? 1 : -1) / (std::fabs(theta) + std::sqrt(theta * theta + 1));
-        const long double c = 1 / std::sqrt(t * t + 1), s = t * c;
-        for (int k = 0; k < 3; ++k) {  // columns p and q
-          const long double akp = a[k][p], akq = a[k][q];
-          a[k][p] = c * akp - s * akq;
-          a[k][q] = s * akp + c * akq;
-        }
-        for (int k = 0; k < 3; ++k) {  // rows p and q
-          const long double apk = a[p][k], aqk = a[q][k];
-          a[p][k] = c * apk - s * aqk;
-          a[q][k] = s * apk + c * aqk;
-        }
+    for (const auto& pq : {std::pair<int, int>(0, 1), {0, 2}, {1, 2}}) {
+      const int p = pq.first, q = pq.second;
+      if (a[p][q] == 0) continue;
+      const long double theta = (a[q][q] - a[p][p]) / (2 * a[p][q]);
+      const long double t = (theta >= 0 ? 1 : -1) / (std::fabs(theta) + std::sqrt(theta * theta + 1));
+      const long double c = 1 / std::sqrt(t * t + 1), s = t * c;
+      for (int k = 0; k < 3; ++k) {  // columns p and q
+        const long double akp = a[k][p], akq = a[k][q];
+        a[k][p] = c * akp - s * akq, a[k][q] = s * akp + c * akq;
+      }
+      for (int k = 0; k < 3; ++k) {  // rows p and q
+        const long double apk = a[p][k], aqk = a[q][k];
+        a[p][k] = c * apk - s * aqk, a[q][k] = s * apk + c * aqk;
       }
     }
   }
@@ -60,30 +49,10 @@ void JacobiEigenvalues(const double (&in)[3][3], long double out[3]) {
 // eigenvalues of very different magnitudes (1e6, 1, 1e-6), the last three in random
 // orientations.
 struct TensorSampler {
-  static constexpr int kFamilies = 5;
   std::mt19937_64 engine{20261123};
   std::uniform_real_distribution<double> unit{-1.0, 1.0};
 
-  double Gap(double lowExponent, double highExponent) {
-    return std::pow(10.0, lowExponent + (highExponent - lowExponent) * (unit(engine) + 1) / 2);
-  }
-
-  void Rotation(double (&r)[3][3]) {
-    // Normalised random quaternion -> rotation matrix.
-    double q[4], len = 0;
-    for (double& c : q) {
-      c = unit(engine);
-      len += c * c;
-    }
-    len = std::sqrt(len);
-    for (double& c : q) c /= len;
-    const double w = q[0], x = q[1], y = q[2], z = q[3];
-    const double m[3][3] = {{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y)},
-                            {2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x)},
-                            {2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}};
-    for (int i = 0; i < 3; ++i)
-      for (int j = 0; j < 3; ++j) r[i][j] = m[i][j];
-  }
+  double Gap() { return std::pow(10.0, -12 + 10 * (unit(engine) + 1) / 2); }
 
   void Next(int family, double (&t)[3][3]) {
     if (family < 2) {
@@ -92,128 +61,88 @@ struct TensorSampler {
         for (int j = i; j < 3; ++j) t[i][j] = t[j][i] = scale * unit(engine);
       return;
     }
-    double values[3];
     const double base = 100.0 * unit(engine);
-    if (family == 2) {
-      values[0] = base;
-      values[1] = base * (1 + Gap(-12, -2));
-      values[2] = 100.0 * unit(engine);
-    } else if (family == 3) {
-      values[0] = base;
-      values[1] = base * (1 + Gap(-12, -2));
-      values[2] = base * (1 - Gap(-12, -2));
-    } else {
-      values[0] = 1e6 * unit(engine);
-      values[1] = unit(engine);
-      values[2] = 1e-6 * unit(engine);
-    }
-    double r[3][3];
-    Rotation(r);
+    double values[3] = {base, family < 4 ? base * (1 + Gap()) : 0, 0};
+    if (family == 2) values[2] = 100.0 * unit(engine);
+    if (family == 3) values[2] = base * (1 - Gap());
+    if (family == 4) values[0] = 1e6 * unit(engine), values[1] = unit(engine), values[2] = 1e-6 * unit(engine);
+    // Normalised random quaternion -> rotation matrix r; t = r diag(values) r^T.
+    double q[4], len = 0;
+    for (double& c : q) c = unit(engine), len += c * c;
+    len = std::sqrt(len);
+    const double w = q[0] / len, x = q[1] / len, y = q[2] / len, z = q[3] / len;
+    const double r[3][3] = {{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y)},
+                            {2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x)},
+                            {2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}};
     for (int i = 0; i < 3; ++i) {
-      for (int j = 0; j < 3; ++j) {
+      for (int j = i; j < 3; ++j) {
         t[i][j] = 0;
         for (int k = 0; k < 3; ++k) t[i][j] += r[i][k] * values[k] * r[j][k];
+        t[j][i] = t[i][j];  // exactly symmetric
       }
     }
-    for (int i = 0; i < 3; ++i)
-      for (int j = i + 1; j < 3; ++j) t[j][i] = t[i][j];  // exactly symmetric
   }
 };
 
+// Tensor3DToVectors3D of (xx, yy, zz) without shear: values (when given) and directions.
+void ExpectPrincipal(double xx, double yy, double zz, std::initializer_list<double> values, const V& e1, const V& e2,
+                     const V& e3) {
+  double s[3] = {-7, -7, -7};
+  V d[3];
+  ZmMathd::Tensor3DToVectors3D(xx, yy, zz, 0, 0, 0, &s[0], &s[1], &s[2], &d[0], &d[1], &d[2]);
+  int i = 0;
+  for (double v : values) EXPECT_EQ(s[i++], v) << xx << " " << yy << " " << zz;
+  EXPECT_EQ(d[0], e1);
+  EXPECT_EQ(d[1], e2);
+  EXPECT_EQ(d[2], e3);
+}
+
 }  // namespace
 
-TEST(Tensors, ZeroAndIsotropicTensorsFallBackToTheAxes) {
-  // All rows of T - lambda I vanish: d1 = (1,0,0); d3 = (1,0,0) x d1 = 0, replaced by
-  // (0,1,0) x d1 = (0,0,-1); d2 = d1 x d3 = (0,1,0).
-  for (double v : {0.0, 1.0}) {
-    double s1 = -7, s2 = -7, s3 = -7;
-    ZmVector3d d1, d2, d3;
-    ZmMathd::Tensor3DToVectors3D(v, v, v, 0, 0, 0, &s1, &s2, &s3, &d1, &d2, &d3);
-    EXPECT_EQ(s1, v);
-    EXPECT_EQ(s2, v);
-    EXPECT_EQ(s3, v);
-    ExpectVector(d1, 1, 0, 0);
-    ExpectVector(d2, 0, 1, 0);
-    ExpectVector(d3, 0, 0, -1);
-  }
-  float f1, f2, f3;
+TEST(Tensors, DiagonalTensorsFallBackToTheAxesAndShowTheFloatThirdOfPi) {
+  // Zero or isotropic: all rows of T - lambda I vanish: d1 = (1,0,0); d3 = (1,0,0) x d1 = 0,
+  // replaced by (0,1,0) x d1 = (0,0,-1); d2 = d1 x d3 = (0,1,0).
+  ExpectPrincipal(0, 0, 0, {0, 0, 0}, V(1, 0, 0), V(0, 1, 0), V(0, 0, -1));
+  ExpectPrincipal(1, 1, 1, {1, 1, 1}, V(1, 0, 0), V(0, 1, 0), V(0, 0, -1));
+  // (3, 1, 2): the float value of pi/3 puts s2 and s3 1.7e-8 off 2 and 1 (Python, same
+  // formula in doubles). lambda = 3: only r1 x r2 = (0,-2,0) x (0,0,-1) = (2,0,0) survives;
+  // lambda ~ 1: r0 x r2 = (2,0,0) x (0,0,0.99..) = (0,-2,0) wins; d2 = (1,0,0) x (0,-1,0).
+  ExpectPrincipal(3, 1, 2, {3.0, 1.9999999831754776, 1.0000000168245224}, V(1, 0, 0), V(0, 0, -1), V(0, -1, 0));
+  // (1, 1, 0): s1 is exactly 1, so every row of T - I but r2 = (0,0,-1) vanishes and the
+  // multiple-eigenvalue rule takes r2 x (1,0,0) = (0,-1,0). s3 = 3.3e-16: r0 x r1 = (0,0,1).
+  ExpectPrincipal(1, 1, 0, {1.0, 0.9999999999999997, 3.3306690738754696e-16}, V(0, -1, 0), V(-1, 0, 0), V(0, 0, 1));
+  // (0, 1, 1): the only row left, r0 = (-1,0,0), is parallel to x, so r0 x (0,1,0) = (0,0,-1)
+  // is used; s3: r1 x r2 = (1,0,0) beats the 3e-16 products; d2 = (0,0,-1) x (1,0,0) = (0,-1,0).
+  ExpectPrincipal(0, 1, 1, {}, V(0, 0, -1), V(0, -1, 0), V(1, 0, 0));
+  float f1 = -7, f2, f3;
   ZmVector3f e1, e2, e3;
   ZmMathf::Tensor3DToVectors3D(0, 0, 0, 0, 0, 0, &f1, &f2, &f3, &e1, &e2, &e3);
   EXPECT_EQ(f1, 0.0f);
-  ExpectVector(e2, 0, 1, 0);
-  ExpectVector(e3, 0, 0, -1);
-  double mode = 1;
-  EXPECT_EQ(ZmMathd::StrainTensor2DToMode(0, 0, 0, &mode), -90.0);
-  EXPECT_EQ(mode, -90.0);
-}
-
-TEST(Tensors, DiagonalTensorsShowTheFloatThirdOfPi) {
-  // (3, 1, 2): the float value of pi/3 puts s2 and s3 1.7e-8 off 2 and 1 (Python, same
-  // formula in doubles: 3.0, 1.9999999831754776, 1.0000000168245224).
-  double s1, s2, s3;
-  ZmVector3d d1, d2, d3;
-  ZmMathd::Tensor3DToVectors3D(3, 1, 2, 0, 0, 0, &s1, &s2, &s3, &d1, &d2, &d3);
-  EXPECT_EQ(s1, 3.0);
-  EXPECT_EQ(s2, 1.9999999831754776);
-  EXPECT_EQ(s3, 1.0000000168245224);
-  // lambda = 3: only r1 x r2 = (0,-2,0) x (0,0,-1) = (2,0,0) survives; lambda ~ 1: r0 x r2 =
-  // (2,0,0) x (0,0,0.99..) = (0,-2,0) wins; d2 = (1,0,0) x (0,-1,0) = (0,0,-1).
-  ExpectVector(d1, 1, 0, 0);
-  ExpectVector(d2, 0, 0, -1);
-  ExpectVector(d3, 0, -1, 0);
-
-  // (1, 1, 0): s1 is exactly 1, so every row of T - I but r2 = (0,0,-1) vanishes and the
-  // multiple-eigenvalue rule takes r2 x (1,0,0) = (0,-1,0). s3 = 3.3e-16: r0 x r1 = (0,0,1).
-  ZmMathd::Tensor3DToVectors3D(1, 1, 0, 0, 0, 0, &s1, &s2, &s3, &d1, &d2, &d3);
-  EXPECT_EQ(s1, 1.0);
-  EXPECT_EQ(s2, 0.9999999999999997);
-  EXPECT_EQ(s3, 3.3306690738754696e-16);
-  ExpectVector(d1, 0, -1, 0);
-  ExpectVector(d2, -1, 0, 0);
-  ExpectVector(d3, 0, 0, 1);
-
-  // (0, 1, 1): the only row left, r0 = (-1,0,0), is parallel to x, so r0 x (0,1,0) = (0,0,-1)
-  // is used; s3: r1 x r2 = (1,0,0) beats the 3e-16 products; d2 = (0,0,-1) x (1,0,0) = (0,-1,0).
-  ZmMathd::Tensor3DToVectors3D(0, 1, 1, 0, 0, 0, &s1, &s2, &s3, &d1, &d2, &d3);
-  ExpectVector(d1, 0, 0, -1);
-  ExpectVector(d2, 0, -1, 0);
-  ExpectVector(d3, 1, 0, 0);
-
-  // A general tensor against the same Python evaluation, roots ordered.
+  EXPECT_EQ(e2, ZmVector3f(0, 1, 0));
+  EXPECT_EQ(e3, ZmVector3f(0, 0, -1));
+  // A general tensor against the same Python evaluation, roots ordered; null outputs skipped.
+  double s1, s2, s3, alone;
   ZmMathd::Tensor3DToMainValues(4, -2, 1, 1, 0.5, -0.3, &s1, &s2, &s3);
-  EXPECT_EQ(s1, 4.177184224970792);
-  EXPECT_EQ(s2, 1.0754767342783245);
-  EXPECT_EQ(s3, -2.2526609592491162);
-  // Null outputs are skipped.
-  ZmMathd::Tensor3DToMainValues(4, -2, 1, 1, 0.5, -0.3, nullptr, &s2, nullptr);
-  EXPECT_EQ(s2, 1.0754767342783245);
+  ZmMathd::Tensor3DToMainValues(4, -2, 1, 1, 0.5, -0.3, nullptr, &alone, nullptr);
+  ExpectRows<double>({{s1, 4.177184224970792}, {s2, 1.0754767342783245}, {s3, -2.2526609592491162}, {alone, s2}});
 }
 
 TEST(Tensors, ClosedFormMatchesAReferenceSolverOnAMillionTensors) {
-  // Principal values: the worst error, relative to the largest magnitude among them, over 10^6
-  // tensors of the five sampler families, against long-double Jacobi, measured 1.44e-5. Two
-  // effects bound it. The float value of pi/3 costs up to about 3e-8 (a diagonal (1, 0, 0)
-  // already gives 1.7e-8). And when the three values cluster, p and q of the cubic are small
-  // differences of large terms: with a relative spread s the error is about eps/s^2, while it
-  // can never exceed about s, so the worst case sits near s = eps^(1/3) = 6e-6. The bound
-  // keeps a margin over that analysis.
+  // Principal values, error relative to the largest magnitude, over 10^6 tensors of the five
+  // families against long-double Jacobi: measured 1.44e-5. The float pi/3 costs up to about
+  // 3e-8; clustered values make p and q of the cubic small differences of large terms, an error
+  // of about eps/s^2 for a relative spread s yet never above s: worst near s = eps^(1/3) = 6e-6.
   constexpr double kValueBound = 5.0e-5;
-  // Directions: d1 and d3 are unit within 4.5e-16, always. How orthogonal they are depends on
-  // the relative gap g to the nearest other eigenvalue (d2 = d1 x d3, so its length and its
-  // orthogonality follow): an eigenvalue off by e moves its direction by about e/g. Measured,
-  // max(|d1.d3|, ||d2| - 1|, |d2.d3|, |(d1 x d3).d2 - 1|) * g stays below 2.7e-6 (g from the
-  // long-double eigenvalues, relative to the largest magnitude). Note the order: (d1, d3, d2)
-  // is the right-handed triple, d2 being d1 x d3.
-  constexpr double kUnitBound = 1.0e-15;
-  constexpr double kScaledOrthogonalityBound = 2.0e-5;
+  // Directions: d1 and d3 are unit within 4.5e-16. An eigenvalue off by e moves its direction
+  // by about e/g, g the relative gap to the nearest other one, so the orthogonality errors
+  // (|d1.d3|, ||d2| - 1|, |d2.d3|, |(d1 x d3).d2 - 1|, d2 being d1 x d3) times g: measured 2.7e-6.
+  constexpr double kUnitBound = 1.0e-15, kScaledOrthogonalityBound = 2.0e-5;
   TensorSampler sampler;
   double worstValue = 0, worstScaledOrthogonality = 0, worstUnit = 0;
-  const int count = 1000000;
-  for (int n = 0; n < count; ++n) {
-    double t[3][3];
-    sampler.Next(n % TensorSampler::kFamilies, t);
-    double s[3];
-    ZmVector3d d[3];
+  for (int n = 0; n < 1000000; ++n) {
+    double t[3][3], s[3];
+    sampler.Next(n % 5, t);
+    V d[3];
     ZmMathd::Tensor3DToVectors3D(t[0][0], t[1][1], t[2][2], t[0][1], t[1][2], t[0][2], &s[0], &s[1], &s[2], &d[0],
                                  &d[1], &d[2]);
     long double ref[3];
@@ -237,75 +166,69 @@ TEST(Tensors, ClosedFormMatchesAReferenceSolverOnAMillionTensors) {
 TEST(Tensors, StrainModesByQuadrant) {
   // e1 > 0: atan(e2/e1); e1 <= 0 and e2 < 0: atan(e2/e1) - 180; otherwise -90.
   // (1, 1, 0) equibiaxial 45, (1, 0, 0) plane strain 0, (1, -1, 0) pure shear -45,
-  // (-1, -2, 0) atan(2) deg - 180 = -116.56505117707799, (0, -1, 0) atan(-inf) deg - 180 = -270.
-  EXPECT_EQ(ZmMathd::StrainTensor2DToMode(1, 1, 0, nullptr), 45.0);
-  EXPECT_EQ(ZmMathd::StrainTensor2DToMode(1, 0, 0, nullptr), 0.0);
-  EXPECT_EQ(ZmMathd::StrainTensor2DToMode(1, -1, 0, nullptr), -45.0);
-  EXPECT_EQ(ZmMathd::StrainTensor2DToMode(-1, -2, 0, nullptr), -116.56505117707799);
-  EXPECT_EQ(ZmMathd::StrainTensor2DToMode(0, -1, 0, nullptr), -270.0);
+  // (-1, -2, 0) atan(2) deg - 180 = -116.56505117707799, (0, -1, 0) atan(-inf) deg - 180 = -270,
+  // the zero tensor -90, written to mode too.
+  double mode = 1;
+  ExpectRows<double>({{ZmMathd::StrainTensor2DToMode(1, 1, 0, nullptr), 45.0},
+                      {ZmMathd::StrainTensor2DToMode(1, 0, 0, nullptr), 0.0},
+                      {ZmMathd::StrainTensor2DToMode(1, -1, 0, nullptr), -45.0},
+                      {ZmMathd::StrainTensor2DToMode(-1, -2, 0, nullptr), -116.56505117707799},
+                      {ZmMathd::StrainTensor2DToMode(0, -1, 0, nullptr), -270.0},
+                      {ZmMathd::StrainTensor2DToMode(0, 0, 0, &mode), -90.0},
+                      {mode, -90.0}});
   EXPECT_NEAR(ZmMathf::StrainTensor2DToMode(1, -1, 0, nullptr), -45.0f, 1e-5f);
-
   // Plane states as 3D tensors. (0.2, -0.1, 0): s = (0.2, -3.4e-9, -0.1), major s1, minor s3:
   // atan(-0.5) deg = -26.56505117707799. (-0.05, -0.1, 0): s = (0, -0.05, -0.1): the major
   // value is s2 (|s2| > |s1|), minor s3: atan(2) deg - 180.
   EXPECT_NEAR(ZmMathd::PlaneTensor3DToMode(0.2, -0.1, 0, 0, 0, 0), -26.56505117707799, 1e-6);
   EXPECT_NEAR(ZmMathd::PlaneTensor3DToMode(-0.05, -0.1, 0, 0, 0, 0), -116.56505117707799, 1e-6);
-
   // The dropped value is the one of smallest magnitude; the kept ones are not reordered:
   // s = (0, -0.05, -0.1) with d1 = (0,0,1), d3 = (0,-1,0), d2 = d1 x d3 = (1,0,0); s2 replaces
   // s1, so m1 = -0.05 along x and m2 = -0.1 along -y.
   double m1, m2;
-  ZmVector3d d1, d2;
+  V d1, d2;
   ZmMathd::PlaneTensor3DToVectors3D(-0.05, -0.1, 0, 0, 0, 0, m1, m2, d1, d2);
   EXPECT_NEAR(m1, -0.05, 1e-8);
   EXPECT_NEAR(m2, -0.1, 1e-8);
-  ExpectVector(d1, 1, 0, 0);
-  ExpectVector(d2, 0, -1, 0);
+  EXPECT_EQ(d1, V(1, 0, 0));
+  EXPECT_EQ(d2, V(0, -1, 0));
 }
 
 TEST(Tensors, StrainMeasures) {
   // Logarithmic strain on principal axes; reference: numpy eigh of [[xx, xy], [xy, yy]],
-  // l = 0.5 ln(2 e + 1), rebuilt as V diag(l) V^T.
-  ZmVector3d t(0.1, 0.05, 0.02);
-  ZmMathd::PureStrainTensor2TrueStrainTensor(t);
-  EXPECT_NEAR(t.x, 0.09086635749645543, 1e-15);
-  EXPECT_NEAR(t.y, 0.04734308259007968, 1e-15);
-  EXPECT_NEAR(t.z, 0.0174093099625503, 1e-15);
-  t = ZmVector3d(0.3, -0.2, -0.15);
-  ZmMathd::PureStrainTensor2TrueStrainTensor(t);
-  EXPECT_NEAR(t.x, 0.2182587313036738, 1e-15);
-  EXPECT_NEAR(t.y, -0.28788976497042773, 1e-15);
-  EXPECT_NEAR(t.z, -0.15184454888223042, 1e-15);
-  // No shear: one by one; below -0.5 the logarithm would be undefined and gives 0.
-  t = ZmVector3d(0.0, 0.0, 0.0);
-  ZmMathd::PureStrainTensor2TrueStrainTensor(t);
-  ExpectVector(t, 0, 0, 0);
-  t = ZmVector3d(-0.6, 0.0, 0.0);
-  ZmMathd::PureStrainTensor2TrueStrainTensor(t);
-  ExpectVector(t, 0, 0, 0);
+  // l = 0.5 ln(2 e + 1), rebuilt as V diag(l) V^T. No shear: one by one; below -0.5 the
+  // logarithm would be undefined and gives 0.
+  const V rows[][2] = {{V(0.1, 0.05, 0.02), V(0.09086635749645543, 0.04734308259007968, 0.0174093099625503)},
+                       {V(0.3, -0.2, -0.15), V(0.2182587313036738, -0.28788976497042773, -0.15184454888223042)},
+                       {V(0, 0, 0), V(0, 0, 0)},
+                       {V(-0.6, 0, 0), V(0, 0, 0)}};
+  for (const auto& r : rows) {
+    V t = r[0];
+    ZmMathd::PureStrainTensor2TrueStrainTensor(t);
+    EXPECT_NEAR(t.x, r[1].x, 1e-15);
+    EXPECT_NEAR(t.y, r[1].y, 1e-15);
+    EXPECT_NEAR(t.z, r[1].z, 1e-15);
+  }
   ZmVector3f tf(0.1f, 0.05f, 0.02f);
   ZmMathf::PureStrainTensor2TrueStrainTensor(tf);
   EXPECT_NEAR(tf.x, 0.0908663575f, 2e-7f);
-
   // -ln(0.8) = 0.2231435513142097; the compressive conversion is its inverse.
   EXPECT_NEAR(ZmMathd::EngineerStrain2TrueStrain(0.2), 0.2231435513142097, 1e-16);
   EXPECT_NEAR(ZmMathd::TrueStrain2EngineerStrain(ZmMathd::EngineerStrain2TrueStrain(0.2), 1), 0.2, 1e-15);
   EXPECT_NEAR(ZmMathd::TrueStrain2EngineerStrain(std::log(1.5), 0), 0.5, 1e-15);
   EXPECT_NEAR(ZmMathf::TrueStrain2EngineerStrain(ZmMathf::EngineerStrain2TrueStrain(0.2f), 1), 0.2f, 1e-6f);
-
   // Directional value in 3D: M (1,2,-1) = (3, 4.25, -3.5) for the tensor below, dot = 15.
-  EXPECT_EQ(ZmMathd::ComputeDirectionalTensorValue(1, 2, 3, 0.5, 0.25, -1, ZmVector3d(1, 2, -1)), 15.0);
+  EXPECT_EQ(ZmMathd::ComputeDirectionalTensorValue(1, 2, 3, 0.5, 0.25, -1, V(1, 2, -1)), 15.0);
   EXPECT_EQ(ZmMathf::ComputeDirectionalTensorValue(1, 2, 3, 0.5, 0.25, -1, ZmVector3f(1, 2, -1)), 15.0f);
 }
 
 TEST(Tensors, BadInputPropagatesWithoutCrashing) {
   const double nan = std::nan(""), inf = HUGE_VAL;
   for (double bad : {nan, inf, -inf}) {
-    double s1 = 0, s2 = 0, s3 = 0;
-    ZmVector3d d1, d2, d3;
+    double s1 = 0, s2 = 0, s3 = 0, m1, m2;
+    V d1, d2, d3;
     ZmMathd::Tensor3DToVectors3D(bad, 1, 2, 0.5, 0, 0, &s1, &s2, &s3, &d1, &d2, &d3);
     EXPECT_TRUE(std::isnan(s1) || std::isinf(s1));
-    double m1, m2;
     ZmMathd::PlaneTensor3DToVectors3D(1, bad, 0, 0, 0, 0, m1, m2, d1, d2);
     EXPECT_TRUE(std::isnan(ZmMathd::PlaneTensor3DToMode(1, 2, bad, 0, 0, 0)));
   }
@@ -319,41 +242,38 @@ TEST(Tensors, BadInputPropagatesWithoutCrashing) {
 
 TEST(Tensors, PlaneTensorsInAFrame) {
   const ZmFramed identity;
-  double s1, s2;
-  ZmVector3d d1, d2;
+  // A frame turned a quarter about z (X = (0,1,0), Y = (-1,0,0)).
+  const ZmFramed turned(V(0, 1, 0), V(-1, 0, 0), V(0, 0, 1), ZmPoint3d(5, 5, 5), ZmFrameCartesian);
+  const auto check = [](double xx, double yy, double xy, const ZmFramed& frame, double e1, double e2, const V& v1,
+                        const V& v2) {
+    double s1, s2;
+    V d1, d2;
+    ZmMathd::Tensor2DToVectors3D(xx, yy, xy, frame, &s1, &s2, &d1, &d2);
+    ExpectRows<double>({{s1, e1}, {s2, e2}});
+    ExpectRows<V>({{d1, v1}, {d2, v2}});
+  };
   // Equal principal values: p = q = 0, so both local directions are (0,0,0), replaced by x.
-  ZmMathd::Tensor2DToVectors3D(1, 1, 0, identity, &s1, &s2, &d1, &d2);
-  EXPECT_EQ(s1, 1.0);
-  EXPECT_EQ(s2, 1.0);
-  ExpectVector(d1, 1, 0, 0);
-  ExpectVector(d2, 1, 0, 0);
-  // A frame turned a quarter about z (X = (0,1,0), Y = (-1,0,0)). Tensor (2, 1, 0): s1 = 2
-  // gives p = 1, q = 0, local (1,0,0), global X = (0,1,0); s2 = 1 gives p = 0, q = -1, local
-  // (0,-1,0), global -Y = (1,0,0).
-  const ZmFramed turned(ZmVector3d(0, 1, 0), ZmVector3d(-1, 0, 0), ZmVector3d(0, 0, 1), ZmPoint3d(5, 5, 5),
-                        ZmFrameCartesian);
-  ZmMathd::Tensor2DToVectors3D(2, 1, 0, turned, &s1, &s2, &d1, &d2);
-  EXPECT_EQ(s1, 2.0);
-  EXPECT_EQ(s2, 1.0);
-  ExpectVector(d1, 0, 1, 0);
-  ExpectVector(d2, 1, 0, 0);
+  check(1, 1, 0, identity, 1, 1, V(1, 0, 0), V(1, 0, 0));
+  // Tensor (2, 1, 0) in the turned frame: s1 = 2 gives p = 1, q = 0, local (1,0,0), global
+  // X = (0,1,0); s2 = 1 gives p = 0, q = -1, local (0,-1,0), global -Y = (1,0,0).
+  check(2, 1, 0, turned, 2, 1, V(0, 1, 0), V(1, 0, 0));
   // A nearly isotropic tensor with a tiny shear: the principal axes are the diagonals, but the
   // local direction (1e-7, 1e-7) has a squared length below 1e-12. The plain form falls back to
   // x; the Form variant scales it up and keeps the diagonal (1, 1)/sqrt(2).
+  V d1;
   ZmMathd::Tensor2DToVectors3D(1, 1, 1e-7, identity, nullptr, nullptr, &d1, nullptr);
-  ExpectVector(d1, 1, 0, 0);
+  EXPECT_EQ(d1, V(1, 0, 0));
   ZmMathd::Tensor2DToVectors3DForm(1, 1, 1e-7, identity, nullptr, nullptr, &d1, nullptr);
   EXPECT_NEAR(d1.x, std::sqrt(0.5), 1e-9);
   EXPECT_NEAR(d1.y, std::sqrt(0.5), 1e-9);
   ZmVector3f f1;
   ZmMathf::Tensor2DToVectors3D(2, 1, 0, ZmFramef(turned), nullptr, nullptr, &f1, nullptr);
-  ExpectVector(f1, 0, 1, 0);
-
+  EXPECT_EQ(f1, ZmVector3f(0, 1, 0));
   // Directional value: (u, v) = (1, 1) in the identity frame gives 2 + 2 * 0.5 + 3 = 6; in the
   // turned frame the global (1, 1, 0) reads (1, -1): 2 - 1 + 3 = 4; a direction along the
   // frame's z has u = v = 0 and gives 0 (w is ignored).
-  EXPECT_EQ(ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, ZmVector3d(1, 1, 5), identity), 6.0);
-  EXPECT_EQ(ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, ZmVector3d(1, 1, 0), turned), 4.0);
-  EXPECT_EQ(ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, ZmVector3d(0, 0, 1), identity), 0.0);
-  EXPECT_EQ(ZmMathf::ComputeDirectionalTensorValue(2, 3, 0.5, ZmVector3f(1, 1, 0), ZmFramef(turned)), 4.0f);
+  ExpectRows<double>({{ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, V(1, 1, 5), identity), 6.0},
+                      {ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, V(1, 1, 0), turned), 4.0},
+                      {ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, V(0, 0, 1), identity), 0.0},
+                      {ZmMathf::ComputeDirectionalTensorValue(2, 3, 0.5, ZmVector3f(1, 1, 0), ZmFramef(turned)), 4.0}});
 }

@@ -1,31 +1,20 @@
 // ComputeTransmissibility of ZmMathd / ZmMathf on a known linear system: broadband noise into a
 // single-degree-of-freedom oscillator whose response is computed here, independently of the
 // library, by the exact recursion of its sampled impulse response.
-#include <gtest/gtest.h>
-#include <zemcalc/zemcalc.h>
-
-#include <cmath>
-#include <cwchar>
 #include <random>
-#include <string>
-#include <vector>
+
+#include "math_test_support.h"
+
+using namespace math_test;
 
 namespace {
 
 template <class T>
 class TransmissibilityTwins : public ::testing::Test {};
-using Scalars = ::testing::Types<double, float>;
 TYPED_TEST_SUITE(TransmissibilityTwins, Scalars);
 
 template <class T>
 using Math = ZmMathT<T>;
-template <class T>
-using Curve = WbArrayTempl<ZmPoint2T<T>>;
-
-template <class T>
-T Absent() {
-  return static_cast<T>(-1.0e32f);
-}
 
 constexpr double kPi = 3.141592653589793;
 constexpr double kStep = 1e-3;            // 1 kHz sampling
@@ -87,7 +76,7 @@ TYPED_TEST(TransmissibilityTwins, PeaksAtTheNaturalFrequencyOnEveryRoute) {
   using T = TypeParam;
   Curve<T> input, output;
   NoiseThroughOscillator<T>(16384, input, output);
-  const T absent = Absent<T>();
+  const T absent = T(kMarker);
   for (int method : {Math<T>::TRANSMISSIBILITY_DIRECT, Math<T>::TRANSMISSIBILITY_CIRCULAR_CORRELATION,
                      Math<T>::TRANSMISSIBILITY_LINEAR_CORRELATION, 0}) {
     Curve<T> result;
@@ -125,7 +114,7 @@ TYPED_TEST(TransmissibilityTwins, HandsBackEveryStageWithItsTitleInOrder) {
   // The output raised by 2 and the input starting at 0.5: aligning at 0 adds 0.5 - 2 = -1.5.
   input[0].y = T(0.5);
   for (auto& p : output) p.y = p.y + T(2);
-  const T absent = Absent<T>();
+  const T absent = T(kMarker);
   WbObjectArrayTempl<Curve<T>> curves;
   WbObjectArrayTempl<WbString> titles;
   Curve<T> result, phase;
@@ -151,22 +140,21 @@ TYPED_TEST(TransmissibilityTwins, HandsBackEveryStageWithItsTitleInOrder) {
   // The curves are the stages' own: the fitted output starts at the input's level, the
   // correlations keep the lags from 0 (4096 of 8191), the restrictions stay in range, and the
   // phase difference is the one returned.
-  EXPECT_EQ((*curves[0])[0].y, T(0.5));
-  EXPECT_EQ(curves[1]->GetSize(), 4096u);
-  EXPECT_EQ(curves[3]->GetSize(), 4096u);
-  EXPECT_EQ((*curves[3])[0].x, T(0));
-  EXPECT_EQ(curves[5]->GetSize(), 4096u);
-  EXPECT_EQ((*curves[7])[0].x, T(2));
-  EXPECT_EQ((*curves[7])[curves[7]->GetSize() - 1].x, T(200));
-  EXPECT_EQ(curves[13]->GetSize(), phase.GetSize());
+  ExpectRows<std::uint64_t>({{curves[1]->GetSize(), 4096},
+                             {curves[3]->GetSize(), 4096},
+                             {curves[5]->GetSize(), 4096},
+                             {curves[13]->GetSize(), phase.GetSize()}});
+  ExpectRows<T>({{(*curves[0])[0].y, T(0.5)},
+                 {(*curves[3])[0].x, T(0)},
+                 {(*curves[7])[0].x, T(2)},
+                 {(*curves[7])[curves[7]->GetSize() - 1].x, T(200)}});
   ASSERT_GT(phase.GetSize(), 100u);
   EXPECT_GE(phase[0].x, T(2));
   EXPECT_LE(phase[phase.GetSize() - 1].x, T(200));
   // Each difference is the output phase minus the input phase, both read at its frequency by a
   // search from the first point (curves 11 and 12).
-  for (std::uint64_t k = 0; k < phase.GetSize(); ++k) {
+  for (std::uint64_t k = 0; k < phase.GetSize(); ++k)
     ASSERT_EQ(phase[k].y, ValueAt(*curves[12], phase[k].x) - ValueAt(*curves[11], phase[k].x)) << k;
-  }
   // Resampled at 1 Hz from the first frequency kept.
   ASSERT_GT(result.GetSize(), 100u);
   EXPECT_NEAR(result[1].x - result[0].x, 1.0, 1e-4);
@@ -201,55 +189,47 @@ TYPED_TEST(TransmissibilityTwins, RefusesWhatItCannotCompute) {
   using T = TypeParam;
   Curve<T> input, output;
   NoiseThroughOscillator<T>(1024, input, output);
-  const T absent = Absent<T>();
-  const Curve<T> before = {ZmPoint2T<T>(T(7), T(8))};
-  auto refused = [&](const WbErrObj* error, const wchar_t* message, const Curve<T>& result) {
-    ASSERT_NE(error, nullptr) << std::wstring(message).c_str();
-    EXPECT_STREQ(error->GetMessage(), message);
-    ASSERT_EQ(result.GetSize(), 1u);  // untouched
+  const T absent = T(kMarker);
+  // Arguments: input, output, input start, output start, step, low, method, high, envelope
+  // step, final step, nfft; an error leaves the result untouched.
+  const auto refused = [&](const Curve<T>& in, const Curve<T>& out, T outStart, T step, T low, int method, T high,
+                           T finalStep, std::uint64_t nfft) {
+    Curve<T> result = {ZmPoint2T<T>(T(7), T(8))};
+    const std::wstring message =
+        Message(Math<T>::ComputeTransmissibility(in, out, absent, outStart, step, low, method, high, absent, finalStep,
+                                                 nfft, result, nullptr, nullptr, nullptr));
+    EXPECT_EQ(result.GetSize(), 1u);
     EXPECT_EQ(result[0].y, T(8));
+    return message;
   };
-  Curve<T> result = before;
-  refused(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(0), absent, 1, absent, absent, absent, 0,
-                                           result, nullptr, nullptr, nullptr),
-          L"Unable to sample points of input signal with shift=0", result);
-  refused(Math<T>::ComputeTransmissibility(input, Curve<T>(), absent, T(0.25), T(kStep), absent, 1, absent, absent,
-                                           absent, 0, result, nullptr, nullptr, nullptr),
-          L"Unable to sample points of output signal from abscissa 0.25 with shift=0.001", result);
-  refused(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), T(5000), 1, T(6000), absent, absent,
-                                           0, result, nullptr, nullptr, nullptr),
-          L"No input signal frequencies in given range", result);
   // ComputeFFT's errors pass through: a length that is not a power of two, and too few samples.
-  refused(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), absent, 1, absent, absent, absent,
-                                           100, result, nullptr, nullptr, nullptr),
-          L"FFT length 100 is not a power of two between 1 and 4294967296. Can't compute FFT", result);
-  const Curve<T> twoPoints = {ZmPoint2T<T>(T(0), T(1)), ZmPoint2T<T>(T(kStep), T(2))};
-  refused(Math<T>::ComputeTransmissibility(twoPoints, twoPoints, absent, absent, T(kStep), absent, 1, absent, absent,
-                                           absent, 0, result, nullptr, nullptr, nullptr),
-          L"Less than 3 points in the window. Can't compute FFT", result);
   // Work beyond the stated bounds is refused before it starts: a 2-point curve sampled a
-  // billion times, an output too long for a correlation route, nfft, the final step.
-  refused(Math<T>::ComputeTransmissibility(twoPoints, twoPoints, absent, absent, T(1e-9), absent, 1, absent, absent,
-                                           absent, 0, result, nullptr, nullptr, nullptr),
-          L"Sampling of input signal at step 1e-09 gives more than 262144 points", result);
-  Curve<T> longOutput = output;
+  // billion times, an output too long for a correlation route, nfft, the final step. A silent
+  // input has no spectrum to divide by.
+  const Curve<T> twoPoints = {ZmPoint2T<T>(T(0), T(1)), ZmPoint2T<T>(T(kStep), T(2))};
+  Curve<T> longOutput = output, silent = input;
   longOutput.Add(ZmPoint2T<T>(T(400), T(0)));
-  refused(Math<T>::ComputeTransmissibility(input, longOutput, absent, absent, T(0.01), absent, 2, absent, absent,
-                                           absent, 0, result, nullptr, nullptr, nullptr),
-          L"Sampling of output signal at step 0.01 gives more than 32768 points", result);
-  refused(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), absent, 1, absent, absent, absent,
-                                           1u << 19, result, nullptr, nullptr, nullptr),
-          L"FFT length 524288 is larger than 262144", result);
-  refused(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), absent, 1, absent, absent,
-                                           T(1e-9), 0, result, nullptr, nullptr, nullptr),
-          L"Sampling of the transmissibility at step 1e-09 gives more than 262144 points", result);
-  // A silent input has no spectrum to divide by.
-  Curve<T> silent = input;
   for (auto& p : silent) p.y = 0;
-  refused(Math<T>::ComputeTransmissibility(silent, output, absent, absent, T(kStep), absent, 1, absent, absent, absent,
-                                           0, result, nullptr, nullptr, nullptr),
-          L"Unable to form the transmissibility: no input envelope value at the output envelope frequencies", result);
-
+  const T a = absent, step = T(kStep);
+  ExpectRows<std::wstring>({
+      {refused(input, output, a, T(0), a, 1, a, a, 0), L"Unable to sample points of input signal with shift=0"},
+      {refused(input, Curve<T>(), T(0.25), step, a, 1, a, a, 0),
+       L"Unable to sample points of output signal from abscissa 0.25 with shift=0.001"},
+      {refused(input, output, a, step, T(5000), 1, T(6000), a, 0), L"No input signal frequencies in given range"},
+      {refused(input, output, a, step, a, 1, a, a, 100),
+       L"FFT length 100 is not a power of two between 1 and 4294967296. Can't compute FFT"},
+      {refused(twoPoints, twoPoints, a, step, a, 1, a, a, 0), L"Less than 3 points in the window. Can't compute FFT"},
+      {refused(twoPoints, twoPoints, a, T(1e-9), a, 1, a, a, 0),
+       L"Sampling of input signal at step 1e-09 gives more than 262144 points"},
+      {refused(input, longOutput, a, T(0.01), a, 2, a, a, 0),
+       L"Sampling of output signal at step 0.01 gives more than 32768 points"},
+      {refused(input, output, a, step, a, 1, a, a, 1u << 19), L"FFT length 524288 is larger than 262144"},
+      {refused(input, output, a, step, a, 1, a, T(1e-9), 0),
+       L"Sampling of the transmissibility at step 1e-09 gives more than 262144 points"},
+      {refused(silent, output, a, step, a, 1, a, a, 0),
+       L"Unable to form the transmissibility: no input envelope value at the output envelope frequencies"},
+  });
+  Curve<T> result = {ZmPoint2T<T>(T(7), T(8))};
   // A final step that cannot sample empties the result, without an error.
   ASSERT_EQ(Math<T>::ComputeTransmissibility(input, output, absent, absent, T(kStep), absent, 1, absent, absent, T(-1),
                                              0, result, nullptr, nullptr, nullptr),
