@@ -157,11 +157,15 @@ TEST(MovingAverage, RefusalsLeaveTheCopyAndOneTapCopies) {
       {mva(9, 3), in, L"Not enough points to filter"},  // h = 4 > N = 3
       {mva(3, 2), empty, L"Not enough points to filter"},
       {std::make_shared<ZmFilterMVAd>(3, static_cast<Extrapolation>(7)), in, L"Unknown extrapolation type 7"},
-      {mva(1, 0), in, L"<success>"},
-      {mva(1, 0), empty, L"<success>"},
   };
   for (const auto& r : rows) EXPECT_EQ(Refusal(*r.filter, r.in), r.message);
   EXPECT_EQ(Refusal(ZmFilterMVAf(3, 7), Curve<float>({1, 2, 3})), L"Unknown extrapolation type 7");
+  // One tap copies the curve, an empty one too.
+  WbArrayTempl<ZmPoint2d> out;
+  ASSERT_EQ(ZmFilterMVAd(1, 0).Compute(in, out), nullptr);
+  EXPECT_TRUE(SameCurve(out, in));
+  ASSERT_EQ(ZmFilterMVAd(1, 0).Compute(empty, out), nullptr);
+  EXPECT_EQ(out.GetSize(), 0u);
 }
 
 TEST(MovingAverage, FilteringIntoTheInputAndCopies) {
