@@ -2,6 +2,7 @@
 
 // Curves and checks shared by the filter tests.
 #include <wbcore/WbError.h>
+#include <zemcalc/ZmPoint2.h>
 
 #include <cmath>
 #include <cstdint>
@@ -9,8 +10,6 @@
 #include <string>
 #include <type_traits>
 #include <vector>
-
-#include <zemcalc/ZmPoint2.h>
 
 namespace filter_test {
 
