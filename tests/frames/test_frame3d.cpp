@@ -1,11 +1,10 @@
 // The array-based frame: three points, the homogeneous matrix, points, vectors and tensors
 // both ways, in place, and null pointers.
 #include <gtest/gtest.h>
+#include <zemcalc/zemcalc.h>
 
 #include <random>
 #include <type_traits>
-
-#include <zemcalc/zemcalc.h>
 
 #include "frames/frame_test_support.h"
 
@@ -15,7 +14,7 @@ using frame_test::Near;
 
 // Exposes the protected axis builder.
 class ProbeFrame3D : public ZmFrame3D {
-public:
+ public:
   using ZmFrame3D::CreateFrom3Point;
 };
 

@@ -1,12 +1,11 @@
 // Typed frames in motion: rotations, the relations to another frame, the round trips of every
 // conversion on random frames in both twins, the twins against each other, and bad input.
 #include <gtest/gtest.h>
+#include <zemcalc/zemcalc.h>
 
 #include <cmath>
 #include <limits>
 #include <random>
-
-#include <zemcalc/zemcalc.h>
 
 #include "frames/frame_test_support.h"
 
@@ -278,8 +277,7 @@ TYPED_TEST(FrameMotionTwins, RoundTripsOnRandomFrames) {
     const double t = sign(rng) < 0 ? -theta(rng) : theta(rng);
     const P local = type == ZmFrameCartesian ? RandomPoint<T>(rng, 20)
                                              : P(radius(rng), t, type == ZmFrameSpherical ? phi(rng) : sign(rng) * 20);
-    EXPECT_TRUE(Near(frame.GlobalToLocal(frame.LocalToGlobal(local)), local, canonical))
-        << "trial " << trial;
+    EXPECT_TRUE(Near(frame.GlobalToLocal(frame.LocalToGlobal(local)), local, canonical)) << "trial " << trial;
   }
 }
 

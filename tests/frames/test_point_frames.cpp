@@ -1,10 +1,9 @@
 // The frames of planes and point clouds, and the 2D coordinates of a point in a plane.
 #include <gtest/gtest.h>
+#include <zemcalc/zemcalc.h>
 
 #include <cmath>
 #include <limits>
-
-#include <zemcalc/zemcalc.h>
 
 #include "frames/frame_test_support.h"
 
