@@ -280,11 +280,41 @@ TYPED_TEST(FrameTwins, CylindricalAndSphericalEdges) {
   EXPECT_NEAR(nearPole.z, 90, 1e-4);
 }
 
-TYPED_TEST(FrameTwins, UnknownTypeGivesTheInvalidPoint) {
+// Exposes the protected type conversions.
+template <class T>
+class ProbeFrame : public ZmFrameT<T> {
+ public:
+  using ZmFrameT<T>::ZmFrameT;
+  using ZmFrameT<T>::ConvertCartesianCoord;
+  using ZmFrameT<T>::GetCartesianCoord;
+};
+
+TYPED_TEST(FrameTwins, ProtectedTypeConversions) {
   using T = TypeParam;
-  const ZmFrameT<T> unknown(ZmPoint3T<T>(0, 0, 0), ZmVector3T<T>(0, 0, 1), static_cast<ZmFrameType>(5));
-  EXPECT_FALSE(unknown.GlobalToLocal(ZmPoint3T<T>(1, 2, 3)).IsValid());
-  EXPECT_FALSE(unknown.LocalToGlobal(ZmVector3T<T>(1, 2, 3)).IsValid());
+  using P = ZmPoint3T<T>;
+  using V = ZmVector3T<T>;
+  const ProbeFrame<T> cylinder(P(9, 9, 9), V(0, 0, 1), ZmFrameCylindrical);
+  P point;
+  V vector;
+  T x = 7, y = 7, z = 7;
+  EXPECT_EQ(cylinder.ConvertCartesianCoord(T(0), T(-2), T(4), point), 1);
+  EXPECT_EQ(point, P(2, -90, 4));  // the origin plays no part
+  EXPECT_EQ(cylinder.ConvertCartesianCoord(T(-3), T(0), T(1), vector), 1);
+  EXPECT_EQ(vector, V(3, 180, 1));
+  EXPECT_EQ(cylinder.GetCartesianCoord(P(2, 180, 4), x, y, z), 1);
+  EXPECT_TRUE(Near(P(x, y, z), P(-2, 0, 4), 1e-6));
+  EXPECT_EQ(z, T(4));
+  // An unknown type writes nothing; the public conversions give the invalid point.
+  const ProbeFrame<T> unknown(P(0, 0, 0), V(0, 0, 1), static_cast<ZmFrameType>(5));
+  EXPECT_EQ(unknown.ConvertCartesianCoord(T(1), T(2), T(3), point), 0);
+  EXPECT_EQ(unknown.ConvertCartesianCoord(T(1), T(2), T(3), vector), 0);
+  EXPECT_EQ(unknown.GetCartesianCoord(V(1, 1, 1), x, y, z), 0);
+  EXPECT_EQ(unknown.GetCartesianCoord(P(1, 1, 1), x, y, z), 0);
+  EXPECT_EQ(point, P(2, -90, 4));
+  EXPECT_EQ(vector, V(3, 180, 1));
+  EXPECT_EQ(z, T(4));
+  EXPECT_FALSE(unknown.GlobalToLocal(P(1, 2, 3)).IsValid());
+  EXPECT_FALSE(unknown.LocalToGlobal(V(1, 2, 3)).IsValid());
 }
 
 }  // namespace
