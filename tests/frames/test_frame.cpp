@@ -254,19 +254,22 @@ TYPED_TEST(FrameTwins, CylindricalAndSphericalEdges) {
   using P = ZmPoint3T<T>;
   const ZmFrameT<T> cylinder(P(1, 2, 3), ZmVector3T<T>(0, 0, 1), ZmFrameCylindrical);
   const ZmFrameT<T> sphere(P(0, 0, 0), ZmVector3T<T>(0, 0, 1), ZmFrameSpherical);
-  const T tiny = T(5e-7);
+  const ZmFrameT<T> axis(P(0, 0, 0), ZmVector3T<T>(0, 0, 1), ZmFrameCylindrical);
+  const T tiny = T(5e-7), small = T(1e-6f);
   // Cylinder, relative (0, -1, 5): r = 1, theta = -acos(0) * 57.29577951308232 = -90 exactly.
   // On the axis, and within 1e-6 of it, theta is 0. The negative X side with y = +0 is +180
   // (theta negated only for y < 0). Sphere: the polar axis has no azimuth (cos phi is a
-  // rounding residue there); below 1e-6 both angles are 0; (0, -3, 0): rho 3, theta -90.
+  // rounding residue there); below 1e-6 both angles are 0; (0, -3, 0): rho 3, theta -90. A
+  // radius of exactly 1e-6f (sqrt(y * y) = |y|) still has its direction.
   const struct {
     const ZmFrameT<T>& frame;
     P global, local;
     double tol;
   } rows[] = {
-      {cylinder, P(1, 1, 8), P(1, -90, 5), 0},  {cylinder, P(1, 2, -4), P(0, 0, -7), 0},
-      {cylinder, P(-1, 2, 3), P(2, 180, 0), 0}, {sphere, P(0, 0, 5), P(5, 0, 90), 0},
-      {sphere, P(0, 0, -5), P(5, 0, -90), 0},   {sphere, P(0, -3, 0), P(3, -90, 0), 1e-5},
+      {cylinder, P(1, 1, 8), P(1, -90, 5), 0},      {cylinder, P(1, 2, -4), P(0, 0, -7), 0},
+      {cylinder, P(-1, 2, 3), P(2, 180, 0), 0},     {sphere, P(0, 0, 5), P(5, 0, 90), 0},
+      {sphere, P(0, 0, -5), P(5, 0, -90), 0},       {sphere, P(0, -3, 0), P(3, -90, 0), 1e-5},
+      {axis, P(0, -small, 0), P(small, -90, 0), 0}, {sphere, P(0, -small, 0), P(small, -90, 0), 0},
   };
   for (const auto& r : rows) EXPECT_TRUE(Near(r.frame.GlobalToLocal(r.global), r.local, r.tol)) << &r - rows;
   EXPECT_TRUE(Near(cylinder.LocalToGlobal(P(2, 90, 1)), P(1, 4, 4), 1e-6));
@@ -278,6 +281,9 @@ TYPED_TEST(FrameTwins, CylindricalAndSphericalEdges) {
   const P nearPole = sphere.GlobalToLocal(P(T(1e-12), 0, 1));
   EXPECT_EQ(nearPole.y, T(0));
   EXPECT_NEAR(nearPole.z, 90, 1e-4);
+  // And below -1 on the other side, in double: rho = 1, phi = asin(1), rho cos phi =
+  // 6.123233995736766e-17, so x = -9.18e-17 gives the cosine -1.4992, clamped: theta 180.
+  EXPECT_EQ(ZmFramed(sphere).GlobalToLocal(ZmPoint3d(-9.18e-17, 0, 1)).y, 180.0);
 }
 
 // Exposes the protected type conversions.

@@ -44,12 +44,14 @@ TYPED_TEST(FrameMotionTwins, Rotations) {
   EXPECT_TRUE(Near(frame.GetOrigin(), P(0, 1, 0), 1e-6));
   EXPECT_EQ(frame.GetMatrix(), Rows<T>(-1, 0, 0, 0, -1, 0, 0, 0, 1));
   // Axes that cannot be normalised (RotationMatrix would turn about Z for the tiny one), a NaN
-  // angle or an unusable centre change nothing.
+  // angle or an unusable centre change nothing, each on its own.
   const ZmFrameT<T> before(frame);
   EXPECT_EQ(frame.Rotate(V(0, 0, 0), T(30)), 0);
   EXPECT_EQ(frame.Rotate(V(T(5e-7), 0, 0), T(30)), 0);
   EXPECT_EQ(frame.Rotate(V(1, 0, 0), nan), 0);
   EXPECT_EQ(frame.Rotate(P(WbCoord3DT<T>::INVALID), V(1, 0, 0), T(30)), 0);
+  EXPECT_EQ(frame.Rotate(P(0, 0, 5), V(T(5e-7), 0, 0), T(30)), 0);
+  EXPECT_EQ(frame.Rotate(P(0, 0, 5), V(1, 0, 0), nan), 0);
   EXPECT_EQ(frame, before);
   // Own axes in the order X, then the new Y, then the new Z: (90, 90, 0) from the identity is
   // M = Rx(90) Ry(90), rows (0,0,1), (1,0,0), (0,1,0). The invalid marker counts as no angle;
