@@ -96,6 +96,7 @@ TEST(SlidingWindow, ExactMeans) {
       {{2}, {3}, 1, 0.5, 2, {3}, false},
       {{2}, {3}, 1, 0.5, 3, {3}, false},
       {{0, 1, 1, 2}, {0, 0, 1, 1}, 1, 0.5, 1, {0, 0.5, 0.5, 1}, false},
+      {{0, 1, 1}, {0, 0, 1}, 1, 0.5, 2, {0, 0.5, 0.5}, false},  // a last segment of no length has no slope
       {{}, {}, 1, 0.5, 1, {}, false},
   };
   for (const auto& r : rows) {

@@ -99,6 +99,9 @@ TEST(MovingAverage, OutputsOfEachWindowAndPadding) {
       // = -2 + i does not: out[8] = (6 + 7 + 8 + 9 - 2) / 5, out[9] = (7 + 8 + 9 - 2 - 1) / 5.
       {5, 2, {}, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, {0.0, 1.0000000149011612, 7.000000104308128}, {0, 1, 7}},
       {5, 2, {}, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, {5.600000083446503, 4.200000062584877}, {8, 9}},
+      // Two points: b = -1 | 1, 3 | -1 (2*1 - 3 on the left; 2*1 - 1*3 at position 0 on the right),
+      // so both outputs are 2c + c = 3c, c the float 1/3.
+      {3, 2, {}, {1, 3}, {one, one}},
       // 7 taps on three points (h = N is enough) reflect every point once; run([1, 2, 4], mva(7), 7, 3).
       {7, 3, {}, {1, 2, 4}, {1.428571492433548, 2.5714286863803864, 3.57142873108387}},
       // Kernel 1, 2, 2, 2, 1: a constant 1 becomes 8; run([1..6], [1, 2, 2], 5, 1, float64).
