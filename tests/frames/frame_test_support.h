@@ -2,12 +2,11 @@
 
 // Shared helpers of the frame tests: component-wise closeness and random orthonormal frames.
 #include <gtest/gtest.h>
+#include <zemcalc/zemcalc.h>
 
 #include <algorithm>
 #include <cmath>
 #include <random>
-
-#include <zemcalc/zemcalc.h>
 
 namespace frame_test {
 
@@ -31,10 +30,21 @@ template <class A, class B>
   for (int i = 0; i < 3; ++i) {
     for (int j = 0; j < 3; ++j) {
       if (!(std::fabs(double(a[i][j]) - double(b[i][j])) <= tol)) {
-        return ::testing::AssertionFailure() << "coefficient (" << i << ", " << j << "): " << double(a[i][j]) << " vs "
-                                             << double(b[i][j]);
+        return ::testing::AssertionFailure()
+               << "coefficient (" << i << ", " << j << "): " << double(a[i][j]) << " vs " << double(b[i][j]);
       }
     }
+  }
+  return ::testing::AssertionSuccess();
+}
+
+// The axes (columns) of a frame are x, y and z within tol (0: exactly).
+template <class F, class V>
+::testing::AssertionResult HasAxes(const F& frame, const V& x, const V& y, const V& z, double tol) {
+  const V expected[3] = {x, y, z};
+  for (int j = 0; j < 3; ++j) {
+    const auto result = Near(frame.GetVector(j), expected[j], tol);
+    if (!result) return ::testing::AssertionFailure() << "axis " << j << ", " << result.message();
   }
   return ::testing::AssertionSuccess();
 }

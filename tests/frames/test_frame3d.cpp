@@ -1,11 +1,10 @@
 // The array-based frame: three points, the homogeneous matrix, points, vectors and tensors
 // both ways, in place, and null pointers.
 #include <gtest/gtest.h>
+#include <zemcalc/zemcalc.h>
 
 #include <random>
 #include <type_traits>
-
-#include <zemcalc/zemcalc.h>
 
 #include "frames/frame_test_support.h"
 
@@ -15,67 +14,59 @@ using frame_test::Near;
 
 // Exposes the protected axis builder.
 class ProbeFrame3D : public ZmFrame3D {
-public:
+ public:
   using ZmFrame3D::CreateFrom3Point;
 };
 
-TEST(Frame3D, IsPolymorphicAndStartsAsTheIdentity) {
-  static_assert(std::is_polymorphic<ZmFrame3D>::value && std::has_virtual_destructor<ZmFrame3D>::value, "");
-  const ZmFrame3D frame;
-  double m[4][4];
-  frame.GetMatrix(m);
+// The origin and the axes read through the array accessors are o, x, y and z within tol.
+::testing::AssertionResult Is(const ZmFrame3D& frame, const ZmPoint3d& o, const ZmVector3d& x, const ZmVector3d& y,
+                              const ZmVector3d& z, double tol) {
+  double read[4][3];
+  frame.GetOrigin(read[0]);
+  frame.GetXAxis(read[1]);
+  frame.GetYAxis(read[2]);
+  frame.GetZAxis(read[3]);
+  const ZmVector3d expected[4] = {ZmVector3d(o), x, y, z};
   for (int i = 0; i < 4; ++i) {
-    for (int j = 0; j < 4; ++j) EXPECT_EQ(m[i][j], i == j ? 1.0 : 0.0) << i << ", " << j;
+    const auto result = Near(ZmVector3d(read[i]), expected[i], tol);
+    if (!result) return ::testing::AssertionFailure() << (i ? "axis " : "origin ") << i << ", " << result.message();
   }
+  return ::testing::AssertionSuccess();
 }
 
-TEST(Frame3D, ThreePoints) {
+// A quarter turn about Z (columns X = (0,1,0), Y = (-1,0,0)) and a translation.
+ZmFrame3D QuarterTurn(const ZmVector3d& origin) {
+  return ZmFrame3D(ZmMatrix4d(ZmMatrix3d(0, -1, 0, 1, 0, 0, 0, 0, 1), origin));
+}
+
+TEST(Frame3D, DefaultAndThreePoints) {
+  static_assert(std::is_polymorphic<ZmFrame3D>::value && std::has_virtual_destructor<ZmFrame3D>::value, "");
+  double m[4][4];
+  ZmFrame3D().GetMatrix(m);
+  for (int i = 0; i < 16; ++i) EXPECT_EQ(m[i / 4][i % 4], i % 5 == 0 ? 1.0 : 0.0) << i;
+  const ZmVector3d x(1, 0, 0), y(0, 1, 0), z(0, 0, 1), zero(0, 0, 0);
   double p0[3] = {0, 0, 0}, p1[3] = {2, 0, 0}, p2[3] = {0, 3, 0};
-  const ZmFrame3D frame(p0, p1, p2);
-  double x[3], y[3], z[3], o[3];
-  frame.GetXAxis(x);
-  frame.GetYAxis(y);
-  frame.GetZAxis(z);
-  frame.GetOrigin(o);
-  EXPECT_EQ(ZmVector3d(x), ZmVector3d(1, 0, 0));
-  EXPECT_EQ(ZmVector3d(y), ZmVector3d(0, 1, 0));
-  EXPECT_EQ(ZmVector3d(z), ZmVector3d(0, 0, 1));
-  EXPECT_EQ(ZmPoint3d(o), ZmPoint3d(0, 0, 0));
+  EXPECT_TRUE(Is(ZmFrame3D(p0, p1, p2), ZmPoint3d(0, 0, 0), x, y, z, 0));
   // e = (1, 2, 2), b = (-1, 1, 4) from (1, 1, 1): X = e/3, Z = unit(e x b) = (6, -6, 3)/9,
   // Y = Z x X = (-2, -1, 2)/3.
   double q0[3] = {1, 1, 1}, q1[3] = {2, 3, 3}, q2[3] = {0, 2, 5};
-  const ZmFrame3D tilted(q0, q1, q2);
-  tilted.GetYAxis(y);
-  tilted.GetZAxis(z);
-  tilted.GetOrigin(o);
-  EXPECT_TRUE(Near(ZmVector3d(y), ZmVector3d(-2.0 / 3, -1.0 / 3, 2.0 / 3), 1e-15));
-  EXPECT_TRUE(Near(ZmVector3d(z), ZmVector3d(2.0 / 3, -2.0 / 3, 1.0 / 3), 1e-15));
-  EXPECT_EQ(ZmPoint3d(o), ZmPoint3d(1, 1, 1));
+  EXPECT_TRUE(Is(ZmFrame3D(q0, q1, q2), ZmPoint3d(1, 1, 1), ZmVector3d(1.0 / 3, 2.0 / 3, 2.0 / 3),
+                 ZmVector3d(-2.0 / 3, -1.0 / 3, 2.0 / 3), ZmVector3d(2.0 / 3, -2.0 / 3, 1.0 / 3), 1e-15));
   // The builder leaves the origin alone; collinear points leave Z (and so Y) zero.
   ProbeFrame3D probe;
   probe.CreateFrom3Point(ZmPoint3d(5, 5, 5), ZmPoint3d(6, 5, 5), ZmPoint3d(7, 5, 5));
-  probe.GetOrigin(o);
-  probe.GetZAxis(z);
-  probe.GetYAxis(y);
-  EXPECT_EQ(ZmPoint3d(o), ZmPoint3d(0, 0, 0));
-  EXPECT_EQ(ZmVector3d(z), ZmVector3d(0, 0, 0));
-  EXPECT_EQ(ZmVector3d(y), ZmVector3d(0, 0, 0));
+  EXPECT_TRUE(Is(probe, ZmPoint3d(0, 0, 0), x, zero, zero, 0));
 }
 
 TEST(Frame3D, HomogeneousMatrix) {
-  // Translation (1, 2, 3) and a quarter turn about Z (columns X = (0,1,0), Y = (-1,0,0)).
+  // Translation (1, 2, 3) and a quarter turn about Z.
   const ZmMatrix4d m(0, -1, 0, 1,  //
                      1, 0, 0, 2,   //
                      0, 0, 1, 3,   //
                      7, 7, 7, 7);  // the last row is ignored
   ZmFrame3D frame;
   frame.SetMatrix(m);
-  double origin[3] = {0, 0, 0}, global[3];
-  frame.PointLocalToGlobal(origin, global);
-  EXPECT_EQ(ZmPoint3d(global), ZmPoint3d(1, 2, 3));
-  double local[3] = {1, 0, 0};
-  frame.PointLocalToGlobal(local);  // in place: (1, 2, 3) + X
-  EXPECT_EQ(ZmPoint3d(local), ZmPoint3d(1, 3, 3));
+  EXPECT_TRUE(Is(frame, ZmPoint3d(1, 2, 3), ZmVector3d(0, 1, 0), ZmVector3d(-1, 0, 0), ZmVector3d(0, 0, 1), 0));
   double back[4][4];
   ZmFrame3D(m).GetMatrix(back);
   EXPECT_EQ(back[0][1], -1.0);
@@ -88,49 +79,54 @@ TEST(Frame3D, HomogeneousMatrix) {
   // SetAxes takes rows first and does not re-orthonormalise.
   const double skew[3][3] = {{1, 2, 0}, {0, 1, 0}, {0, 0, 1}};
   frame.SetAxes(skew);
-  double x[3], y[3];
-  frame.GetXAxis(x);
-  frame.GetYAxis(y);
-  EXPECT_EQ(ZmVector3d(x), ZmVector3d(1, 0, 0));
-  EXPECT_EQ(ZmVector3d(y), ZmVector3d(2, 1, 0));
+  EXPECT_TRUE(Is(frame, ZmPoint3d(1, 2, 3), ZmVector3d(1, 0, 0), ZmVector3d(2, 1, 0), ZmVector3d(0, 0, 1), 0));
 }
 
 TEST(Frame3D, PointsAndVectorsBothWays) {
-  // X = (0,1,0), Y = (-1,0,0), Z = (0,0,1), origin (1, 2, 3).
-  ZmFrame3D frame(ZmMatrix4d(ZmMatrix3d(0, -1, 0, 1, 0, 0, 0, 0, 1), ZmVector3d(1, 2, 3)));
-  double p[3] = {2, 2, 3}, out[3];
-  frame.PointGlobalToLocal(p, out);  // R^T (1, 0, 0) = (0, -1, 0)
-  EXPECT_EQ(ZmPoint3d(out), ZmPoint3d(0, -1, 0));
-  double v[3] = {1, 0, 5};
-  frame.VectorGlobalToLocal(v, out);
-  EXPECT_EQ(ZmVector3d(out), ZmVector3d(0, -1, 5));
-  frame.VectorLocalToGlobal(out);
-  EXPECT_EQ(ZmVector3d(out), ZmVector3d(1, 0, 5));
-  frame.PointGlobalToLocal(p);
-  frame.PointLocalToGlobal(p, p);
-  EXPECT_EQ(ZmPoint3d(p), ZmPoint3d(2, 2, 3));
+  // Origin (1, 2, 3): the point (2, 2, 3) is R^T (1, 0, 0) = (0, -1, 0) locally; the local
+  // point (1, 0, 0) is (1, 2, 3) + X = (1, 3, 3) globally; vectors ignore the origin.
+  const ZmFrame3D frame = QuarterTurn(ZmVector3d(1, 2, 3));
+  const struct {
+    void (ZmFrame3D::*convert)(const double*, double*) const;
+    ZmVector3d in, out;
+  } rows[] = {
+      {&ZmFrame3D::PointGlobalToLocal, {2, 2, 3}, {0, -1, 0}},
+      {&ZmFrame3D::PointLocalToGlobal, {0, 0, 0}, {1, 2, 3}},
+      {&ZmFrame3D::PointLocalToGlobal, {1, 0, 0}, {1, 3, 3}},
+      {&ZmFrame3D::VectorGlobalToLocal, {1, 0, 5}, {0, -1, 5}},
+      {&ZmFrame3D::VectorLocalToGlobal, {0, -1, 5}, {1, 0, 5}},
+  };
+  for (const auto& r : rows) {
+    double in[3] = {r.in.x, r.in.y, r.in.z}, out[3] = {7, 7, 7};
+    (frame.*r.convert)(in, out);
+    (frame.*r.convert)(in, in);  // in place
+    EXPECT_EQ(ZmVector3d(out), r.out) << &r - rows;
+    EXPECT_EQ(ZmVector3d(in), r.out) << &r - rows;
+  }
   // Null pointers and bad axis indexes do nothing.
-  frame.PointGlobalToLocal(nullptr, out);
-  frame.VectorLocalToGlobal(v, nullptr);
-  frame.GetOrigin(nullptr);
-  frame.SetXAxis(nullptr);
-  frame.GetMatrix(nullptr);
-  frame.Tensor2GlobalToLocal(nullptr);
+  double v[3] = {1, 0, 5}, out[3] = {1, 0, 5};
+  ZmFrame3D copy(frame);
+  copy.PointGlobalToLocal(nullptr, out);
+  copy.VectorLocalToGlobal(v, nullptr);
+  copy.GetOrigin(nullptr);
+  copy.SetXAxis(nullptr);
+  copy.GetMatrix(nullptr);
+  copy.Tensor2GlobalToLocal(nullptr);
   EXPECT_EQ(ZmVector3d(out), ZmVector3d(1, 0, 5));
+  EXPECT_TRUE(Is(copy, ZmPoint3d(1, 2, 3), ZmVector3d(0, 1, 0), ZmVector3d(-1, 0, 0), ZmVector3d(0, 0, 1), 0));
 }
 
 TEST(Frame3D, TensorsTurnWithTheAxes) {
   // R^T T R with X = (0,1,0), Y = (-1,0,0): T'_ij = axis_i . T axis_j, so diag(1, 2, 3)
   // becomes diag(2, 1, 3) and the shear T_xz = 4 becomes T'_yz = -4.
-  ZmFrame3D frame(ZmMatrix4d(ZmMatrix3d(0, -1, 0, 1, 0, 0, 0, 0, 1), ZmVector3d(9, 9, 9)));
+  const ZmFrame3D frame = QuarterTurn(ZmVector3d(9, 9, 9));
   const double t[3][3] = {{1, 0, 4}, {0, 2, 0}, {4, 0, 3}};
   double local[3][3];
   frame.Tensor2GlobalToLocal(t, local);
   const double expected[3][3] = {{2, 0, 0}, {0, 1, -4}, {0, -4, 3}};
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) EXPECT_EQ(local[i][j], expected[i][j]) << i << ", " << j;
-  }
-  // Round trip on a random orthonormal frame and a random symmetric tensor, in place.
+  for (int i = 0; i < 9; ++i) EXPECT_EQ(local[i / 3][i % 3], expected[i / 3][i % 3]) << i;
+  // Round trip on a random orthonormal frame and a random symmetric tensor, in place; the
+  // trace is invariant.
   std::mt19937 rng(5);
   std::uniform_real_distribution<double> value(-100, 100);
   const ZmFramed random = frame_test::RandomFrame<double>(rng, ZmFrameCartesian);
@@ -141,10 +137,7 @@ TEST(Frame3D, TensorsTurnWithTheAxes) {
   }
   turned.Tensor2LocalToGlobal(tensor);
   turned.Tensor2GlobalToLocal(tensor);
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) EXPECT_NEAR(tensor[i][j], original[i][j], 1e-12);
-  }
-  // The trace is invariant.
+  for (int i = 0; i < 9; ++i) EXPECT_NEAR(tensor[i / 3][i % 3], original[i / 3][i % 3], 1e-12);
   turned.Tensor2LocalToGlobal(original, tensor);
   EXPECT_NEAR(tensor[0][0] + tensor[1][1] + tensor[2][2], original[0][0] + original[1][1] + original[2][2], 1e-12);
 }

@@ -1,15 +1,15 @@
 // The frames of planes and point clouds, and the 2D coordinates of a point in a plane.
 #include <gtest/gtest.h>
+#include <zemcalc/zemcalc.h>
 
 #include <cmath>
 #include <limits>
-
-#include <zemcalc/zemcalc.h>
 
 #include "frames/frame_test_support.h"
 
 namespace {
 
+using frame_test::HasAxes;
 using frame_test::Near;
 
 template <class T>
@@ -33,8 +33,7 @@ TYPED_TEST(PointFrameTwins, PlaneFrameFollowsTheNormalAndTheXAxisPoint) {
   plane.SetXAxisPoint(P(4, 5, 10));
   ASSERT_EQ(plane.GetFrame(frame), 1);
   const double s = std::sqrt(0.5);
-  EXPECT_TRUE(Near(frame.GetVector(0), V(s, s, 0), 1e-7));
-  EXPECT_TRUE(Near(frame.GetVector(1), V(-s, s, 0), 1e-7));
+  EXPECT_TRUE(HasAxes(frame, V(s, s, 0), V(-s, s, 0), V(0, 0, 1), 1e-7));
   EXPECT_EQ(frame.GetVector(2), V(0, 0, 1));
   // A point on the normal through the origin leaves no direction: the completion again.
   plane.SetXAxisPoint(P(1, 2, 10));
@@ -86,9 +85,7 @@ TYPED_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
   ZmExtents3T<T> box;
   ASSERT_EQ(P::ComputePointsCloudLocalFrame(cloud, frame, &box), 1);
   EXPECT_TRUE(Near(frame.GetOrigin(), P(10, -5, 2), 1e-5));
-  EXPECT_TRUE(Near(frame.GetVector(0), V(c, s, 0), 1e-6));
-  EXPECT_TRUE(Near(frame.GetVector(1), V(-s, c, 0), 1e-6));
-  EXPECT_TRUE(Near(frame.GetVector(2), V(0, 0, 1), 1e-6));
+  EXPECT_TRUE(HasAxes(frame, V(c, s, 0), V(-s, c, 0), V(0, 0, 1), 1e-6));
   EXPECT_TRUE(Near(box.GetMinimum(), P(-3, -1, -0.5), 1e-5));
   EXPECT_TRUE(Near(box.GetMaximum(), P(3, 1, 0.5), 1e-5));
   // Without extents.
@@ -121,73 +118,61 @@ TYPED_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
       ASSERT_EQ(P::ComputePointsCloudLocalFrame(turned, frame, &box), 1);
       const V x = oriented(std::cos(a), std::sin(a) * std::cos(t), std::sin(a) * std::sin(t));
       const V y = oriented(-std::sin(a), std::cos(a) * std::cos(t), std::cos(a) * std::sin(t));
-      EXPECT_TRUE(Near(frame.GetVector(0), x, 1e-6)) << degrees << " " << tilt;
-      EXPECT_TRUE(Near(frame.GetVector(1), y, 1e-6)) << degrees << " " << tilt;
-      EXPECT_TRUE(Near(frame.GetVector(2), x.cross(y), 1e-6)) << degrees << " " << tilt;
+      EXPECT_TRUE(HasAxes(frame, x, y, x.cross(y), 1e-6)) << degrees << " " << tilt;
       EXPECT_TRUE(Near(box.GetMaximum(), P(3, 1, 0.5), 1e-5)) << degrees << " " << tilt;
     }
   }
 }
 
-TYPED_TEST(PointFrameTwins, CloudFrameOfEqualSpreads) {
+TYPED_TEST(PointFrameTwins, CloudFramesOfEqualSpreadsAndUnusableClouds) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
   using V = ZmVector3T<T>;
-  const double s = std::sqrt(0.5);
-  ZmFrameT<T> frame;
-  ZmExtents3T<T> box;
-  // A straight cloud along (1, 1, 0): X = (s, s, 0), and its completion Y = (-s, s, 0),
-  // Z = (0, 0, 1); extents +-2 sqrt(2) along X.
-  WbArrayTempl<P> line;
+  const double s = std::sqrt(0.5), d = 2 * std::sqrt(2.0);
+  const T huge = std::numeric_limits<T>::max(), nan = std::numeric_limits<T>::quiet_NaN();
+  // A straight cloud along (1, 1, 0): X = (s, s, 0) and its completion Y = (-s, s, 0), Z = (0,
+  // 0, 1); extents +-2 sqrt(2) along X. A square in the plane y = 0: Z = (0, 1, 0) (the normal,
+  // oriented) and its completion X = (-1, 0, 0), Y = (0, 0, 1). The corners of a cube, and a
+  // single point: the global axes. No usable point, an infinite coordinate, or finite ones
+  // whose sums overflow leave no finite frame: nothing is written.
+  WbArrayTempl<P> line, cube;
   for (int t = -2; t <= 2; ++t) line.Add(P(5 + t, 5 + t, 5));
-  ASSERT_EQ(P::ComputePointsCloudLocalFrame(line, frame, &box), 1);
-  EXPECT_TRUE(Near(frame.GetOrigin(), P(5, 5, 5), 1e-6));
-  EXPECT_TRUE(Near(frame.GetVector(0), V(s, s, 0), 1e-6));
-  EXPECT_TRUE(Near(frame.GetVector(1), V(-s, s, 0), 1e-6));
-  EXPECT_TRUE(Near(frame.GetVector(2), V(0, 0, 1), 1e-6));
-  EXPECT_TRUE(Near(box.GetMaximum(), P(2 * std::sqrt(2.0), 0, 0), 1e-5));
-  // A square in the plane y = 0: Z = (0, 1, 0) (the normal, oriented) and its completion
-  // X = (-1, 0, 0), Y = (0, 0, 1).
-  const WbArrayTempl<P> square = {P(1, 0, 1), P(-1, 0, 1), P(-1, 0, -1), P(1, 0, -1)};
-  ASSERT_EQ(P::ComputePointsCloudLocalFrame(square, frame, nullptr), 1);
-  EXPECT_TRUE(Near(frame.GetVector(2), V(0, 1, 0), 1e-6));
-  EXPECT_TRUE(Near(frame.GetVector(0), V(-1, 0, 0), 1e-6));
-  EXPECT_TRUE(Near(frame.GetVector(1), V(0, 0, 1), 1e-6));
-  // The corners of a cube, and a single point: the global axes.
-  WbArrayTempl<P> cube;
   for (int i = 0; i < 8; ++i) cube.Add(P(i & 1 ? 3 : 1, i & 2 ? 3 : 1, i & 4 ? 3 : 1));
-  ASSERT_EQ(P::ComputePointsCloudLocalFrame(cube, frame, &box), 1);
-  EXPECT_EQ(frame.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
-  EXPECT_EQ(frame.GetOrigin(), P(2, 2, 2));
-  EXPECT_EQ(box.GetMinimum(), P(-1, -1, -1));
-  const WbArrayTempl<P> single = {P(4, 5, 6)};
-  ASSERT_EQ(P::ComputePointsCloudLocalFrame(single, frame, &box), 1);
-  EXPECT_EQ(frame.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
-  EXPECT_EQ(frame.GetOrigin(), P(4, 5, 6));
-  EXPECT_EQ(box.GetMinimum(), P(0, 0, 0));
-  EXPECT_EQ(box.GetMaximum(), P(0, 0, 0));
-}
-
-TYPED_TEST(PointFrameTwins, CloudWithoutUsablePointsFitsNothing) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  ZmFrameT<T> frame(P(1, 2, 3), ZmVector3T<T>(0, 1, 0), ZmFrameCylindrical);
-  const ZmFrameT<T> before(frame);
-  ZmExtents3T<T> box(P(1, 1, 1), P(2, 2, 2));
-  const ZmExtents3T<T> boxBefore(box);
-  EXPECT_EQ(P::ComputePointsCloudLocalFrame(WbArrayTempl<P>(), frame, &box), 0);
-  const WbArrayTempl<P> unusable = {P(WbCoord3DT<T>::INVALID), P(std::numeric_limits<T>::quiet_NaN(), 1, 1)};
-  EXPECT_EQ(P::ComputePointsCloudLocalFrame(unusable, frame, &box), 0);
-  // An infinite coordinate, or finite ones whose sums overflow, leave no finite frame.
-  const T huge = std::numeric_limits<T>::max();
-  const WbArrayTempl<P> infinite = {P(1, 1, 1), P(2, 2, 2), P(0, std::numeric_limits<T>::infinity(), 0)};
-  EXPECT_EQ(P::ComputePointsCloudLocalFrame(infinite, frame, &box), 0);
-  const WbArrayTempl<P> overflowing = {P(huge, 0, 0), P(huge, 0, 0)};
-  EXPECT_EQ(P::ComputePointsCloudLocalFrame(overflowing, frame, &box), 0);
-  const WbArrayTempl<P> spread = {P(huge / 2, 0, 0), P(-huge / 2, 0, 0), P(0, 1, 0)};
-  EXPECT_EQ(P::ComputePointsCloudLocalFrame(spread, frame, &box), 0);
-  EXPECT_EQ(frame, before);
-  EXPECT_EQ(box, boxBefore);
+  const V x(1, 0, 0), y(0, 1, 0), z(0, 0, 1);
+  const struct {
+    WbArrayTempl<P> cloud;
+    unsigned char fitted;
+    P origin = {}, min = {}, max = {};
+    V x = {}, y = {}, z = {};
+    double tol = 0;
+  } rows[] = {
+      {line, 1, P(5, 5, 5), P(-d, 0, 0), P(d, 0, 0), V(s, s, 0), V(-s, s, 0), z, 1e-5},
+      {{P(1, 0, 1), P(-1, 0, 1), P(-1, 0, -1), P(1, 0, -1)}, 1, P(0, 0, 0), P(-1, -1, 0), P(1, 1, 0), -x, z, y, 1e-6},
+      {cube, 1, P(2, 2, 2), P(-1, -1, -1), P(1, 1, 1), x, y, z},
+      {{P(4, 5, 6)}, 1, P(4, 5, 6), P(0, 0, 0), P(0, 0, 0), x, y, z},
+      {{}, 0},
+      {{P(WbCoord3DT<T>::INVALID), P(nan, 1, 1)}, 0},
+      {{P(1, 1, 1), P(2, 2, 2), P(0, std::numeric_limits<T>::infinity(), 0)}, 0},
+      {{P(huge, 0, 0), P(huge, 0, 0)}, 0},
+      {{P(huge / 2, 0, 0), P(-huge / 2, 0, 0), P(0, 1, 0)}, 0},
+  };
+  for (const auto& r : rows) {
+    SCOPED_TRACE(&r - rows);
+    const ZmFrameT<T> before(P(1, 2, 3), V(0, 1, 0), ZmFrameCylindrical);
+    const ZmExtents3T<T> boxBefore(P(1, 1, 1), P(2, 2, 2));
+    ZmFrameT<T> frame(before);
+    ZmExtents3T<T> box(boxBefore);
+    ASSERT_EQ(P::ComputePointsCloudLocalFrame(r.cloud, frame, &box), r.fitted);
+    if (!r.fitted) {
+      EXPECT_EQ(frame, before);
+      EXPECT_EQ(box, boxBefore);
+      continue;
+    }
+    EXPECT_TRUE(HasAxes(frame, r.x, r.y, r.z, r.tol));
+    EXPECT_TRUE(Near(frame.GetOrigin(), r.origin, r.tol));
+    EXPECT_TRUE(Near(box.GetMinimum(), r.min, r.tol));
+    EXPECT_TRUE(Near(box.GetMaximum(), r.max, r.tol));
+  }
 }
 
 }  // namespace
