@@ -11,20 +11,16 @@
 //   wa = tan(wd T / 2), D = 1 + sqrt2 wa + wa^2
 //   a0 = wa^2 / D, a1 = 2 a0, a2 = a0, b1 = -2 (wa^2 - 1) / D, b2 = (-1 + sqrt2 wa - wa^2) / D
 // all in double. Each pass computes Y[t] = a0 X[t] + a1 X[t-1] + a2 X[t-2] + b1 Y[t-1] +
-// b2 Y[t-2] over its values in blocks of 8 outputs: with h the impulse response of the
-// all-pole part (h0 = 1, h1 = b1, hm = b1 h(m-1) + b2 h(m-2)) and S = Y[t-1] - Y[t-2],
-//   Y[t+j] = (P_j + K_j S) + G_j Y[t-1],  j = 0 .. 7,
-//   P_j = sum of the weights of X[t-2] .. X[t+7] in Y[t+j] (a0, a1, a2 through h) times them,
-//   G_j = h(j+1) + b2 h(j),  K_j = -b2 h(j)
-// (the same filter, rounded differently), so the 8 outputs of a block are computed side by side
-// and only the last one and its step S carry on to the next block. Carrying the step keeps the
-// weights small where the poles are close to 1 (a low class at a high rate): the result stays
-// within 5e-14 of the signal's scale of the recursion computed exactly, where the recursion in
-// double strays by up to 2e-13 (CFC 60 at 100 kHz). Blocks are counted from the start of each
-// stretch of a pass (left padding, samples, right padding), a last partial block computed
-// with zero inputs after the end. Every product is rounded on its own (no fused multiply-add)
-// and every kernel version performs the same operations on each output, so the result does
-// not depend on the processor or the optimiser.
+// b2 Y[t-2] over its values, two outputs at a time so that the processor works on both at
+// once: with U[t] = (a0 X[t] + a1 X[t-1]) + a2 X[t-2],
+//   Y[t]   = (U[t] + b2 Y[t-2]) + b1 Y[t-1]
+//   Y[t+1] = ((U[t+1] + b1 U[t]) + b1 b2 Y[t-2]) + (b1^2 + b2) Y[t-1]
+// (the recursion with Y[t] substituted; the same filter, rounded differently), the pairs
+// counted from the start of each stretch of a pass (left padding, samples, right padding),
+// a last odd value of a stretch by the recursion itself. The result stays within about 5e-13 of the signal's scale of the recursion computed
+// exactly (CFC 60 at 100 kHz, poles close to 1), and a constant signal passes unchanged.
+// Every product is rounded on its own (no fused multiply-add), so the result does not depend
+// on the processor or the optimiser.
 // The gain at 0 Hz is 1 (a0 + a1 + a2 = 1 - b1 - b2); the combined amplitude response is |H|^2 = 1 / (1 + (tan(pi f T) / wa)^4), -3 dB at
 // about 1.667 CFC (at 10 kHz: 100.0, 300.5, 1018.2 and 1751.0 Hz for CFC 60, 180, 600 and
 // 1000).
@@ -82,9 +78,8 @@
 //   "Not enough memory to filter"
 // NaN and infinite values spread to every later output of the forward pass and so, after the
 // backward pass, to the whole curve. in and out may be the same array.
-// Cost: two passes of vector operations over blocks of 8 samples, the steps tested stretch by
-// stretch just before the forward pass reads them when out is not in (in place, in a pass of
-// their own first); 2L doubles of work space, plus N in the float class filtering in place (the
+// Cost: a pass over the abscissae testing the steps, then the two passes of the recursion;
+// 2L doubles of work space, plus N in the float class filtering in place (the
 // double class keeps the forward results in out's values, the float class filtering into
 // another array in the eight bytes of each out point); no allocation per sample. Timings
 // next to scipy's sosfiltfilt and the fixed CFC 60 kernel are in bench/README.md.
@@ -154,10 +149,10 @@ class ZMCALC_API ZmFilterCFCButterworthT : public Base {
   // Tests the intervals from .. to-1 (interval i joins points i-1 and i) against the mean step.
   const WbErrObj* CheckSteps(const Point* in, std::uint64_t from, std::uint64_t to, double step) const;
   // The checks of a call and what they give: the mean step, the coefficients and the samples
-  // added at each end. The steps are tested here only when filtering in place (out is in).
-  const WbErrObj* Prepare(const Point* in, std::uint64_t count, const Point* out, ZmCFCCoefficients& c,
+  // added at each end.
+  const WbErrObj* Prepare(const Point* in, std::uint64_t count, ZmCFCCoefficients& c,
                           std::uint64_t& pad, double& step) const;
-  const WbErrObj* Run(const ZmCFCCoefficients& c, std::uint64_t pad, double step, const Point* in,
+  const WbErrObj* Run(const ZmCFCCoefficients& c, std::uint64_t pad, const Point* in,
                       std::uint64_t count, Point* out) const;
 
   double m_cfc;
