@@ -45,6 +45,12 @@ double SecondsPerUnit(_ZmUnitTime unit) {
   return perSecond > 0.0 && std::isfinite(perSecond) ? 1.0 / perSecond : std::nan("");
 }
 
+#if defined(__GNUC__) && !defined(__clang__)
+#define ZM_KEEP_LOOP_WHOLE __attribute__((optimize("no-tree-loop-distribution", "fp-contract=off")))
+#else
+#define ZM_KEEP_LOOP_WHOLE
+#endif
+
 // The recursion of one pass, started in the steady state of `start` (0 for a start at rest).
 // Run over a stretch of values two at a time: the second output of a pair comes from the
 // recursion with the first one substituted, so that both wait only for the two outputs before
@@ -55,8 +61,10 @@ class Recursion {
       : m_c(c), m_c2(c.b1 * c.b1 + c.b2), m_c3(c.b1 * c.b2), m_x1(start), m_x2(start), m_y1(start), m_y2(start) {}
 
   // Replaces v[0 .. n-1] (read through `read`, written through `write`) by the outputs.
+  // GCC would split a write of two values (the abscissa copied next to the output) into a
+  // loop of its own, one more pass over both curves: the loop is kept whole.
   template <class Read, class Write>
-  void Run(std::uint64_t n, Read read, Write write) {
+  ZM_KEEP_LOOP_WHOLE void Run(std::uint64_t n, Read read, Write write) {
     const ZmCFCCoefficients& c = m_c;
     std::uint64_t i = 0;
     for (; i + 1 < n; i += 2) {
