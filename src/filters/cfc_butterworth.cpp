@@ -170,10 +170,9 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::ComputeCoefficients(double step, 
 }
 
 template <class Base>
-const WbErrObj* ZmFilterCFCButterworthT<Base>::CheckSteps(const Point* p, std::uint64_t from, std::uint64_t to,
-                                                          double step) const {
+const WbErrObj* ZmFilterCFCButterworthT<Base>::CheckSteps(const Point* p, std::uint64_t count, double step) const {
   const double allowed = m_tolerance * step;
-  for (std::uint64_t i = from; i < to; ++i) {
+  for (std::uint64_t i = 1; i < count; ++i) {
     const double dt = static_cast<double>(p[i].x) - static_cast<double>(p[i - 1].x);
     if (!(std::fabs(dt - step) <= allowed)) {
       return Fail(kUneven, dt, static_cast<int>(i < 0x7fffffffu ? i : 0x7fffffffu), step, 100.0 * m_tolerance);
@@ -190,7 +189,7 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Prepare(const Point* in, std::uin
   if (!(step > 0.0) || !std::isfinite(step)) return Fail(kNotIncreasing, step);
   if (const WbErrObj* error = ComputeCoefficients(step, c)) return error;
   // Every step is tested before anything is written, in place or not.
-  if (const WbErrObj* error = CheckSteps(in, 1, count, step)) return error;
+  if (const WbErrObj* error = CheckSteps(in, count, step)) return error;
   pad = 0;
   if (m_ends != ZmFilterEndsNone) {
     double automatic = std::ceil(3.0 / (m_cfc * step * SecondsPerUnit(m_unit)));
