@@ -146,13 +146,15 @@ class ZMCALC_API ZmFilterCFCButterworthT : public Base {
 
  private:
   const WbErrObj* CheckSettings(double& secondsPerUnit) const;
-  // Tests every interval (interval i joins points i-1 and i) against the mean step.
-  const WbErrObj* CheckSteps(const Point* in, std::uint64_t count, double step) const;
-  // The checks of a call and what they give: the mean step, the coefficients and the samples
-  // added at each end.
+  // Tests the intervals from .. to-1 (interval i joins points i-1 and i; from >= 1) against
+  // the mean step.
+  const WbErrObj* CheckSteps(const Point* in, std::uint64_t from, std::uint64_t to, double step) const;
+  // The checks of a call but the steps' and what they give: the mean step, the coefficients
+  // and the samples added at each end.
   const WbErrObj* Prepare(const Point* in, std::uint64_t count, ZmCFCCoefficients& c,
                           std::uint64_t& pad, double& step) const;
-  const WbErrObj* Run(const ZmCFCCoefficients& c, std::uint64_t pad, const Point* in,
+  // Tests the steps and filters.
+  const WbErrObj* Run(const ZmCFCCoefficients& c, std::uint64_t pad, double step, const Point* in,
                       std::uint64_t count, Point* out) const;
 
   double m_cfc;

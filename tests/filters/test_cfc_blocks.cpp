@@ -114,18 +114,32 @@ TEST(CFCBlocks, AgreeWithThePlainRecursion) {
   }
 }
 
-// Filtering into another array, the steps are tested stretch by stretch as the forward pass goes:
-// a bad step far into the curve is still refused before anything is kept, the first one named.
+// Filtering into another array, the steps are tested in the forward pass itself: a bad step far
+// into the curve is still refused, the first one named, and the target ends as the copy of the
+// input; filtering in place, every step is tested before the curve is touched.
+template <class Filter>
+void CheckLateUnevenStep() {
+  using P = typename Filter::Point;
+  WbArrayTempl<P> curve, out;
+  for (int i = 0; i < 10000; ++i) curve.Add(P(i * 1.0e-4 + (i >= 9000 ? 5.0e-5 : 0.0), i % 7));
+  WbArrayTempl<P> same = curve;
+  std::vector<P> span(10000);
+  Filter filter(60);
+  for (const WbErrObj* error :
+       {filter.Compute(curve, out), filter.Compute(same, same), filter.ComputeSpan(curve.GetData(), 10000, span.data())}) {
+    ASSERT_NE(error, nullptr);
+    EXPECT_NE(std::wstring(error->GetMessage()).find(L"interval 9000 "), std::wstring::npos) << error->GetMessage();
+  }
+  for (int i = 0; i < 10000; ++i) {
+    const P& p = curve[i];
+    ASSERT_TRUE(out[i].x == p.x && out[i].y == p.y && same[i].x == p.x && same[i].y == p.y && span[i].x == p.x &&
+                span[i].y == p.y) << i;
+  }
+}
+
 TEST(CFCBlocks, UnevenStepLateInTheCurveIsRefused) {
-  WbArrayTempl<ZmPoint2d> curve, out;
-  for (int i = 0; i < 10000; ++i) curve.Add(ZmPoint2d(i * 1.0e-4 + (i >= 9000 ? 5.0e-5 : 0.0), 1.0));
-  std::vector<ZmPoint2d> span(10000);
-  ZmFilterCFCd filter(60);
-  const WbErrObj* error = filter.Compute(curve, out);
-  ASSERT_NE(error, nullptr);
-  EXPECT_NE(std::wstring(error->GetMessage()).find(L"interval 9000 "), std::wstring::npos) << error->GetMessage();
-  ASSERT_NE(filter.ComputeSpan(curve.GetData(), 10000, span.data()), nullptr);
-  for (int i = 0; i < 10000; ++i) ASSERT_TRUE(out[i].y == 1.0 && span[i].y == 1.0 && span[i].x == curve[i].x);
+  CheckLateUnevenStep<ZmFilterCFCd>();
+  CheckLateUnevenStep<ZmFilterCFCf>();
 }
 
 }  // namespace
