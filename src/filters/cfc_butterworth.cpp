@@ -69,11 +69,11 @@ class Recursion {
   template <class Read, class Write, class Check>
   ZM_KEEP_LOOP_WHOLE bool Run(std::uint64_t n, Read read, Write write, Check check) {
     const ZmCFCCoefficients& c = m_c;
-    bool passed = true;
+    int passed = 1;  // and-ed without a branch
     std::uint64_t i = 0;
     for (; i + 1 < n; i += 2) {
       const double x = read(i), xn = read(i + 1);
-      passed = passed & check(i) & check(i + 1);
+      passed &= static_cast<int>(check(i)) & static_cast<int>(check(i + 1));
       const double u = (c.a0 * x + c.a1 * m_x1) + c.a2 * m_x2;
       const double un = (c.a0 * xn + c.a1 * x) + c.a2 * m_x1;
       const double y = (u + c.b2 * m_y2) + c.b1 * m_y1;
@@ -87,7 +87,7 @@ class Recursion {
     }
     if (i < n) {
       const double x = read(i);
-      passed = passed & check(i);
+      passed &= static_cast<int>(check(i));
       const double y = (((c.a0 * x + c.a1 * m_x1) + c.a2 * m_x2) + c.b2 * m_y2) + c.b1 * m_y1;
       write(i, y);
       m_x2 = m_x1;
@@ -95,7 +95,7 @@ class Recursion {
       m_y2 = m_y1;
       m_y1 = y;
     }
-    return passed;
+    return passed != 0;
   }
   template <class Read, class Write>
   void Run(std::uint64_t n, Read read, Write write) {
@@ -266,7 +266,7 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Run(const ZmCFCCoefficients& c, s
   const double allowed = m_tolerance * step;
   const auto fits = [source, step, allowed, inPlace](std::uint64_t i) {
     const double dt = static_cast<double>(source[i].x) - static_cast<double>(source[i - (i > 0)].x);
-    return inPlace | (i == 0) | StepFits(dt, step, allowed);
+    return (static_cast<int>(inPlace) | static_cast<int>(i == 0) | static_cast<int>(StepFits(dt, step, allowed))) != 0;
   };
 
   // Forward over the left padding, the samples and the right padding; a sample is read before
@@ -287,7 +287,7 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Run(const ZmCFCCoefficients& c, s
   Recursion backward(c, atRest ? 0.0 : (pad > 0 ? right[pad - 1] : kept(count - 1)));
   backward.Run(pad, [right, pad](std::uint64_t i) { return right[pad - 1 - i]; }, [](std::uint64_t, double) {});
   backward.Run(count, [&kept, count](std::uint64_t i) { return kept(count - 1 - i); },
-               [source, target, count](std::uint64_t i, double y) {
+               [=](std::uint64_t i, double y) {
                  const std::uint64_t j = count - 1 - i;
                  if constexpr (!kDouble) target[j].x = source[j].x;
                  target[j].y = static_cast<T>(y);
