@@ -77,8 +77,10 @@
 //    %g Hz"
 //   "Not enough memory to filter"
 // NaN and infinite values spread to every later output of the forward pass and so, after the
-// backward pass, to the whole curve. in and out may be the same array.
-// Cost: a pass over the abscissae testing the steps, then the two passes of the recursion;
+// backward pass, to the whole curve. in and out may be the same array; on a refusal out is the
+// copy of in (filtering in place, the steps are all tested before the curve is touched).
+// Cost: the two passes of the recursion, the steps tested inside the forward pass (filtering
+// in place, in a pass of their own before it);
 // 2L doubles of work space, plus N in the float class filtering in place (the
 // double class keeps the forward results in out's values, the float class filtering into
 // another array in the eight bytes of each out point); no allocation per sample. Timings
