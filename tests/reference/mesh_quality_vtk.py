@@ -12,11 +12,13 @@ definitions. Elements: Verdict's golden test elements, then per type random elem
 ideal one, from mildly to wildly distorted, inverted and collapsed ones among them.
 """
 import ctypes
+import itertools
 import math
-import os
 
 import numpy as np
 import vtk
+
+from reference_support import fmt, write_beside
 
 RNG = np.random.default_rng(20261125)
 COUNT = 1000  # random elements per type
@@ -77,25 +79,21 @@ GOLDEN = {
     ],
 }
 
-Q = vtk.vtkMeshQuality
+
+def vtk_metrics(prefix, names, vtk_names=None):
+    """(column, vtkMeshQuality function prefix + name), the column renamed where VTK's name differs."""
+    vtk_names = dict(vtk_names or {})
+    return [(name, getattr(vtk.vtkMeshQuality, prefix + vtk_names.get(name, name))) for name in names.split()]
+
+
 VTK_METRICS = {
-    "tri": [("Area", Q.TriangleArea), ("AspectRatio", Q.TriangleAspectRatio), ("EdgeRatio", Q.TriangleEdgeRatio),
-            ("RadiusRatio", Q.TriangleRadiusRatio), ("MinAngle", Q.TriangleMinAngle),
-            ("MaxAngle", Q.TriangleMaxAngle), ("ScaledJacobian", Q.TriangleScaledJacobian),
-            ("Condition", Q.TriangleCondition), ("Shape", Q.TriangleShape)],
-    "quad": [("Area", Q.QuadArea), ("AspectRatio", Q.QuadAspectRatio), ("EdgeRatio", Q.QuadEdgeRatio),
-             ("Skew", Q.QuadSkew), ("Taper", Q.QuadTaper), ("WarpageVerdict", Q.QuadWarpage),
-             ("Stretch", Q.QuadStretch), ("MinAngle", Q.QuadMinAngle), ("MaxAngle", Q.QuadMaxAngle),
-             ("Jacobian", Q.QuadJacobian), ("ScaledJacobian", Q.QuadScaledJacobian),
-             ("Condition", Q.QuadCondition), ("Shape", Q.QuadShape), ("Oddy", Q.QuadOddy)],
-    "tet": [("Volume", Q.TetVolume), ("AspectRatio", Q.TetAspectRatio), ("EdgeRatio", Q.TetEdgeRatio),
-            ("RadiusRatio", Q.TetRadiusRatio), ("MinDihedralAngle", Q.TetMinAngle),
-            ("Jacobian", Q.TetJacobian), ("ScaledJacobian", Q.TetScaledJacobian),
-            ("Condition", Q.TetCondition), ("Shape", Q.TetShape), ("CollapseRatio", Q.TetCollapseRatio)],
-    "hex": [("Skew", Q.HexSkew), ("Taper", Q.HexTaper), ("Stretch", Q.HexStretch),
-            ("Diagonal", Q.HexDiagonal), ("Dimension", Q.HexDimension), ("Jacobian", Q.HexJacobian),
-            ("ScaledJacobian", Q.HexScaledJacobian), ("Condition", Q.HexCondition), ("Shape", Q.HexShape),
-            ("Oddy", Q.HexOddy)],
+    "tri": vtk_metrics("Triangle", "Area AspectRatio EdgeRatio RadiusRatio MinAngle MaxAngle ScaledJacobian Condition "
+                                   "Shape"),
+    "quad": vtk_metrics("Quad", "Area AspectRatio EdgeRatio Skew Taper WarpageVerdict Stretch MinAngle MaxAngle "
+                                "Jacobian ScaledJacobian Condition Shape Oddy", {"WarpageVerdict": "Warpage"}),
+    "tet": vtk_metrics("Tet", "Volume AspectRatio EdgeRatio RadiusRatio MinDihedralAngle Jacobian ScaledJacobian "
+                              "Condition Shape CollapseRatio", {"MinDihedralAngle": "MinAngle"}),
+    "hex": vtk_metrics("Hex", "Skew Taper Stretch Diagonal Dimension Jacobian ScaledJacobian Condition Shape Oddy"),
 }
 CELLS = {"tri": vtk.vtkTriangle, "quad": vtk.vtkQuad, "tet": vtk.vtkTetra, "hex": vtk.vtkHexahedron}
 
@@ -125,7 +123,6 @@ def wedge_shape(p, vtk_shape=verdict("wedge_shape"), jacobian=verdict("wedge_jac
 CTYPES_METRICS = {
     "wedge": [("Jacobian", verdict("wedge_jacobian")), ("ScaledJacobian", verdict("wedge_scaled_jacobian")),
               ("Shape", wedge_shape), ("EdgeRatio", verdict("wedge_edge_ratio"))],
-    "pyramid": [],
 }
 
 
@@ -199,19 +196,16 @@ GAUSS = (-1.0 / math.sqrt(3.0), 1.0 / math.sqrt(3.0))
 def hex_volume(p):
     """2x2x2 Gauss integration of the trilinear map's Jacobian determinant (exact: it is a
     polynomial of degree 2 in each natural coordinate)."""
+    a, b, c = HEX_SIGNS.T
     volume = 0.0
-    for r in GAUSS:
-        for s in GAUSS:
-            for t in GAUSS:
-                a, b, c = HEX_SIGNS.T
-                dn = np.stack([a * (1 + b * s) * (1 + c * t), b * (1 + a * r) * (1 + c * t),
-                               c * (1 + a * r) * (1 + b * s)], axis=1) / 8.0
-                volume += np.linalg.det(p.T @ dn)
+    for r, s, t in itertools.product(GAUSS, repeat=3):
+        dn = np.stack([a * (1 + b * s) * (1 + c * t), b * (1 + a * r) * (1 + c * t),
+                       c * (1 + a * r) * (1 + b * s)], axis=1) / 8.0
+        volume += np.linalg.det(p.T @ dn)
     return volume
 
 
-HEX_SIGNS = np.array([[-1, -1, -1], [1, -1, -1], [1, 1, -1], [-1, 1, -1],
-                      [-1, -1, 1], [1, -1, 1], [1, 1, 1], [-1, 1, 1]], dtype=float)
+HEX_SIGNS = np.array(IDEAL["hex"], dtype=float) * 2 - 1
 
 
 def tet_volume(p):
@@ -253,14 +247,7 @@ PYRAMID_FACES = [[3, 2, 1, 0], [0, 1, 4], [1, 2, 4], [2, 3, 4], [3, 0, 4]]
 
 
 def faces_equiangle_skew(p, faces):
-    skew = 0.0
-    for f in faces:
-        q = p[f]
-        if len(f) == 3:
-            skew = max(skew, tri_equiangle_skew(q))
-        else:
-            skew = max(skew, quad_equiangle_skew(q))
-    return skew
+    return max([0.0] + [(tri_equiangle_skew if len(f) == 3 else quad_equiangle_skew)(p[f]) for f in faces])
 
 
 def wedge_volume(p):
@@ -282,14 +269,12 @@ def pyramid_volume(p):
     """The base's bilinear sheet joined to the apex: x = (1 - t) B(r, s) + t apex, 2-point Gauss."""
     corners = [(-1, -1), (1, -1), (1, 1), (-1, 1)]
     volume = 0.0
-    for r in GAUSS:
-        for s in GAUSS:
-            for tt in GAUSS:
-                t = 0.5 * (1 + tt)
-                b = sum(0.25 * (1 + r * a) * (1 + s * c) * p[i] for i, (a, c) in enumerate(corners))
-                br = sum(0.25 * a * (1 + s * c) * p[i] for i, (a, c) in enumerate(corners))
-                bs = sum(0.25 * (1 + r * a) * c * p[i] for i, (a, c) in enumerate(corners))
-                volume += np.linalg.det(np.array([(1 - t) * br, (1 - t) * bs, p[4] - b]).T) * 0.5
+    for r, s, tt in itertools.product(GAUSS, repeat=3):
+        t = 0.5 * (1 + tt)
+        b = sum(0.25 * (1 + r * a) * (1 + s * c) * p[i] for i, (a, c) in enumerate(corners))
+        br = sum(0.25 * a * (1 + s * c) * p[i] for i, (a, c) in enumerate(corners))
+        bs = sum(0.25 * (1 + r * a) * c * p[i] for i, (a, c) in enumerate(corners))
+        volume += np.linalg.det(np.array([(1 - t) * br, (1 - t) * bs, p[4] - b]).T) * 0.5
     return volume
 
 
@@ -397,26 +382,20 @@ def vtk_value(kind, function, p):
     return function(cell)
 
 
-def fmt(v):
-    return "nan" if v is None else "%.17g" % v
-
-
 def main():
-    here = os.path.dirname(os.path.abspath(__file__))
-    with open(os.path.join(here, "mesh_quality_vtk.txt"), "w") as out:
-        out.write("# Element quality reference values: VTK %s vtkMeshQuality (Verdict), written by\n"
-                  "# mesh_quality_vtk.py; 'nan' marks an element where the metric has no value.\n"
-                  % vtk.vtkVersion.GetVTKVersion())
-        for kind in ("tri", "quad", "tet", "hex", "wedge", "pyramid"):
-            direct = CTYPES_METRICS.get(kind, [])
-            metrics = VTK_METRICS.get(kind, []) + direct + EXTRA[kind]
-            out.write("columns %s %s\n" % (kind, " ".join(name for name, _ in metrics)))
-            elements = [as_float32(g) for g in GOLDEN[kind]] + [as_float32(p) for p in random_elements(kind)]
-            for p in elements:
-                values = ([vtk_value(kind, f, p) for _, f in VTK_METRICS.get(kind, [])] + [f(p) for _, f in direct] +
-                          [f(p) for _, f in EXTRA[kind]])
-                coords = " ".join("%.9g" % c for c in np.asarray(p, dtype=np.float32).ravel())
-                out.write("%s %s %s\n" % (kind, coords, " ".join(fmt(v) for v in values)))
+    text = ("# Element quality reference values: VTK %s vtkMeshQuality (Verdict), written by\n"
+            "# mesh_quality_vtk.py; 'nan' marks an element where the metric has no value.\n"
+            % vtk.vtkVersion.GetVTKVersion())
+    for kind in ("tri", "quad", "tet", "hex", "wedge", "pyramid"):
+        direct = CTYPES_METRICS.get(kind, [])
+        metrics = VTK_METRICS.get(kind, []) + direct + EXTRA[kind]
+        text += "columns %s %s\n" % (kind, " ".join(name for name, _ in metrics))
+        for p in [as_float32(g) for g in GOLDEN[kind]] + [as_float32(p) for p in random_elements(kind)]:
+            values = ([vtk_value(kind, f, p) for _, f in VTK_METRICS.get(kind, [])] + [f(p) for _, f in direct] +
+                      [f(p) for _, f in EXTRA[kind]])
+            coords = " ".join("%.9g" % c for c in np.asarray(p, dtype=np.float32).ravel())
+            text += "%s %s %s\n" % (kind, coords, fmt(values))
+    write_beside(__file__, "mesh_quality_vtk.txt", text)
 
 
 if __name__ == "__main__":
