@@ -61,104 +61,33 @@ WbArrayTempl<P> In(const std::string& name) {
 // The named class of twin T of a family.
 #define TWIN(family) std::conditional_t<sizeof(T) == 4, family##f, family##d>
 
-// Fits of lines, spheres, cylinders and ellipses, arcs, grids, polygons and penetrations.
 template <class T>
-void Shapes() {
+void Run() {
+  using P2 = ZmPoint2T<T>;
+  using Curve = WbArrayTempl<P2>;
   using M = ZmMathT<T>;
   using P3 = ZmPoint3T<T>;
   using V3 = ZmVector3T<T>;
-  const auto points = In<P3>("points"), square = In<P3>("square"), penNodes = In<P3>("pen_nodes");
-  const auto arc = In<ZmPoint2T<T>>("arc");
-  const auto l3 = M::FitLine(points);
-  const auto l2 = M::FitLine(arc);
-  const auto sp = M::FitSphere(In<P3>("sphere"));
-  const auto cy = M::FitCylinder(In<P3>("cylinder"));
-  const auto el = M::FitEllipse(In<ZmPoint2T<T>>("oval"));
-  Row<T>("fit_line3", l3.point, l3.direction, l3.fitQuality, l3.quality.rms, l3.quality.maxResidual);
-  Row<T>("fit_line2", l2.point, l2.direction, l2.fitQuality, l2.quality.rms, l2.quality.maxResidual);
-  Row<T>("fit_sphere", sp.center, sp.radius, sp.quality.rms, sp.quality.maxResidual);
-  Row<T>("fit_cylinder", cy.point, cy.direction, cy.radius, cy.quality.rms, cy.quality.maxResidual);
-  Row<T>("fit_ellipse", el.center, el.majorAxis, el.a, el.b, el.quality.rms, el.quality.maxResidual);
-
-  // Arcs: each with a point and a tangent at t = 0.3; the first tessellated, and an ellipse.
-  const ZmArcT<T> arcs[] = {M::ArcThroughPoints(points[0], points[1], points[2]),
-                            M::ArcThroughPoints(arc[0], arc[20], arc[39]),
-                            M::ArcFromCenter(points[3], points[4], points[5], V3(1, 2, 3)),
-                            M::ArcFromTangent(points[6], V3(points[7]), points[8]),
-                            M::Fillet(P3(1, 2, 3), V3(4, 1, 0), P3(1, 2, 3), V3(-1, 3, 0.5), T(0.7))};
-  for (int i = 0; i < 5; ++i)
-    Row<T>("arc" + std::to_string(i), arcs[i].center, arcs[i].normal, arcs[i].startDirection, arcs[i].radius,
-           arcs[i].sweep, M::ArcLength(arcs[i]), M::PointAtParameter(arcs[i], T(0.3)),
-           M::TangentAtParameter(arcs[i], T(0.3)));
-  WbArrayTempl<P3> tessellated, grid;
-  M::TessellateArc(arcs[0], T(2.5), T(0.2), tessellated);
-  PutCurve("arc_tessellated", tessellated);
-  ZmEllipseT<T> ellipse;
-  ellipse = {P3(1, 2, 3), V3(0.6, 0.8, 0), V3(0, 0, 1), T(5), T(2)};
-  M::TessellateEllipse(ellipse, T(-1), T(4), T(0.01), T(0.3), tessellated);
-  PutCurve("ellipse_tessellated", tessellated);
-
-  // Grids over a rectangle of a frame, a tilted square with a hole, a range; polygon frames.
-  const ZmFrameT<T> frame(ZmFrameT<double>(ZmPoint3T<double>(1, 2, 3), ZmPoint3T<double>(4, 6, 3),
-                                           ZmPoint3T<double>(0, 5, 9), 1, ZmFrameCartesian));
-  M::RectangleGrid(frame, T(10), T(7), T(1), T(0.7), grid);
-  PutCurve("rectangle_grid", grid);
-  WbArrayTempl<WbArrayTempl<P3>> holes;
-  holes.Add(In<P3>("hole"));
-  M::PolygonGrid(square, &holes, P3(0.3, 0.2, 0), T(0.9), grid);
-  PutCurve("polygon_grid", grid);
-  WbArrayTempl<T> range;
-  M::RangeGrid(T(0), T(1), T(0.3), range);
-  Put("range_grid", range.GetData(), 1, range.GetSize());
-  const auto props = M::PolygonProperties(square);
-  ZmFrameT<T> polygonFrame;
-  M::PolygonFrame(square, ZmPolygonAxisMidLines, polygonFrame);
-  Row<T>("polygon", props.centroid, props.vertexAverage, props.normal, props.area, props.outOfPlaneRms, props.convex,
-         M::SignedArea(arc), M::SignedArea(square, V3(1, 1, -3)), polygonFrame.GetOrigin(), polygonFrame.GetVector(0),
-         polygonFrame.GetVector(1), polygonFrame.GetVector(2));
-
-  // Penetrations of noisy nodes into a quad and a triangle (thicknesses 0.5 and 0.6).
-  const ZmElementType types[] = {ZmElementQuad4, ZmElementTri3};
-  const std::int64_t connectivity[] = {0, 1, 2, 3, 4, 5, 6};
-  const std::vector<T> nodeThickness(penNodes.GetSize(), T(0.5)), segmentThickness(2, T(0.6));
-  WbArrayTempl<ZmPenetrationT<T>> found;
-  ZmMeshT<T>::FindPenetrations(penNodes.GetData(), penNodes.GetSize(), nullptr, 0, nodeThickness.data(), types,
-                               connectivity, 2, segmentThickness.data(), found);
-  std::vector<T> rows;
-  for (const auto& p : found)
-    for (T v : {T(p.node), T(p.segment), p.depth, p.distance, p.closest.x, p.closest.y, p.closest.z, p.natural.x,
-                p.natural.y, p.natural.z, p.normal.x, p.normal.y, p.normal.z})
-      rows.push_back(v);
-  Put("penetrations", rows.data(), found.GetSize(), 13);
-}
-
-template <class T>
-void Run() {
-  using Curve = WbArrayTempl<ZmPoint2T<T>>;
-  using M = ZmMathT<T>;
-  const Curve pulse = In<ZmPoint2T<T>>("pulse");
-  const std::pair<const char*, ZmFilterT<T>*> filters[] = {
-      {"ZmFilterCFC60_10kHz", new TWIN(ZmFilterCFC60_10kHz)()},
-      {"ZmFilterCFC180_10kHz", new TWIN(ZmFilterCFC180_10kHz)()},
-      {"ZmFilterCFC600_10kHz", new TWIN(ZmFilterCFC600_10kHz)()},
-      {"ZmFilterFIRF16", new TWIN(ZmFilterFIRF16)()},
-      {"mva7", new TWIN(ZmFilterMVA)(7, 2)},
-      {"weighted5", new TWIN(ZmFilterMVAWeighted)(5, WbArrayTempl<T>{1, 2}, 1)},
-      {"cos9", new TWIN(ZmFilterCos)(9)},
-      {"swa", new TWIN(ZmFilterSWA)(2.5e-4, 0.75)},
-  };
-  for (const auto& f : filters) {
+  const Curve pulse = In<P2>("pulse");
+  const auto filter = [&](const char* name, ZmFilterT<T>&& f) {
     Curve out;
-    f.second->Compute(pulse, out);
-    PutCurve(f.first, out);
-    delete f.second;
-  }
+    f.Compute(pulse, out);
+    PutCurve(name, out);
+  };
+  filter("ZmFilterCFC60_10kHz", TWIN(ZmFilterCFC60_10kHz)());
+  filter("ZmFilterCFC180_10kHz", TWIN(ZmFilterCFC180_10kHz)());
+  filter("ZmFilterCFC600_10kHz", TWIN(ZmFilterCFC600_10kHz)());
+  filter("ZmFilterFIRF16", TWIN(ZmFilterFIRF16)());
+  filter("mva7", TWIN(ZmFilterMVA)(7, 2));
+  filter("weighted5", TWIN(ZmFilterMVAWeighted)(5, WbArrayTempl<T>{1, 2}, 1));
+  filter("cos9", TWIN(ZmFilterCos)(9));
+  filter("swa", TWIN(ZmFilterSWA)(2.5e-4, 0.75));
   // The CFC filter at any rate: the pulse in ms, every end treatment, the ISO constant, a set pad.
   for (int ends = 0; ends < 4; ++ends) {
     Curve out;
     TWIN(ZmFilterCFC) cfc(180.0, ZmUnitMillisecond, static_cast<ZmFilterEnds>(ends), ZmCFCDesignISO6487);
     if (ends == 1) cfc.SetPadLength(40);
-    cfc.Compute(In<ZmPoint2T<T>>("pulse_ms"), out);
+    cfc.Compute(In<P2>("pulse_ms"), out);
     PutCurve("cfc180_" + std::to_string(ends), out);
   }
   ZmCFCCoefficients c{};
@@ -167,7 +96,7 @@ void Run() {
 
   // Injury criteria of the pulse read in g (HIC36 and the 3 ms clip), and of its resultant.
   Curve res, spectrum, phase, corr, sampled, env;
-  M::ComputeResultant(pulse, In<ZmPoint2T<T>>("lateral"), pulse, res);
+  M::ComputeResultant(pulse, In<P2>("lateral"), pulse, res);
   PutCurve("resultant", res);
   T injury[4] = {};
   M::ComputeHIC(res, 0.036, ZmUnitSystem(), 1, injury[0], injury[1], injury[2]);
@@ -178,7 +107,7 @@ void Run() {
   M::ComputeFFT(pulse, window, M::FFT_WINDOW_HANN, 2048, spectrum, 0, &phase);
   PutCurve("fft", spectrum);
   PutCurve("phase", phase);
-  M::ComputeCorrelation(In<ZmPoint2T<T>>("head"), In<ZmPoint2T<T>>("shifted"), 1, corr);
+  M::ComputeCorrelation(In<P2>("head"), In<P2>("shifted"), 1, corr);
   PutCurve("correlation", corr);
   ZmPoint2T<T>::SampleX(pulse.GetData(), pulse.GetSize(), T(3.3e-4), sampled, T(0.01));
   PutCurve("sampled", sampled);
@@ -189,7 +118,7 @@ void Run() {
   Curve result, phaseDiff;
   WbObjectArrayTempl<Curve> curves;
   WbObjectArrayTempl<WbString> titles;
-  M::ComputeTransmissibility(pulse, In<ZmPoint2T<T>>("trans_output"), T(0.01), zm::Invalid<T>(), T(2e-4), T(10), 1,
+  M::ComputeTransmissibility(pulse, In<P2>("trans_output"), T(0.01), zm::Invalid<T>(), T(2e-4), T(10), 1,
                              T(2000), zm::Invalid<T>(), T(5), 0, result, &curves, &titles, &phaseDiff);
   PutCurve("transmissibility", result);
   PutCurve("transmissibility_phase", phaseDiff);
@@ -230,7 +159,7 @@ void Run() {
   Put("parsed", &parsed, 1, 1);
 
   // Material laws: the Hollomon fit of a measured hardening curve, and two law curves.
-  const Curve measured = In<ZmPoint2T<T>>("measured");
+  const Curve measured = In<P2>("measured");
   Curve keeler, kinematic;
   T K = 0, nh = 0;
   M::ComputeHollomonCoeff(measured.GetData(), measured.GetSize(), K, nh);
@@ -241,16 +170,18 @@ void Run() {
   PutCurve("kinematic", kinematic);
 
   // Geometry: points projected onto a polyline, and into a cylindrical frame of three points.
-  const auto points = In<ZmPoint3T<T>>("points"), polyline = In<ZmPoint3T<T>>("polyline");
-  WbArrayTempl<ZmPoint3T<T>> feet, local;
+  const auto points = In<P3>("points"), polyline = In<P3>("polyline");
+  WbArrayTempl<P3> feet, local;
   std::vector<T> params(points.GetSize());
-  const ZmFrameT<T> frame(ZmFrameT<double>(ZmPoint3T<double>(1, 2, 3), ZmPoint3T<double>(4, 6, 3),
-                                           ZmPoint3T<double>(0, 5, 9), 1, ZmFrameCylindrical));
+  const auto frame = [](auto type) {  // of the same three points, made in double
+    return ZmFrameT<T>(ZmFrameT<double>(ZmPoint3T<double>(1, 2, 3), ZmPoint3T<double>(4, 6, 3),
+                                        ZmPoint3T<double>(0, 5, 9), 1, type));
+  };
   for (std::uint64_t i = 0; i < points.GetSize(); ++i) {
-    ZmPoint3T<T> foot;
+    P3 foot;
     M::GetProjectedPoint(polyline, points[i], params[i], foot);
     feet.Add(foot);
-    local.Add(frame.GlobalToLocal(points[i]));
+    local.Add(frame(ZmFrameCylindrical).GlobalToLocal(points[i]));
   }
   PutCurve("feet", feet);
   Put("params", params.data(), params.size(), 1);
@@ -267,14 +198,74 @@ void Run() {
   Put("scaled_jacobian", metrics[0], 5, 1);
   Put("time_step", metrics[1], 5, 1);
 
-  // Fits: the plane of the points, a noisy arc of a circle (geometric), a noisy quarter turn.
+  // Fits: the plane of the points, a noisy arc of a circle (geometric), a noisy quarter turn;
+  // lines, spheres, cylinders and ellipses.
+  const auto arc = In<P2>("arc");
   const auto plane = ZmMathFitT<T>::FitPlane(points);
-  const auto circle = ZmMathFitT<T>::FitCircle(In<ZmPoint2T<T>>("arc"));
-  const auto rigid = ZmMathFitT<T>::FitRigid(points, In<ZmPoint3T<T>>("turned"));
+  const auto circle = ZmMathFitT<T>::FitCircle(arc);
+  const auto rigid = ZmMathFitT<T>::FitRigid(points, In<P3>("turned"));
   Row<T>("fit_plane", plane.point, plane.normal, plane.fitQuality, plane.quality.rms, plane.quality.maxResidual);
   Row<T>("fit_circle", circle.center, circle.radius, circle.quality.rms, circle.quality.maxResidual);
   Row<T>("fit_rigid", rigid.rotation.GetRow(0), rigid.rotation.GetRow(1), rigid.rotation.GetRow(2), rigid.translation);
-  Shapes<T>();
+  const auto l3 = M::FitLine(points);
+  const auto l2 = M::FitLine(arc);
+  const auto sp = M::FitSphere(In<P3>("sphere"));
+  const auto cy = M::FitCylinder(In<P3>("cylinder"));
+  const auto el = M::FitEllipse(In<P2>("oval"));
+  Row<T>("fit_line3", l3.point, l3.direction, l3.fitQuality, l3.quality.rms, l3.quality.maxResidual);
+  Row<T>("fit_line2", l2.point, l2.direction, l2.fitQuality, l2.quality.rms, l2.quality.maxResidual);
+  Row<T>("fit_sphere", sp.center, sp.radius, sp.quality.rms, sp.quality.maxResidual);
+  Row<T>("fit_cylinder", cy.point, cy.direction, cy.radius, cy.quality.rms, cy.quality.maxResidual);
+  Row<T>("fit_ellipse", el.center, el.majorAxis, el.a, el.b, el.quality.rms, el.quality.maxResidual);
+
+  // Arcs: each with a point and a tangent at t = 0.3; the first tessellated, and an ellipse.
+  const ZmArcT<T> arcs[] = {M::ArcThroughPoints(points[0], points[1], points[2]),
+                            M::ArcThroughPoints(arc[0], arc[20], arc[39]),
+                            M::ArcFromCenter(points[3], points[4], points[5], V3(1, 2, 3)),
+                            M::ArcFromTangent(points[6], V3(points[7]), points[8]),
+                            M::Fillet(P3(1, 2, 3), V3(4, 1, 0), P3(1, 2, 3), V3(-1, 3, 0.5), T(0.7))};
+  for (int i = 0; i < 5; ++i)
+    Row<T>("arc" + std::to_string(i), arcs[i].center, arcs[i].normal, arcs[i].startDirection, arcs[i].radius,
+           arcs[i].sweep, M::ArcLength(arcs[i]), M::PointAtParameter(arcs[i], T(0.3)),
+           M::TangentAtParameter(arcs[i], T(0.3)));
+  WbArrayTempl<P3> tessellated, grid;
+  M::TessellateArc(arcs[0], T(2.5), T(0.2), tessellated);
+  PutCurve("arc_tessellated", tessellated);
+  ZmEllipseT<T> ellipse;
+  ellipse = {P3(1, 2, 3), V3(0.6, 0.8, 0), V3(0, 0, 1), T(5), T(2)};
+  M::TessellateEllipse(ellipse, T(-1), T(4), T(0.01), T(0.3), tessellated);
+  PutCurve("ellipse_tessellated", tessellated);
+
+  // Grids over a rectangle of a frame, a tilted square with a hole, a range; polygon frames.
+  const auto square = In<P3>("square"), penNodes = In<P3>("pen_nodes");
+  M::RectangleGrid(frame(ZmFrameCartesian), T(10), T(7), T(1), T(0.7), grid);
+  PutCurve("rectangle_grid", grid);
+  WbArrayTempl<WbArrayTempl<P3>> holes;
+  holes.Add(In<P3>("hole"));
+  M::PolygonGrid(square, &holes, P3(0.3, 0.2, 0), T(0.9), grid);
+  PutCurve("polygon_grid", grid);
+  WbArrayTempl<T> range;
+  M::RangeGrid(T(0), T(1), T(0.3), range);
+  Put("range_grid", range.GetData(), 1, range.GetSize());
+  const auto props = M::PolygonProperties(square);
+  ZmFrameT<T> polygonFrame;
+  M::PolygonFrame(square, ZmPolygonAxisMidLines, polygonFrame);
+  Row<T>("polygon", props.centroid, props.vertexAverage, props.normal, props.area, props.outOfPlaneRms, props.convex,
+         M::SignedArea(arc), M::SignedArea(square, V3(1, 1, -3)), polygonFrame.GetOrigin(), polygonFrame.GetVector(0),
+         polygonFrame.GetVector(1), polygonFrame.GetVector(2));
+
+  // Penetrations of noisy nodes into a quad and a triangle (thicknesses 0.5 and 0.6).
+  const ZmElementType segments[] = {ZmElementQuad4, ZmElementTri3};
+  const std::vector<T> nodeThickness(penNodes.GetSize(), T(0.5)), segmentThickness(2, T(0.6));
+  WbArrayTempl<ZmPenetrationT<T>> found;
+  ZmMeshT<T>::FindPenetrations(penNodes.GetData(), penNodes.GetSize(), nullptr, 0, nodeThickness.data(), segments,
+                               connectivity, 2, segmentThickness.data(), found);
+  std::vector<T> rows;
+  for (const auto& p : found)
+    for (T v : {T(p.node), T(p.segment), p.depth, p.distance, p.closest.x, p.closest.y, p.closest.z, p.natural.x,
+                p.natural.y, p.natural.z, p.normal.x, p.normal.y, p.normal.z})
+      rows.push_back(v);
+  Put("penetrations", rows.data(), found.GetSize(), 13);
 }
 
 }  // namespace

@@ -16,9 +16,13 @@ MESH = ([1, 2, 3, 6, 5], np.arange(26))
 
 
 def _cfc180(ends, curve):
-    cfc = zc.CFCFilter(180, "ms", ends, "iso6487")
+    """Settings given to the constructor (ends 0 and 1) or set afterwards, by name (ends 2 and 3)."""
+    cfc = zc.CFCFilter(180, "ms", ends, "iso6487") if ends < 2 else zc.CFCFilter(180)
+    if ends >= 2:
+        cfc.time_unit, cfc.ends, cfc.design = "ms", ("constant", "none")[ends - 2], "iso6487"
     if ends == 1:
         cfc.pad_length = 40
+    assert (cfc.ends, cfc.design, cfc.pad_length) == (ends, 1, 40 if ends == 1 else -1)
     return cfc(curve)
 
 
