@@ -9,7 +9,7 @@ import zemcalc as zc
 
 T = np.arange(100) * 1.0e-4
 CURVE = np.column_stack([T, np.sin(50 * T)])
-PRESSURE = zc.dimension("pressure")
+PRESSURE, SI = zc.dimension("pressure"), zc.UnitSystem("m", "Kg", "s")
 
 # (message, call): zc.Error carries the library's own message
 LIBRARY_ERRORS = [
@@ -25,8 +25,7 @@ LIBRARY_ERRORS = [
     ("Error while computing the coefficients : 2 points (at least) are mandatory",
      lambda: zc.mooney_rivlin_fit(CURVE[:1])),
     ("Unsupported length unit 'YARD'", lambda: zc.UnitSystem.from_solver_line("UNIT YARD TON S KELVIN")),
-    ("Inconsistent target unit system",
-     lambda: zc.UnitSystem(-1, "T", "s").convert([1.0], PRESSURE, zc.UnitSystem("m", "Kg", "s"))),
+    ("Inconsistent target unit system", lambda: zc.UnitSystem(-1, "T", "s").convert([1.0], PRESSURE, SI)),
     ("'ZmFilterMA' names no filter that can be created by name", lambda: zc.Filter.from_name("ZmFilterMA")),
     ("Can't process filtering. The sampling rate 10000 Hz is lower than 10 times the channel frequency class 2000",
      lambda: zc.CFCFilter(2000)(CURVE)),
@@ -127,8 +126,7 @@ def test_integers_take_the_double_twin():
     # float32 and float64 inputs keep their dtype: test_bits compares the dtypes of every result.
     assert zc.MovingAverage(3)((CURVE * 1000).astype(np.int32)).dtype == np.float64
     assert zc.principal_values(np.ones((2, 6), np.int32)).dtype == np.float64
-    si = zc.UnitSystem("m", "Kg", "s")
-    assert zc.UnitSystem("mm", "T", "s").convert(np.ones(3, np.int32), PRESSURE, si).dtype == np.float64
+    assert zc.UnitSystem("mm", "T", "s").convert(np.ones(3, np.int32), PRESSURE, SI).dtype == np.float64
 
 
 def test_every_public_name_is_documented_and_in_the_stubs():
