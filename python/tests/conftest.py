@@ -1,5 +1,5 @@
 """Reference values: the C++ program named by ZEMCALC_REFERENCE reads the inputs made here and
-writes the library's results on them, which the tests compare bit for bit with the module's."""
+writes the library's results on them, which test_bits compares bit for bit with the module's."""
 import os
 import subprocess
 
@@ -39,7 +39,7 @@ def _inputs():
 
 @pytest.fixture(scope="session")
 def reference():
-    """Named arrays, "<name>/<d|f>": the inputs in both twins and the C++ results; and the texts."""
+    """Arrays and texts by name, "<name>/<d|f>": the inputs in both twins and the C++ results."""
     exe = os.environ.get("ZEMCALC_REFERENCE")
     if not exe:
         pytest.skip("ZEMCALC_REFERENCE names no reference program (run the suite through ctest)")
@@ -47,19 +47,13 @@ def reference():
     stdin = "".join(f"{name} {v.shape[0]} {v.size // v.shape[0]}\n{' '.join(map(float.hex, v.ravel().tolist()))}\n"
                     for name, v in inputs.items())
     arrays = {f"{name}/{t}": v.astype(dtype) for name, v in inputs.items() for t, dtype in TWINS.items()}
-    texts = {}
     lines = iter(subprocess.run([exe], input=stdin, check=True, capture_output=True, text=True).stdout.splitlines())
     for line in lines:
         words = line.split(" ", 2)
         if words[0] == "text":
-            texts[words[1]] = words[2] if len(words) > 2 else ""
+            arrays[words[1]] = words[2] if len(words) > 2 else ""
         else:
             values = [float.fromhex(v) for v in next(lines).split()]
             arrays[words[0]] = np.array(values, TWINS[words[0][-1]]).reshape(int(words[1]), int(words[2]))
-    return arrays, texts
+    return arrays
 
-
-def same_bits(actual, expected):
-    """True when both arrays have the same dtype, shape and bits (NaN included)."""
-    actual = np.asarray(actual)
-    return actual.dtype == expected.dtype and actual.shape == expected.shape and actual.tobytes() == expected.tobytes()
