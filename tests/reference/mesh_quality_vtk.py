@@ -147,6 +147,12 @@ def has_zero_edge(poly):
     return any(np.linalg.norm(poly[(i + 1) % len(poly)] - poly[i]) == 0 for i in range(len(poly)))
 
 
+def mean_normal(q):
+    """The unit normal of a quad along the cross product of its diagonals (zero if they are parallel)."""
+    n = np.cross(q[2] - q[0], q[3] - q[1])
+    return n / np.linalg.norm(n) if np.linalg.norm(n) > 0 else n
+
+
 def quad_min_max(q):
     """Verdict's quad angles: a reflex corner (a negative corner area about the mean normal)
     turns the largest angle into 360 minus it; nodes 2 = 3 make it the triangle 0 1 2 (whose
@@ -155,8 +161,7 @@ def quad_min_max(q):
         a = corner_angles(q[:3])
         return min(a), max(a), 90.0
     a = corner_angles(q)
-    n = np.cross(q[2] - q[0], q[3] - q[1])
-    n = n / np.linalg.norm(n) if np.linalg.norm(n) > 0 else n
+    n = mean_normal(q)
     reflex = any(np.dot(n, np.cross(q[i] - q[i - 1], q[(i + 1) % 4] - q[i])) < 0 for i in range(4))
     hi = max(a)
     return min(a), (360.0 - hi if reflex else hi), 90.0
@@ -208,8 +213,13 @@ def hex_volume(p):
 HEX_SIGNS = np.array(IDEAL["hex"], dtype=float) * 2 - 1
 
 
+def tet_det(p):
+    """Six times the signed volume of the tetrahedron p[0..3]."""
+    return np.dot(p[3] - p[0], np.cross(p[1] - p[0], p[2] - p[0]))
+
+
 def tet_volume(p):
-    return np.dot(p[3] - p[0], np.cross(p[1] - p[0], p[2] - p[0])) / 6.0
+    return tet_det(p) / 6.0
 
 
 def tet_mean_ratio(p):
@@ -280,11 +290,8 @@ def pyramid_volume(p):
 
 def tet_scaled_jacobian(t):
     """Determinant over the largest product of the three edge lengths at a node, times sqrt(2)."""
-    det = np.dot(t[3] - t[0], np.cross(t[1] - t[0], t[2] - t[0]))
-    products = []
-    for o in range(4):
-        others = [k for k in range(4) if k != o]
-        products.append(np.prod([np.linalg.norm(t[k] - t[o]) for k in others]))
+    det = tet_det(t)
+    products = [np.prod([np.linalg.norm(t[k] - t[o]) for k in range(4) if k != o]) for o in range(4)]
     scale = max(max(products), abs(det))
     return None if scale == 0 else math.sqrt(2.0) * det / scale
 
@@ -293,7 +300,7 @@ PYRAMID_TETS = [[0, 1, 2, 4], [0, 2, 3, 4], [0, 1, 3, 4], [1, 2, 3, 4]]
 
 
 def pyramid_jacobian(p):
-    return min(np.dot(p[t[3]] - p[t[0]], np.cross(p[t[1]] - p[t[0]], p[t[2]] - p[t[0]])) for t in PYRAMID_TETS)
+    return min(tet_det(p[t]) for t in PYRAMID_TETS)
 
 
 def pyramid_scaled_jacobian(p):
@@ -307,8 +314,7 @@ def pyramid_scaled_jacobian(p):
 def quad_shape(q):
     """Verdict: twice the smallest corner area (about the mean normal) over the sum of the two
     squared edges at that corner."""
-    n = np.cross(q[2] - q[0], q[3] - q[1])
-    n = n / np.linalg.norm(n) if np.linalg.norm(n) > 0 else n
+    n = mean_normal(q)
     best = None
     for i in range(4):
         a, b = q[(i + 1) % 4] - q[i], q[(i - 1) % 4] - q[i]
