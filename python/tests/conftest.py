@@ -13,13 +13,13 @@ def _inputs():
     """A crash pulse sampled at 10 kHz (a half sine of 80 ms with ringing and noise) and curves made
     of it, noisy points, shapes and tensors (the first with a repeated eigenvalue, the second zero)."""
     rng = np.random.default_rng(12345)
-    noise = lambda *shape: rng.uniform(-1.0, 1.0, shape)  # noqa: E731
+    noise = lambda *shape: rng.uniform(-1.0, 1.0, shape)
     t, i, j, k = np.arange(2000) * 1e-4, np.arange(60), np.arange(50), np.arange(40)
     y = np.where(t < 0.08, 400 * np.sin(np.pi * t / 0.08), 0) + 30 * np.sin(2 * np.pi * 900 * t) + 5 * noise(2000)
     a, b, r, e = 0.37 * i, 0.05 * i - 1.5, 4 + 0.01 * noise(60), 0.02 + 0.03 * np.arange(12)
     points, tensors = noise(500, 3) * [60, 10, 250], 100 * noise(1000, 6)
     tensors[:2] = [[5, 5, 5, 0, 0, 0], [0] * 6]
-    xy = lambda *columns: np.column_stack(columns)  # noqa: E731
+    xy = lambda *columns: np.column_stack(columns)
     return {"pulse": xy(t, y), "pulse_ms": xy(0.1 * np.arange(2000), y), "lateral": xy(t, 0.5 * y),
             "head": xy(t, y)[:300], "shifted": xy(t[:300], np.roll(y[:300], -7)),
             "trans_output": xy(t, 0.6 * y[np.maximum(np.arange(2000) - 3, 0)] + 2.0),

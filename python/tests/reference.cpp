@@ -279,6 +279,10 @@ int main() {
     for (double& x : v)
       if (std::scanf("%la", &x) != 1) return 1;
   }
+  if (inputs.empty()) {
+    std::fputs("Reads its inputs on standard input, as python/tests/conftest.py writes them.\n", stderr);
+    return 2;
+  }
   Run<double>();
   Run<float>();
   return 0;

@@ -33,8 +33,8 @@ def _transmissibility(a, t):
 
 def _shapes(a, t):
     pts, arc, square, dt = a("points"), a("arc"), a("square"), TWINS[t]
-    row = lambda *parts: np.concatenate([np.ravel(p) for p in parts]).astype(dt)[None]  # noqa: E731
-    fit = lambda d, *keys: row(*(d[k] for k in keys), d["rms"], d["max_residual"])  # noqa: E731
+    row = lambda *parts: np.concatenate([np.ravel(p) for p in parts]).astype(dt)[None]
+    fit = lambda d, *keys: row(*(d[k] for k in keys), d["rms"], d["max_residual"])
     rigid = zc.fit_rigid(pts, a("turned"))
     arcs = [zc.Arc.through_points(*pts[:3]), zc.Arc.through_points(arc[0], arc[20], arc[39]),
             zc.Arc.from_center(*pts[3:6], (1, 2, 3)), zc.Arc.from_tangent(*pts[6:9]),
