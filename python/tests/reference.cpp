@@ -4,6 +4,7 @@
 // named "<name>/<d|f>" by twin, and a string is one line "text <name>/<d|f> <text>".
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <string>
 #include <type_traits>
@@ -47,7 +48,12 @@ void Row(const std::string& name, const F&... fields) {
 // The input of that name rounded to the twin: its values, or the points or vectors P they make.
 template <class T>
 std::vector<T> Values(const std::string& name) {
-  return std::vector<T>(inputs.at(name).begin(), inputs.at(name).end());
+  const auto found = inputs.find(name);
+  if (found == inputs.end()) {
+    std::fprintf(stderr, "No input named %s on standard input (python/tests/conftest.py writes them).\n", name.c_str());
+    std::exit(2);
+  }
+  return std::vector<T>(found->second.begin(), found->second.end());
 }
 template <class P>
 WbArrayTempl<P> In(const std::string& name) {
@@ -278,10 +284,6 @@ int main() {
     v.resize(rows * cols);
     for (double& x : v)
       if (std::scanf("%la", &x) != 1) return 1;
-  }
-  if (inputs.empty()) {
-    std::fputs("Reads its inputs on standard input, as python/tests/conftest.py writes them.\n", stderr);
-    return 2;
   }
   Run<double>();
   Run<float>();
