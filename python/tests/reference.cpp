@@ -2,6 +2,8 @@
 // its results, which the suite compares bit for bit with the module's on the same inputs. Both ways
 // one record per array, "<name> <rows> <cols>" then a line of C99 hexadecimal floats; results are
 // named "<name>/<d|f>" by twin, and a string is one line "text <name>/<d|f> <text>".
+#include <zemcalc/zemcalc.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -9,8 +11,6 @@
 #include <string>
 #include <type_traits>
 #include <vector>
-
-#include <zemcalc/zemcalc.h>
 
 namespace {
 
@@ -124,8 +124,8 @@ void Run() {
   Curve result, phaseDiff;
   WbObjectArrayTempl<Curve> curves;
   WbObjectArrayTempl<WbString> titles;
-  M::ComputeTransmissibility(pulse, In<P2>("trans_output"), T(0.01), zm::Invalid<T>(), T(2e-4), T(10), 1,
-                             T(2000), zm::Invalid<T>(), T(5), 0, result, &curves, &titles, &phaseDiff);
+  M::ComputeTransmissibility(pulse, In<P2>("trans_output"), T(0.01), zm::Invalid<T>(), T(2e-4), T(10), 1, T(2000),
+                             zm::Invalid<T>(), T(5), 0, result, &curves, &titles, &phaseDiff);
   PutCurve("transmissibility", result);
   PutCurve("transmissibility_phase", phaseDiff);
   for (std::uint64_t i = 0; i < titles.GetSize(); ++i) {
@@ -180,8 +180,8 @@ void Run() {
   WbArrayTempl<P3> feet, local;
   std::vector<T> params(points.GetSize());
   const auto frame = [](auto type) {  // of the same three points, made in double
-    return ZmFrameT<T>(ZmFrameT<double>(ZmPoint3T<double>(1, 2, 3), ZmPoint3T<double>(4, 6, 3),
-                                        ZmPoint3T<double>(0, 5, 9), 1, type));
+    return ZmFrameT<T>(
+        ZmFrameT<double>(ZmPoint3T<double>(1, 2, 3), ZmPoint3T<double>(4, 6, 3), ZmPoint3T<double>(0, 5, 9), 1, type));
   };
   for (std::uint64_t i = 0; i < points.GetSize(); ++i) {
     P3 foot;
