@@ -12,11 +12,13 @@ definitions. Elements: Verdict's golden test elements, then per type random elem
 ideal one, from mildly to wildly distorted, inverted and collapsed ones among them.
 """
 import ctypes
+import itertools
 import math
-import os
 
 import numpy as np
 import vtk
+
+from reference_support import fmt, write_beside
 
 RNG = np.random.default_rng(20261125)
 COUNT = 1000  # random elements per type
@@ -77,25 +79,21 @@ GOLDEN = {
     ],
 }
 
-Q = vtk.vtkMeshQuality
+
+def vtk_metrics(prefix, names, vtk_names=None):
+    """(column, vtkMeshQuality function prefix + name), the column renamed where VTK's name differs."""
+    vtk_names = dict(vtk_names or {})
+    return [(name, getattr(vtk.vtkMeshQuality, prefix + vtk_names.get(name, name))) for name in names.split()]
+
+
 VTK_METRICS = {
-    "tri": [("Area", Q.TriangleArea), ("AspectRatio", Q.TriangleAspectRatio), ("EdgeRatio", Q.TriangleEdgeRatio),
-            ("RadiusRatio", Q.TriangleRadiusRatio), ("MinAngle", Q.TriangleMinAngle),
-            ("MaxAngle", Q.TriangleMaxAngle), ("ScaledJacobian", Q.TriangleScaledJacobian),
-            ("Condition", Q.TriangleCondition), ("Shape", Q.TriangleShape)],
-    "quad": [("Area", Q.QuadArea), ("AspectRatio", Q.QuadAspectRatio), ("EdgeRatio", Q.QuadEdgeRatio),
-             ("Skew", Q.QuadSkew), ("Taper", Q.QuadTaper), ("WarpageVerdict", Q.QuadWarpage),
-             ("Stretch", Q.QuadStretch), ("MinAngle", Q.QuadMinAngle), ("MaxAngle", Q.QuadMaxAngle),
-             ("Jacobian", Q.QuadJacobian), ("ScaledJacobian", Q.QuadScaledJacobian),
-             ("Condition", Q.QuadCondition), ("Shape", Q.QuadShape), ("Oddy", Q.QuadOddy)],
-    "tet": [("Volume", Q.TetVolume), ("AspectRatio", Q.TetAspectRatio), ("EdgeRatio", Q.TetEdgeRatio),
-            ("RadiusRatio", Q.TetRadiusRatio), ("MinDihedralAngle", Q.TetMinAngle),
-            ("Jacobian", Q.TetJacobian), ("ScaledJacobian", Q.TetScaledJacobian),
-            ("Condition", Q.TetCondition), ("Shape", Q.TetShape), ("CollapseRatio", Q.TetCollapseRatio)],
-    "hex": [("Skew", Q.HexSkew), ("Taper", Q.HexTaper), ("Stretch", Q.HexStretch),
-            ("Diagonal", Q.HexDiagonal), ("Dimension", Q.HexDimension), ("Jacobian", Q.HexJacobian),
-            ("ScaledJacobian", Q.HexScaledJacobian), ("Condition", Q.HexCondition), ("Shape", Q.HexShape),
-            ("Oddy", Q.HexOddy)],
+    "tri": vtk_metrics("Triangle", "Area AspectRatio EdgeRatio RadiusRatio MinAngle MaxAngle ScaledJacobian Condition "
+                                   "Shape"),
+    "quad": vtk_metrics("Quad", "Area AspectRatio EdgeRatio Skew Taper WarpageVerdict Stretch MinAngle MaxAngle "
+                                "Jacobian ScaledJacobian Condition Shape Oddy", {"WarpageVerdict": "Warpage"}),
+    "tet": vtk_metrics("Tet", "Volume AspectRatio EdgeRatio RadiusRatio MinDihedralAngle Jacobian ScaledJacobian "
+                              "Condition Shape CollapseRatio", {"MinDihedralAngle": "MinAngle"}),
+    "hex": vtk_metrics("Hex", "Skew Taper Stretch Diagonal Dimension Jacobian ScaledJacobian Condition Shape Oddy"),
 }
 CELLS = {"tri": vtk.vtkTriangle, "quad": vtk.vtkQuad, "tet": vtk.vtkTetra, "hex": vtk.vtkHexahedron}
 
@@ -125,7 +123,6 @@ def wedge_shape(p, vtk_shape=verdict("wedge_shape"), jacobian=verdict("wedge_jac
 CTYPES_METRICS = {
     "wedge": [("Jacobian", verdict("wedge_jacobian")), ("ScaledJacobian", verdict("wedge_scaled_jacobian")),
               ("Shape", wedge_shape), ("EdgeRatio", verdict("wedge_edge_ratio"))],
-    "pyramid": [],
 }
 
 
@@ -150,6 +147,12 @@ def has_zero_edge(poly):
     return any(np.linalg.norm(poly[(i + 1) % len(poly)] - poly[i]) == 0 for i in range(len(poly)))
 
 
+def mean_normal(q):
+    """The unit normal of a quad along the cross product of its diagonals (zero if they are parallel)."""
+    n = np.cross(q[2] - q[0], q[3] - q[1])
+    return n / np.linalg.norm(n) if np.linalg.norm(n) > 0 else n
+
+
 def quad_min_max(q):
     """Verdict's quad angles: a reflex corner (a negative corner area about the mean normal)
     turns the largest angle into 360 minus it; nodes 2 = 3 make it the triangle 0 1 2 (whose
@@ -158,8 +161,7 @@ def quad_min_max(q):
         a = corner_angles(q[:3])
         return min(a), max(a), 90.0
     a = corner_angles(q)
-    n = np.cross(q[2] - q[0], q[3] - q[1])
-    n = n / np.linalg.norm(n) if np.linalg.norm(n) > 0 else n
+    n = mean_normal(q)
     reflex = any(np.dot(n, np.cross(q[i] - q[i - 1], q[(i + 1) % 4] - q[i])) < 0 for i in range(4))
     hi = max(a)
     return min(a), (360.0 - hi if reflex else hi), 90.0
@@ -199,23 +201,25 @@ GAUSS = (-1.0 / math.sqrt(3.0), 1.0 / math.sqrt(3.0))
 def hex_volume(p):
     """2x2x2 Gauss integration of the trilinear map's Jacobian determinant (exact: it is a
     polynomial of degree 2 in each natural coordinate)."""
+    a, b, c = HEX_SIGNS.T
     volume = 0.0
-    for r in GAUSS:
-        for s in GAUSS:
-            for t in GAUSS:
-                a, b, c = HEX_SIGNS.T
-                dn = np.stack([a * (1 + b * s) * (1 + c * t), b * (1 + a * r) * (1 + c * t),
-                               c * (1 + a * r) * (1 + b * s)], axis=1) / 8.0
-                volume += np.linalg.det(p.T @ dn)
+    for r, s, t in itertools.product(GAUSS, repeat=3):
+        dn = np.stack([a * (1 + b * s) * (1 + c * t), b * (1 + a * r) * (1 + c * t),
+                       c * (1 + a * r) * (1 + b * s)], axis=1) / 8.0
+        volume += np.linalg.det(p.T @ dn)
     return volume
 
 
-HEX_SIGNS = np.array([[-1, -1, -1], [1, -1, -1], [1, 1, -1], [-1, 1, -1],
-                      [-1, -1, 1], [1, -1, 1], [1, 1, 1], [-1, 1, 1]], dtype=float)
+HEX_SIGNS = np.array(IDEAL["hex"], dtype=float) * 2 - 1
+
+
+def tet_det(p):
+    """Six times the signed volume of the tetrahedron p[0..3]."""
+    return np.dot(p[3] - p[0], np.cross(p[1] - p[0], p[2] - p[0]))
 
 
 def tet_volume(p):
-    return np.dot(p[3] - p[0], np.cross(p[1] - p[0], p[2] - p[0])) / 6.0
+    return tet_det(p) / 6.0
 
 
 def tet_mean_ratio(p):
@@ -253,14 +257,7 @@ PYRAMID_FACES = [[3, 2, 1, 0], [0, 1, 4], [1, 2, 4], [2, 3, 4], [3, 0, 4]]
 
 
 def faces_equiangle_skew(p, faces):
-    skew = 0.0
-    for f in faces:
-        q = p[f]
-        if len(f) == 3:
-            skew = max(skew, tri_equiangle_skew(q))
-        else:
-            skew = max(skew, quad_equiangle_skew(q))
-    return skew
+    return max([0.0] + [(tri_equiangle_skew if len(f) == 3 else quad_equiangle_skew)(p[f]) for f in faces])
 
 
 def wedge_volume(p):
@@ -282,24 +279,19 @@ def pyramid_volume(p):
     """The base's bilinear sheet joined to the apex: x = (1 - t) B(r, s) + t apex, 2-point Gauss."""
     corners = [(-1, -1), (1, -1), (1, 1), (-1, 1)]
     volume = 0.0
-    for r in GAUSS:
-        for s in GAUSS:
-            for tt in GAUSS:
-                t = 0.5 * (1 + tt)
-                b = sum(0.25 * (1 + r * a) * (1 + s * c) * p[i] for i, (a, c) in enumerate(corners))
-                br = sum(0.25 * a * (1 + s * c) * p[i] for i, (a, c) in enumerate(corners))
-                bs = sum(0.25 * (1 + r * a) * c * p[i] for i, (a, c) in enumerate(corners))
-                volume += np.linalg.det(np.array([(1 - t) * br, (1 - t) * bs, p[4] - b]).T) * 0.5
+    for r, s, tt in itertools.product(GAUSS, repeat=3):
+        t = 0.5 * (1 + tt)
+        b = sum(0.25 * (1 + r * a) * (1 + s * c) * p[i] for i, (a, c) in enumerate(corners))
+        br = sum(0.25 * a * (1 + s * c) * p[i] for i, (a, c) in enumerate(corners))
+        bs = sum(0.25 * (1 + r * a) * c * p[i] for i, (a, c) in enumerate(corners))
+        volume += np.linalg.det(np.array([(1 - t) * br, (1 - t) * bs, p[4] - b]).T) * 0.5
     return volume
 
 
 def tet_scaled_jacobian(t):
     """Determinant over the largest product of the three edge lengths at a node, times sqrt(2)."""
-    det = np.dot(t[3] - t[0], np.cross(t[1] - t[0], t[2] - t[0]))
-    products = []
-    for o in range(4):
-        others = [k for k in range(4) if k != o]
-        products.append(np.prod([np.linalg.norm(t[k] - t[o]) for k in others]))
+    det = tet_det(t)
+    products = [np.prod([np.linalg.norm(t[k] - t[o]) for k in range(4) if k != o]) for o in range(4)]
     scale = max(max(products), abs(det))
     return None if scale == 0 else math.sqrt(2.0) * det / scale
 
@@ -308,7 +300,7 @@ PYRAMID_TETS = [[0, 1, 2, 4], [0, 2, 3, 4], [0, 1, 3, 4], [1, 2, 3, 4]]
 
 
 def pyramid_jacobian(p):
-    return min(np.dot(p[t[3]] - p[t[0]], np.cross(p[t[1]] - p[t[0]], p[t[2]] - p[t[0]])) for t in PYRAMID_TETS)
+    return min(tet_det(p[t]) for t in PYRAMID_TETS)
 
 
 def pyramid_scaled_jacobian(p):
@@ -322,8 +314,7 @@ def pyramid_scaled_jacobian(p):
 def quad_shape(q):
     """Verdict: twice the smallest corner area (about the mean normal) over the sum of the two
     squared edges at that corner."""
-    n = np.cross(q[2] - q[0], q[3] - q[1])
-    n = n / np.linalg.norm(n) if np.linalg.norm(n) > 0 else n
+    n = mean_normal(q)
     best = None
     for i in range(4):
         a, b = q[(i + 1) % 4] - q[i], q[(i - 1) % 4] - q[i]
@@ -397,26 +388,20 @@ def vtk_value(kind, function, p):
     return function(cell)
 
 
-def fmt(v):
-    return "nan" if v is None else "%.17g" % v
-
-
 def main():
-    here = os.path.dirname(os.path.abspath(__file__))
-    with open(os.path.join(here, "mesh_quality_vtk.txt"), "w") as out:
-        out.write("# Element quality reference values: VTK %s vtkMeshQuality (Verdict), written by\n"
-                  "# mesh_quality_vtk.py; 'nan' marks an element where the metric has no value.\n"
-                  % vtk.vtkVersion.GetVTKVersion())
-        for kind in ("tri", "quad", "tet", "hex", "wedge", "pyramid"):
-            direct = CTYPES_METRICS.get(kind, [])
-            metrics = VTK_METRICS.get(kind, []) + direct + EXTRA[kind]
-            out.write("columns %s %s\n" % (kind, " ".join(name for name, _ in metrics)))
-            elements = [as_float32(g) for g in GOLDEN[kind]] + [as_float32(p) for p in random_elements(kind)]
-            for p in elements:
-                values = ([vtk_value(kind, f, p) for _, f in VTK_METRICS.get(kind, [])] + [f(p) for _, f in direct] +
-                          [f(p) for _, f in EXTRA[kind]])
-                coords = " ".join("%.9g" % c for c in np.asarray(p, dtype=np.float32).ravel())
-                out.write("%s %s %s\n" % (kind, coords, " ".join(fmt(v) for v in values)))
+    text = ("# Element quality reference values: VTK %s vtkMeshQuality (Verdict), written by\n"
+            "# mesh_quality_vtk.py; 'nan' marks an element where the metric has no value.\n"
+            % vtk.vtkVersion.GetVTKVersion())
+    for kind in ("tri", "quad", "tet", "hex", "wedge", "pyramid"):
+        direct = CTYPES_METRICS.get(kind, [])
+        metrics = VTK_METRICS.get(kind, []) + direct + EXTRA[kind]
+        text += "columns %s %s\n" % (kind, " ".join(name for name, _ in metrics))
+        for p in [as_float32(g) for g in GOLDEN[kind]] + [as_float32(p) for p in random_elements(kind)]:
+            values = ([vtk_value(kind, f, p) for _, f in VTK_METRICS.get(kind, [])] + [f(p) for _, f in direct] +
+                      [f(p) for _, f in EXTRA[kind]])
+            coords = " ".join("%.9g" % c for c in np.asarray(p, dtype=np.float32).ravel())
+            text += "%s %s %s\n" % (kind, coords, fmt(values))
+    write_beside(__file__, "mesh_quality_vtk.txt", text)
 
 
 if __name__ == "__main__":

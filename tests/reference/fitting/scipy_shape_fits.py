@@ -6,11 +6,16 @@ fits by scipy.optimize.least_squares (trust-region reflective, stopped on the gr
 cases change (CI reads the committed table and does not need scipy):
     /usr/bin/python3 scipy_shape_fits.py > shape_fits.txt
 """
+import os
+import sys
 import warnings
 
 import numpy as np
 import scipy.linalg
 from scipy.optimize import least_squares
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from reference_support import fmt  # noqa: E402
 
 rng = np.random.default_rng(20261125)
 TIGHT = dict(method="trf", xtol=None, ftol=None, gtol=1e-14, max_nfev=200)
@@ -74,23 +79,21 @@ def plane_basis(points):
     return mean, vt[0], vt[1], vt[2]
 
 
-def fmt(values):
-    return " ".join("%.17g" % v for v in values)
+def record(kind, points):
+    """The header line of a record and its points."""
+    print("%s %d" % (kind, len(points)))
+    print("\n".join(fmt(p) for p in points))
 
 
 def circle2_case(points):
-    print("circle2 %d" % len(points))
-    for p in points:
-        print(fmt(p))
+    record("circle2", points)
     for method in ("kasa", "pratt", "taubin", "hyper"):
         print(method, fmt(algebraic(points, method)))
     print("geometric", fmt(geometric_ball(points, np.array(algebraic(points, "taubin")))))
 
 
 def circle3_case(points):
-    print("circle3 %d" % len(points))
-    for p in points:
-        print(fmt(p))
+    record("circle3", points)
     mean, u, v, n = plane_basis(points)
     flat = np.column_stack([(points - mean) @ u, (points - mean) @ v])
     cx, cy, r = geometric_ball(flat, np.array(algebraic(flat, "taubin")))
@@ -98,9 +101,7 @@ def circle3_case(points):
 
 
 def sphere_case(points):
-    print("sphere %d" % len(points))
-    for p in points:
-        print(fmt(p))
+    record("sphere", points)
     design = np.column_stack([points, np.ones(len(points))])
     b = np.linalg.lstsq(design, -(points * points).sum(axis=1), rcond=None)[0]
     center = -b[:3] / 2
@@ -110,9 +111,7 @@ def sphere_case(points):
 
 
 def cylinder_case(points, seed_axis):
-    print("cylinder %d" % len(points))
-    for p in points:
-        print(fmt(p))
+    record("cylinder", points)
     mean = points.mean(axis=0)
 
     # Axis through mean + a u + b v along (sin t cos f, sin t sin f, cos t); radius last.
@@ -134,9 +133,7 @@ def cylinder_case(points, seed_axis):
 
 def ellipse_case(points):
     # Fitzgibbon's direct fit in Halir and Flusser's form, on the raw coordinates.
-    print("ellipse %d" % len(points))
-    for p in points:
-        print(fmt(p))
+    record("ellipse", points)
     x, y = points[:, 0], points[:, 1]
     d1 = np.column_stack([x * x, x * y, y * y])
     d2 = np.column_stack([x, y, np.ones_like(x)])
