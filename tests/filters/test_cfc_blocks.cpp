@@ -3,7 +3,7 @@
 // double (a reference whose own rounding is far below the tolerance; in double, any order of
 // the recursion strays by up to about 5e-13 of the signal's scale for CFC 60 at 100 kHz), written out below from the filter's rules
 // (ends continued by L samples, each pass started in the steady state of its first value, or at
-// rest without ends): every stretch length around the block size and a long record, every end
+// rest without ends): every short length (odd and even) and a long record, every end
 // treatment and pad, classes and rates with poles close to 1 (CFC 60 at 100 kHz, CFC 1000 at
 // 10 kHz), both twins.
 #include <gtest/gtest.h>
@@ -101,7 +101,7 @@ TEST(CFCBlocks, AgreeWithThePlainRecursion) {
   const struct { double cfc, rate; } rates[] = {{60, 1.0e5}, {1000, 1.0e4}, {180, 2.0e4}, {600, 5.0e4}, {60, 1.0e4}};
   std::vector<std::size_t> lengths;
   for (std::size_t n = 0; n <= 41; ++n) lengths.push_back(n);
-  lengths.push_back(20003);  // several stretches of 4096 steps tested, then a partial block
+  lengths.push_back(20003);  // a long record, of odd length
   for (const auto& r : rates) {
     for (ZmFilterEnds ends : {ZmFilterEndsReflection, ZmFilterEndsMirror, ZmFilterEndsConstant, ZmFilterEndsNone}) {
       for (std::int64_t pad : {-1, 0, 1, 9, 1000000}) {
