@@ -1,5 +1,6 @@
-// Index sorting: the exact permutations of the pivot, scan and insertion rules, the storage
-// pre-check, the budget against defeating orders, long inputs and NaN keys, in both key precisions.
+// ZmSort in both key precisions: the exact permutations of the pivot, scan and insertion rules,
+// the storage pre-check, the budget against defeating orders, long inputs and NaN keys, and points
+// ordered along a segment (signed abscissa, float distance, nothing to sort, degenerate segment).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -23,8 +24,8 @@ std::vector<int> Identity(int n) {
 }
 
 std::vector<int> Reversed(int n) {
-  std::vector<int> idx = Identity(n);
-  return std::vector<int>(idx.rbegin(), idx.rend());
+  const std::vector<int> idx = Identity(n);
+  return {idx.rbegin(), idx.rend()};
 }
 
 template <class K>
@@ -56,9 +57,8 @@ struct LiteralSort {
       std::swap(idx[i], idx[j]);
     } while (i < j);
     if (i > j) std::swap(idx[i], idx[j]);
-    const int p = std::min(i, j);
-    std::swap(idx[0], idx[p]);
-    return p;
+    std::swap(idx[0], idx[std::min(i, j)]);
+    return std::min(i, j);
   }
   void Slice(int n, int* idx, int depth, long long limit) const {
     if (n < 16) {
@@ -80,9 +80,7 @@ struct LiteralSort {
   }
   std::vector<int> Run(std::vector<int> idx) const {
     const int n = static_cast<int>(idx.size());
-    bool ordered = true;
-    for (int i = 0; i + 1 < n; ++i) ordered = ordered && key[i + 1] >= key[i];
-    if (!ordered) Slice(n, idx.data(), 0, n);
+    if (std::adjacent_find(key, key + n, [](K a, K b) { return !(b >= a); }) != key + n) Slice(n, idx.data(), 0, n);
     return idx;
   }
 };
@@ -110,8 +108,7 @@ TYPED_TEST(SortTwins, WorkedPermutations) {
       {{3, 1, 2, 1, 3, 0}, {4, 3, 2, 1, 0, 5}, {5, 3, 1, 2, 4, 0}},
       // Fifteen equal keys but one: only the smaller one moves, to the front.
       {{2, 2, 2, 2, 2, 2, 2, 2, 2, 1, 2, 2, 2, 2, 2}, {}, {9, 0, 1, 2, 3, 4, 5, 6, 7, 8, 10, 11, 12, 13, 14}},
-      // Keys 15..0: the pivot (smallest sample, key 0 at position 15) goes to position 0, and the
-      // remaining fifteen are insertion-sorted.
+      // Keys 15..0: the pivot (key 0 at position 15) goes to position 0, the rest insertion-sorted.
       {{15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0}, {}, Reversed(16)},
       // Worked by hand (n = 16, last = 15, mid = 8): samples key 5 (pos 0), 2 (pos 8), 4 (pos 15):
       //  5 > 4 swaps 0/15; 4 > 2 swaps 0/8: pivot 2 (index 8), idx = 8 1 2 3 4 5 6 7 15 9 10 11 12 13 14 0.
@@ -132,8 +129,7 @@ TYPED_TEST(SortTwins, WorkedPermutations) {
     const std::vector<int> idx = r.idx.empty() ? Identity(static_cast<int>(key.size())) : r.idx;
     EXPECT_EQ(Sorted(key, idx), r.expected) << "keys " << key.size() << " first " << key[0];
   }
-  EXPECT_EQ(ZmSort().sort_fast(0, nullptr, static_cast<K*>(nullptr)), 0);
-  EXPECT_EQ(ZmSort().sort_fast(-3, nullptr, static_cast<K*>(nullptr)), 0);
+  for (int n : {0, -3}) EXPECT_EQ(ZmSort().sort_fast(n, nullptr, static_cast<K*>(nullptr)), 0);
 }
 
 TYPED_TEST(SortTwins, OrdinaryKeysFollowThePlainAlgorithmExactly) {
@@ -156,12 +152,8 @@ TYPED_TEST(SortTwins, OrdinaryKeysFollowThePlainAlgorithmExactly) {
         std::vector<int> idx = Identity(n);
         if (kind == 3) std::shuffle(idx.begin(), idx.end(), rng);
         std::vector<int> got = Sorted(key, idx);
-        if (kind < 5) {
-          ASSERT_EQ(got, LiteralSort<K>{key.data()}.Run(idx)) << seed << " " << n << " " << kind;
-        } else {
-          std::sort(got.begin(), got.end());
-          ASSERT_EQ(got, idx) << seed << " " << n << " " << kind;
-        }
+        if (kind >= 5) std::sort(got.begin(), got.end());
+        ASSERT_EQ(got, kind < 5 ? LiteralSort<K>{key.data()}.Run(idx) : idx) << seed << " " << n << " " << kind;
       }
     }
   }
@@ -169,12 +161,12 @@ TYPED_TEST(SortTwins, OrdinaryKeysFollowThePlainAlgorithmExactly) {
 
 TYPED_TEST(SortTwins, OrdersThatDefeatThePivotFinishByKeyThenIndexInTime) {
   using K = TypeParam;
-  // Organ-pipe keys (every value twice), ascending keys but the first (so the storage check
-  // fails), descending keys with every 97th a NaN through a reversed idx, and ascending keys
-  // through a reversed idx leave one long side per partition and run over budget; the rest is
-  // ordered by key, then by index value (NaN last), which puts some ties of the pipe in another
-  // order than the quicksort. Before the budget, the last order cost one partition per key:
-  // minutes at a quarter million keys, now a fraction of a second, even under the sanitizers.
+  // Organ-pipe keys (every value twice), ascending keys but the first (the storage check fails),
+  // descending keys with every 97th a NaN through a reversed idx, and ascending keys through a
+  // reversed idx leave one long side per partition and run over budget; the rest is ordered by
+  // key, then by index value (NaN last), which puts some ties of the pipe in another order than the
+  // quicksort. Before the budget, the last order cost one partition per key: minutes at a quarter
+  // million keys, now a fraction of a second, even under the sanitizers.
   for (int n : {40, 3000, 1 << 18}) {
     std::vector<K> pipe(n), almostAscending(n), withNan(n), descending(n);
     for (int i = 0; i < n; ++i) {
@@ -195,6 +187,49 @@ TYPED_TEST(SortTwins, OrdersThatDefeatThePivotFinishByKeyThenIndexInTime) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(Sorted(descending, Reversed(n)), Reversed(n));
     EXPECT_LT(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), 5.0);
+  }
+}
+
+using Pd = ZmPoint3d;
+// a = (1,1,1), b = (3,3,2): direction u = (2,2,1)/3. Each point is a + t u + an offset
+// orthogonal to u, built from e1 = (1,-1,0) and e2 = (1,0,-2) (both have u.e = 0):
+//   0: t 2.5, +e1 = (11/3, 5/3, 11/6)    1: t -1, +e2/2 = (5/6, 1/3, -1/3)    2: a itself
+//   3: t 4 = (11/3, 11/3, 7/3)           4: t 1, -e1 = (2/3, 8/3, 4/3)        5: t -3, +e2 = (0, -1, -2)
+// numpy, key = cos(acos(w.u / |w|)) * float32(|w|): 2.5, -1.0, (0 at a), 4.0, 1.0, -3.0 (each
+// within 1e-7 relative): points behind a have negative keys and come first.
+const std::vector<Pd> kAlong = {Pd(11.0 / 3, 5.0 / 3, 11.0 / 6), Pd(5.0 / 6, 1.0 / 3, -1.0 / 3), Pd(1, 1, 1),
+                                Pd(11.0 / 3, 11.0 / 3, 7.0 / 3), Pd(2.0 / 3, 8.0 / 3, 4.0 / 3), Pd(0, -1, -2)};
+
+TYPED_TEST(SortTwins, PointsOnASegmentComeInOrderOfTheirProjection) {
+  using P = ZmPoint3T<TypeParam>;
+  const struct {
+    Pd a, b;
+    std::vector<Pd> points;
+    std::vector<int> idx, expected;
+    int result;
+  } rows[] = {
+      {Pd(1, 1, 1), Pd(3, 3, 2), kAlong, {0, 1, 2, 3, 4, 5}, {5, 1, 2, 4, 0, 3}, 0},
+      // Swapping the ends reverses the direction: keys from (3,3,2) towards (1,1,1) are 3 - t.
+      {Pd(3, 3, 2), Pd(1, 1, 1), kAlong, {0, 1, 2, 3, 4, 5}, {3, 0, 4, 2, 1, 5}, 0},
+      // a == b: the angle is the invalid marker, every key cos(-1.0e32f) |w| = -0.18649658702462218 |w|
+      // (math.cos; numpy float32 -0.18649659): the farthest first. Distances from a: 2, 5, 1, 3.
+      {Pd(1, 2, 3), Pd(1, 2, 3), {Pd(3, 2, 3), Pd(1, 2, -2), Pd(1, 1, 3), Pd(1, 5, 3)}, {0, 1, 2, 3}, {1, 3, 0, 2}, 0},
+      // Nothing to sort: result 1, idx untouched.
+      {Pd(0, 0, 0), Pd(1, 0, 0), {}, {-7, -8}, {-7, -8}, 1},
+      {Pd(0, 0, 0), Pd(1, 0, 0), {Pd(5, 0, 0)}, {-7, -8}, {-7, -8}, 1},
+      // Keys ascending in storage order pass the storage check of sort_fast: result 0, idx kept.
+      {Pd(0, 0, 0), Pd(1, 0, 0), {Pd(5, 0, 0), Pd(6, 1, 0)}, {1, 0}, {1, 0}, 0},
+      // Along the direction the key is the distance, 1 + 1e-12 and 1 as doubles but the same float:
+      // the keys tie and idx is kept; with the distance in full double precision they would swap.
+      {Pd(0, 0, 0), Pd(1, 0, 0), {Pd(1 + 1e-12, 0, 0), Pd(1, 0, 0)}, {0, 1}, {0, 1}, 0},
+  };
+  for (const auto& r : rows) {
+    P a(r.a.x, r.a.y, r.a.z), b(r.b.x, r.b.y, r.b.z);
+    WbArrayTempl<P> points;
+    for (const Pd& p : r.points) points.Add(P(p.x, p.y, p.z));
+    std::vector<int> idx = r.idx;
+    EXPECT_EQ(ZmSort().SortArrayPoint3DOnSegment(a, b, points, idx.data()), r.result) << r.points.size();
+    EXPECT_EQ(idx, r.expected) << r.points.size();
   }
 }
 
