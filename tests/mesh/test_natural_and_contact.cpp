@@ -39,16 +39,18 @@ Pd RandomNatural(ZmElementType type, std::mt19937_64& rng) {
   return Pd(x, y, type == ZmElementHex8 ? z : type == ZmElementPyramid5 ? 0.45 * (z + 1) : 0);
 }
 
+// A random affine image of the reference element (scaled about 2, 1.5, 1 and sheared), each node
+// moved by `distortion` times a normal deviate.
 std::vector<Pd> Transformed(const Shape& s, std::mt19937_64& rng, double distortion) {
   std::normal_distribution<double> n(0.0, 1.0);
-  const double m[3][3] = {{2 + 0.3 * n(rng), 0.4 * n(rng), 0.2 * n(rng)},
-                          {0.3 * n(rng), 1.5 + 0.2 * n(rng), 0.3 * n(rng)},
-                          {0.2 * n(rng), 0.1 * n(rng), 1 + 0.2 * n(rng)}};
+  double m[3][3];
+  for (int i = 0; i < 9; ++i) m[i / 3][i % 3] = (i % 4 ? 0.0 : 2 - 0.5 * (i / 4)) + 0.25 * n(rng);
   std::vector<Pd> out;
   for (const Pd& p : s.reference) {
     const double q[3] = {p.x + distortion * n(rng), p.y + distortion * n(rng), p.z + distortion * n(rng)};
-    out.emplace_back(m[0][0] * q[0] + m[0][1] * q[1] + m[0][2] * q[2] + 10,
-                     m[1][0] * q[0] + m[1][1] * q[1] + m[1][2] * q[2], m[2][0] * q[0] + m[2][1] * q[1] + m[2][2] * q[2] - 3);
+    double r[3];
+    for (int i = 0; i < 3; ++i) r[i] = m[i][0] * q[0] + m[i][1] * q[1] + m[i][2] * q[2];
+    out.emplace_back(r[0] + 10, r[1], r[2] - 3);
   }
   return out;
 }
@@ -178,7 +180,7 @@ TEST(Penetration, NodeAgainstTriangleAndQuadSegments) {
 }
 
 // The grid search against every (node, segment) pair tested directly. Each segment has nodes of
-// its own, stored one after the other.
+// its own, stored one after the other; 2000 free nodes follow.
 TEST(Penetration, GridSearchFindsWhatTheAllPairsLoopFinds) {
   std::mt19937_64 rng(5);
   std::uniform_real_distribution<double> u(0.0, 10.0), d(-0.6, 0.6), t(0.0, 0.8);
@@ -186,23 +188,18 @@ TEST(Penetration, GridSearchFindsWhatTheAllPairsLoopFinds) {
   std::vector<double> thickness, segmentThickness;
   std::vector<ZmElementType> types;
   std::vector<std::int64_t> connectivity;
-  const auto addSegment = [&](ZmElementType type, const std::vector<Pd>& corners, double segment, double node) {
-    types.push_back(type);
-    segmentThickness.push_back(segment);
-    for (const Pd& c : corners) {
-      connectivity.push_back(static_cast<std::int64_t>(nodes.size()));
-      nodes.push_back(c);
-      thickness.push_back(node);
-    }
-  };
-  for (int s = 0; s < 400; ++s) {
+  // The last segment lies across the whole box: too large to bin, tested against every node.
+  const Pd across[] = {Pd(-1, -1, 5), Pd(11, -1, 5.5), Pd(5, 11, 4.5)};
+  for (int s = 0; s <= 400; ++s) {
     const Pd c(u(rng), u(rng), u(rng));
-    std::vector<Pd> corners(s % 2 ? 4 : 3);
-    for (Pd& p : corners) p = Pd(c.x + d(rng), c.y + d(rng), c.z + d(rng));
-    addSegment(s % 2 ? ZmElementQuad4 : ZmElementTri3, corners, t(rng), t(rng));
+    types.push_back(s % 2 ? ZmElementQuad4 : ZmElementTri3);
+    segmentThickness.push_back(s == 400 ? 0.5 : t(rng));
+    for (int i = 0; i < M::NodeCount(types.back()); ++i) {
+      connectivity.push_back(static_cast<std::int64_t>(nodes.size()));
+      nodes.push_back(s == 400 ? across[i] : Pd(c.x + d(rng), c.y + d(rng), c.z + d(rng)));
+      thickness.push_back(s == 400 ? 0 : t(rng));
+    }
   }
-  // One segment across the whole box: too large to bin, tested against every node.
-  addSegment(ZmElementTri3, {Pd(-1, -1, 5), Pd(11, -1, 5.5), Pd(5, 11, 4.5)}, 0.5, 0);
   for (int i = 0; i < 2000; ++i) {
     nodes.emplace_back(u(rng), u(rng), u(rng));
     thickness.push_back(t(rng));
