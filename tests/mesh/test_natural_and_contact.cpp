@@ -2,13 +2,12 @@
 // penetration of nodes into shell segments, one pair at a time and through the grid search
 // against a plain all-pairs loop.
 #include <gtest/gtest.h>
+#include <zemcalc/zemcalc.h>
 
 #include <random>
 #include <set>
 #include <tuple>
 #include <vector>
-
-#include <zemcalc/zemcalc.h>
 
 namespace {
 
@@ -77,7 +76,7 @@ TEST(NaturalCoordinates, RoundTripsWithinSixStepsOnUndistortedElements) {
   }
 }
 
-TEST(NaturalCoordinates, NodesInterpolateAndOutsidePointsFindTheBoundary) {
+TEST(NaturalCoordinates, OutsidePointsFindTheBoundaryAndBadInputIsStated) {
   for (int i = 0; i < 8; ++i) EXPECT_EQ(M::ComputePointAtNatural(ZmElementHex8, kCube.data(), kCube[i]), kCube[i]);
   // A warped quad: x = 1 + r, y = 1 + s, z bilinear in the corner heights 0, 0.3, -0.2, 0.4. At
   // (r, s) = (0.3, -0.4): z = (1.3 1.4 0.3 - 1.3 0.6 0.2 + 0.7 0.6 0.4) / 4 = 0.1395,
@@ -86,43 +85,41 @@ TEST(NaturalCoordinates, NodesInterpolateAndOutsidePointsFindTheBoundary) {
   // the 3x2 Jacobian, not a projection on the plane of three nodes.
   const std::vector<Pd> warped = {{0, 0, 0}, {2, 0, 0.3}, {2, 2, -0.2}, {0, 2, 0.4}};
   const Pd foot(1.3, 0.6, 0.1395);
+  const std::vector<Pd> collapsed(8, Pd(1, 2, 3)), &square = kShapes[1].reference, &tri = kShapes[0].reference;
+  const ZmNaturalStatus ok = ZmNaturalConverged, bad = ZmNaturalInvalidInput;
   const struct {
     ZmElementType type;
     const std::vector<Pd>* nodes;
     Pd point, closest, natural;
     double distance;
     unsigned char inside;
+    ZmNaturalStatus status;
   } rows[] = {
       // The reference elements map natural coordinates to themselves: those of the point (of its
       // foot on a shell's plane), outside the range for an outside point.
-      {ZmElementHex8, &kCube, Pd(3, 0.5, 0.5), Pd(1, 0.5, 0.5), Pd(3, 0.5, 0.5), 2.0, 0},
-      {ZmElementHex8, &kCube, Pd(2, 2, 0), Pd(1, 1, 0), Pd(2, 2, 0), std::sqrt(2.0), 0},
-      {ZmElementHex8, &kCube, Pd(0.2, 0.3, -0.4), Pd(0.2, 0.3, -0.4), Pd(0.2, 0.3, -0.4), 0.0, 1},
+      {ZmElementHex8, &kCube, Pd(3, 0.5, 0.5), Pd(1, 0.5, 0.5), Pd(3, 0.5, 0.5), 2.0, 0, ok},
+      {ZmElementHex8, &kCube, Pd(2, 2, 0), Pd(1, 1, 0), Pd(2, 2, 0), std::sqrt(2.0), 0, ok},
+      {ZmElementHex8, &kCube, Pd(0.2, 0.3, -0.4), Pd(0.2, 0.3, -0.4), Pd(0.2, 0.3, -0.4), 0.0, 1, ok},
       // shells: the foot on the sheet inside, the nearest edge point outside
-      {ZmElementQuad4, &kShapes[1].reference, Pd(0.5, 0.5, 3), Pd(0.5, 0.5, 0), Pd(0.5, 0.5, 0), 3.0, 1},
-      {ZmElementQuad4, &kShapes[1].reference, Pd(2, 0.5, 1), Pd(1, 0.5, 0), Pd(2, 0.5, 0), std::sqrt(2.0), 0},
-      {ZmElementTri3, &kShapes[0].reference, Pd(1, 1, 0), Pd(0.5, 0.5, 0), Pd(1, 1, 0), std::sqrt(0.5), 0},
+      {ZmElementQuad4, &square, Pd(0.5, 0.5, 3), Pd(0.5, 0.5, 0), Pd(0.5, 0.5, 0), 3.0, 1, ok},
+      {ZmElementQuad4, &square, Pd(2, 0.5, 1), Pd(1, 0.5, 0), Pd(2, 0.5, 0), std::sqrt(2.0), 0, ok},
+      {ZmElementTri3, &tri, Pd(1, 1, 0), Pd(0.5, 0.5, 0), Pd(1, 1, 0), std::sqrt(0.5), 0, ok},
       {ZmElementQuad4, &warped, foot + ZmVector3d(-0.015, 0.0925, 1) * (0.25 / std::sqrt(1.00878125)), foot,
-       Pd(0.3, -0.4, 0), 0.25, 1},
+       Pd(0.3, -0.4, 0), 0.25, 1, ok},
+      // A collapsed element is singular: natural (0, 0, 0) and the distance to its point; a NaN point
+      // or a type without natural coordinates writes nothing.
+      {ZmElementHex8, &collapsed, Pd(0, 0, 0), Pd(1, 2, 3), Pd(0, 0, 0), std::sqrt(14.0), 0, ZmNaturalSingular},
+      {ZmElementHex8, &kCube, Pd(NAN, 0, 0), Pd(), Pd(), 0, 0, bad},
+      {ZmElementBeam2, &kCube, Pd(0, 0, 0), Pd(), Pd(), 0, 0, bad},
   };
   for (const auto& r : rows) {
     const auto got = M::ComputeNaturalCoordinates(r.type, r.nodes->data(), r.point);
-    EXPECT_EQ(got.status, ZmNaturalConverged) << &r - rows;
+    EXPECT_EQ(got.status, r.status) << &r - rows;
     EXPECT_EQ(got.inside, r.inside) << &r - rows;
     EXPECT_NEAR((got.closest - r.closest).length(), 0.0, 1e-10) << &r - rows;
     EXPECT_NEAR((got.natural - r.natural).length(), 0.0, 1e-10) << &r - rows;
     EXPECT_NEAR(got.distance, r.distance, 1e-10) << &r - rows;
   }
-}
-
-TEST(NaturalCoordinates, SingularAndBadElementsAreStatedNotNaN) {
-  const std::vector<Pd> collapsed(8, Pd(1, 2, 3));
-  const auto r = M::ComputeNaturalCoordinates(ZmElementHex8, collapsed.data(), Pd(0, 0, 0));
-  EXPECT_EQ(r.status, ZmNaturalSingular);
-  EXPECT_EQ(r.natural, Pd(0, 0, 0));
-  EXPECT_NEAR(r.distance, std::sqrt(14.0), 1e-12);
-  EXPECT_EQ(M::ComputeNaturalCoordinates(ZmElementHex8, kCube.data(), Pd(NAN, 0, 0)).status, ZmNaturalInvalidInput);
-  EXPECT_EQ(M::ComputeNaturalCoordinates(ZmElementBeam2, kCube.data(), Pd(0, 0, 0)).status, ZmNaturalInvalidInput);
   // An element folded through itself: Newton stops at the limit with finite numbers.
   std::vector<Pd> folded = kCube;
   std::swap(folded[6], folded[0]);
@@ -134,8 +131,8 @@ TEST(NaturalCoordinates, SingularAndBadElementsAreStatedNotNaN) {
 // Both twins run one double implementation: on coordinates exact in float, the float results are
 // the double ones rounded.
 TEST(NaturalCoordinates, FloatTwinIsTheDoubleResultRounded) {
-  const std::vector<Pd> wide = {{0, 0, 0},   {2.5, 0.25, 0}, {2.75, 2, 0.5},   {0.25, 1.75, 0},
-                                {0, 0.5, 2}, {2, 0, 2.25},   {2.5, 2.5, 2}, {0.5, 2, 1.75}};
+  const std::vector<Pd> wide = {{0, 0, 0},   {2.5, 0.25, 0}, {2.75, 2, 0.5}, {0.25, 1.75, 0},
+                                {0, 0.5, 2}, {2, 0, 2.25},   {2.5, 2.5, 2},  {0.5, 2, 1.75}};
   std::vector<ZmPoint3f> narrow;
   for (const Pd& p : wide) narrow.emplace_back(float(p.x), float(p.y), float(p.z));
   const auto d = M::ComputeNaturalCoordinates(ZmElementHex8, wide.data(), Pd(1.25, 0.75, 1.5));
@@ -205,9 +202,9 @@ TEST(Penetration, GridSearchFindsWhatTheAllPairsLoopFinds) {
     thickness.push_back(t(rng));
   }
   WbArrayTempl<M::Penetration> found;
-  const std::uint64_t count = M::FindPenetrations(nodes.data(), nodes.size(), nullptr, 0, thickness.data(),
-                                                  types.data(), connectivity.data(), types.size(),
-                                                  segmentThickness.data(), found);
+  const std::uint64_t count =
+      M::FindPenetrations(nodes.data(), nodes.size(), nullptr, 0, thickness.data(), types.data(), connectivity.data(),
+                          types.size(), segmentThickness.data(), found);
   std::set<std::tuple<std::uint64_t, std::uint64_t, double>> grid, all;
   for (std::uint64_t i = 0; i < found.GetSize(); ++i) grid.emplace(found[i].node, found[i].segment, found[i].depth);
   for (std::uint64_t n = 0; n < nodes.size(); ++n) {
