@@ -3,8 +3,8 @@
 // every quality metric against the committed table of VTK 9.1 / Verdict values.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <limits>
 #include <map>
