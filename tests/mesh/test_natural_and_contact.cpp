@@ -61,10 +61,12 @@ TEST(NaturalCoordinates, RoundTripsWithinSixStepsOnUndistortedElements) {
       for (int trial = 0; trial < 200; ++trial) {
         const std::vector<Pd> nodes = Transformed(s, rng, distortion);
         const Pd natural = RandomNatural(s.type, rng);
-        double shape[8], sum = 0;
+        double shape[9], sum = 0;
+        shape[M::NodeCount(s.type)] = -7;  // one past the values: left alone
         const Pd point = M::ComputePointAtNatural(s.type, nodes.data(), natural, shape);
         for (int i = 0; i < M::NodeCount(s.type); ++i) sum += shape[i];
         EXPECT_NEAR(sum, 1.0, 1e-14);
+        EXPECT_EQ(shape[M::NodeCount(s.type)], -7);
         const auto r = M::ComputeNaturalCoordinates(s.type, nodes.data(), point, 1e-9);
         ASSERT_EQ(r.status, ZmNaturalConverged) << s.type;
         EXPECT_LE((r.natural - natural).length(), 1e-12) << s.type << " distortion " << distortion;
@@ -104,6 +106,8 @@ TEST(NaturalCoordinates, OutsidePointsFindTheBoundaryAndBadInputIsStated) {
       {ZmElementQuad4, &square, Pd(0.5, 0.5, 3), Pd(0.5, 0.5, 0), Pd(0.5, 0.5, 0), 3.0, 1, ok},
       {ZmElementQuad4, &square, Pd(2, 0.5, 1), Pd(1, 0.5, 0), Pd(2, 0.5, 0), std::sqrt(2.0), 0, ok},
       {ZmElementTri3, &tri, Pd(1, 1, 0), Pd(0.5, 0.5, 0), Pd(1, 1, 0), std::sqrt(0.5), 0, ok},
+      // A point on a face (s = 0 exactly) is inside: the range is closed.
+      {ZmElementWedge6, &kShapes[4].reference, Pd(0.25, 0, 0.5), Pd(0.25, 0, 0.5), Pd(0.25, 0, 0.5), 0.0, 1, ok},
       {ZmElementQuad4, &warped, foot + ZmVector3d(-0.015, 0.0925, 1) * (0.25 / std::sqrt(1.00878125)), foot,
        Pd(0.3, -0.4, 0), 0.25, 1, ok},
       // A collapsed element is singular: natural (0, 0, 0) and the distance to its point; a NaN point
@@ -162,6 +166,8 @@ TEST(Penetration, NodeAgainstTriangleAndQuadSegments) {
       // (0.75, 0.5) lies in the triangle (centre, 1, 2) with weights 0.25, 0.25: natural (0.5, 0)
       {ZmElementQuad4, Pd(0.75, 0.5, 0.1), 0.9, Pd(0.75, 0.5, 0), Pd(0.5, 0, 0), 1},
       {ZmElementQuad4, Pd(0.5, 0.5, -2), -1.0, Pd(0.5, 0.5, 0), Pd(0, 0, 0), -1},
+      // (0.25, 0.5) in the triangle (centre, 3, 0), weights 0.25, 0.25: natural (-1, 1) / 4 + (-1, -1) / 4
+      {ZmElementQuad4, Pd(0.25, 0.5, 0.2), 0.8, Pd(0.25, 0.5, 0), Pd(-0.5, 0, 0), 1},
   };
   for (const auto& r : rows) {
     M::Penetration p;
