@@ -9,7 +9,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <initializer_list>
 #include <limits>
 #include <map>
 #include <sstream>
@@ -19,6 +18,8 @@
 namespace fittest {
 
 using Scalars = ::testing::Types<double, float>;
+template <class T>
+class Twins : public ::testing::Test {};
 constexpr double kPi = 3.141592653589793;
 
 template <class T>
@@ -38,9 +39,9 @@ double Gap(const P& a, const P& b) {
 // Each computed value within tol of the expected value beside it; `where` and the index name
 // a failure.
 template <class Where>
-void ExpectNear(std::initializer_list<double> got, std::initializer_list<double> want, double tol, const Where& where) {
+void ExpectNear(const std::vector<double>& got, const std::vector<double>& want, double tol, const Where& where) {
   ASSERT_EQ(got.size(), want.size()) << where;
-  for (std::size_t k = 0; k < got.size(); ++k) EXPECT_NEAR(got.begin()[k], want.begin()[k], tol) << where << " #" << k;
+  for (std::size_t k = 0; k < got.size(); ++k) EXPECT_NEAR(got[k], want[k], tol) << where << " #" << k;
 }
 
 // A record opens with "<kind> <n>" and its n numeric rows, followed by named result lines

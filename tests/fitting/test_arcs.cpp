@@ -7,7 +7,7 @@ namespace {
 using namespace fittest;
 
 template <class T>
-class ArcTwins : public ::testing::Test {};
+using ArcTwins = Twins<T>;
 TYPED_TEST_SUITE(ArcTwins, Scalars);
 
 TYPED_TEST(ArcTwins, CircleThroughThreePoints) {

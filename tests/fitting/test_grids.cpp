@@ -7,7 +7,7 @@ namespace {
 using namespace fittest;
 
 template <class T>
-class GridTwins : public ::testing::Test {};
+using GridTwins = Twins<T>;
 TYPED_TEST_SUITE(GridTwins, Scalars);
 
 TYPED_TEST(GridTwins, RectangleAndPolygonGrids) {

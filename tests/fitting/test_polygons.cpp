@@ -7,7 +7,7 @@ namespace {
 using namespace fittest;
 
 template <class T>
-class PolygonTwins : public ::testing::Test {};
+using PolygonTwins = Twins<T>;
 TYPED_TEST_SUITE(PolygonTwins, Scalars);
 
 TYPED_TEST(PolygonTwins, Properties) {
