@@ -25,11 +25,6 @@ constexpr double kPi = 3.141592653589793;
 template <class T>
 constexpr bool kIsDouble = std::is_same<T, double>::value;
 
-template <class T>
-T Nan() {
-  return std::numeric_limits<T>::quiet_NaN();
-}
-
 // The distance between two points or vectors of one twin.
 template <class P>
 double Gap(const P& a, const P& b) {

@@ -137,7 +137,7 @@ TYPED_TEST(FitTwins, ExactShapes) {
   using M = ZmMathT<T>;
   // (3, 4) is at distance 5 from the origin, as are (5, 0), (0, -5), (-4, 3); centre (1, 2).
   // The NaN point is skipped.
-  const WbArrayTempl<P2> circle{P2(4, 6), P2(6, 2), P2(1, -3), P2(-3, 5), P2(Nan<T>(), 0)};
+  const WbArrayTempl<P2> circle{P2(4, 6), P2(6, 2), P2(1, -3), P2(-3, 5), P2(NAN, 0)};
   for (int m = ZmCircleFitKasa; m <= ZmCircleFitGeometric; ++m) {
     const auto fit = M::FitCircle(circle, ZmCircleFitMethod(m));
     EXPECT_EQ(fit.quality.status, ZmFitOk) << m;
@@ -163,9 +163,8 @@ TYPED_TEST(FitTwins, ExactShapes) {
   WbArrayTempl<P3> fixed;
   for (const P3& p : moving) fixed.Add(P3(10 - p.y, 20 + p.x, 30 + p.z));
   const auto rigid = M::FitRigid(moving, fixed);
-  for (ZmFitStatus status : {c3.quality.status, e.quality.status, line.quality.status, rigid.quality.status}) {
-    EXPECT_EQ(status, ZmFitOk);
-  }
+  EXPECT_EQ(std::vector<int>({c3.quality.status, e.quality.status, line.quality.status, rigid.quality.status}),
+            std::vector<int>(4, ZmFitOk));
   ExpectNear({std::fabs(c3.normal.x), std::fabs(e.majorAxis.y), std::fabs(line.direction.x * 2 - line.direction.y),
               line.quality.rms + line.quality.maxResidual, line.fitQuality},
              {1, 1, 0, 2, 1 - 4.0 / 20.0}, 1e-6, "exact");
@@ -188,8 +187,7 @@ TYPED_TEST(FitTwins, ExactShapes) {
   EXPECT_EQ(weighted.quality.count, 5);
   EXPECT_EQ(repeated.quality.count, 7);
   EXPECT_GT(weighted.quality.rms, 0.01);
-  const auto& a = weighted.rotation;
-  const auto& b = repeated.rotation;
+  const auto &a = weighted.rotation, &b = repeated.rotation;
   ExpectNear({Gap(a.GetRow(0), b.GetRow(0)), Gap(a.GetRow(1), b.GetRow(1)), Gap(a.GetRow(2), b.GetRow(2)),
               Gap(weighted.translation, repeated.translation) / 10},
              {0, 0, 0, 0}, 1e-5, "weights");
@@ -215,10 +213,8 @@ TYPED_TEST(FitTwins, DegenerateInputGivesTheStatedAnswer) {
       {L{P(0, 0, 0), P(1, 0, 0), P(3, 0, 0)}, ZmFitDegenerate, ZmFitOk, P(0, 0, 1), P(1, 0, 0)},
       {L{P(5, 5, 5), P(5, 5, 5), P(5, 5, 5)}, ZmFitDegenerate, ZmFitDegenerate, P(0, 0, 1), P(1, 0, 0)},
       // NaN and marked points are skipped: what is left is the square in z = 2.
-      {L{P(0, 0, 2), P(Nan<T>(), 0, 0), P(1, 0, 2), invalid, P(1, 1, 2), P(0, 1, 2)}, ZmFitOk, ZmFitOk, P(0, 0, 1),
-       none},
-      {L{P(0, 0, 0), P(1, 0, 0), P(std::numeric_limits<T>::infinity(), 1, 0)}, ZmFitBadInput, ZmFitBadInput, none,
-       none},
+      {L{P(0, 0, 2), P(NAN, 0, 0), P(1, 0, 2), invalid, P(1, 1, 2), P(0, 1, 2)}, ZmFitOk, ZmFitOk, P(0, 0, 1), none},
+      {L{P(0, 0, 0), P(1, 0, 0), P(INFINITY, 1, 0)}, ZmFitBadInput, ZmFitBadInput, none, none},
   };
   for (std::size_t i = 0; i < sizeof(rows) / sizeof(rows[0]); ++i) {
     const Row& r = rows[i];

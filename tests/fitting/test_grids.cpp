@@ -60,7 +60,7 @@ TYPED_TEST(GridTwins, RangeGrid) {
       {1, 0, T(0.5), {1, 0.5, 0}},
       {2, 2, 1, {2}},
       {0, 1, 0, {}},
-      {0, Nan<T>(), 1, {}},
+      {0, NAN, 1, {}},
   };
   for (const auto& r : rows) {
     WbArrayTempl<T> x;

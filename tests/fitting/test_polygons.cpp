@@ -41,7 +41,7 @@ TYPED_TEST(PolygonTwins, Properties) {
        -1, 0, P(), V(), 0},
       {L{P(0, 0, 0), P(1, 1, 1), P(3, 3, 3)}, ZmPolygonDegenerate, 0, 0, P(4.0 / 3, 4.0 / 3, 4.0 / 3), V(0, 0, 1), 0},
       {L{P(0, 0, 0), P(1, 1, 1), P(0, 0, 0)}, ZmPolygonTooFewPoints, bad, bad, badP, V(badP), 0},
-      {L{P(0, 0, 0), P(1, Nan<T>(), 1), P(0, 1, 0)}, ZmPolygonBadInput, bad, bad, badP, V(badP), 0},
+      {L{P(0, 0, 0), P(1, NAN, 1), P(0, 1, 0)}, ZmPolygonBadInput, bad, bad, badP, V(badP), 0},
   };
   for (std::size_t i = 0; i < sizeof(rows) / sizeof(rows[0]); ++i) {
     const Row& r = rows[i];
