@@ -17,9 +17,11 @@
 
 namespace fittest {
 
-using Scalars = ::testing::Types<double, float>;
+// Every fitting test runs once per twin.
 template <class T>
-class Twins : public ::testing::Test {};
+class FittingTwins : public ::testing::Test {};
+using Scalars = ::testing::Types<double, float>;
+TYPED_TEST_SUITE(FittingTwins, Scalars);
 constexpr double kPi = 3.141592653589793;
 
 template <class T>

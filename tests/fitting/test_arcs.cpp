@@ -6,11 +6,7 @@ namespace {
 
 using namespace fittest;
 
-template <class T>
-using ArcTwins = Twins<T>;
-TYPED_TEST_SUITE(ArcTwins, Scalars);
-
-TYPED_TEST(ArcTwins, CircleThroughThreePoints) {
+TYPED_TEST(FittingTwins, CircleThroughThreePoints) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
   using M = ZmMathT<T>;
@@ -52,7 +48,7 @@ TYPED_TEST(ArcTwins, CircleThroughThreePoints) {
   EXPECT_EQ(M::ArcThroughPoints(P2(1, -3), P2(6, 2), P2(4, 6)).normal.z, T(1));
 }
 
-TYPED_TEST(ArcTwins, ArcsFromCenterTangentAndFillet) {
+TYPED_TEST(FittingTwins, ArcsFromCenterTangentAndFillet) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
   using V = ZmVector3T<T>;
@@ -109,7 +105,7 @@ double WorstDeviation(Curve curve, long n) {
   return worst;
 }
 
-TYPED_TEST(ArcTwins, TessellationHasTheFewestChords) {
+TYPED_TEST(FittingTwins, TessellationHasTheFewestChords) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
   using V = ZmVector3T<T>;

@@ -7,10 +7,6 @@ namespace {
 
 using namespace fittest;
 
-template <class T>
-using FitTwins = Twins<T>;
-TYPED_TEST_SUITE(FitTwins, Scalars);
-
 // The table's names of the circle methods, by ZmCircleFitMethod.
 const char* const kMethods[] = {"kasa", "pratt", "taubin", "hyper", "geometric"};
 
@@ -21,7 +17,7 @@ double AbsCosine(const V& a, const std::vector<double>& b, int first = 0) {
   return std::fabs(a.x * d[0] + a.y * d[1] + a.z * d[2]) / std::sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]);
 }
 
-TYPED_TEST(FitTwins, LinesPlanesAndRigidMovesMatchCgalAndEigen) {
+TYPED_TEST(FittingTwins, LinesPlanesAndRigidMovesMatchCgalAndEigen) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
   const auto clouds = ReadTable("linear_fits.txt", {"cloud"});
@@ -66,7 +62,7 @@ TYPED_TEST(FitTwins, LinesPlanesAndRigidMovesMatchCgalAndEigen) {
   }
 }
 
-TYPED_TEST(FitTwins, ShapesMatchTheReference) {
+TYPED_TEST(FittingTwins, ShapeFitsMatchTheReference) {
   using T = TypeParam;
   using P2 = ZmPoint2T<T>;
   using P3 = ZmPoint3T<T>;
@@ -129,7 +125,7 @@ TYPED_TEST(FitTwins, ShapesMatchTheReference) {
   EXPECT_EQ(ellipses, 2);
 }
 
-TYPED_TEST(FitTwins, ExactShapes) {
+TYPED_TEST(FittingTwins, ExactShapeFits) {
   using T = TypeParam;
   using P2 = ZmPoint2T<T>;
   using P3 = ZmPoint3T<T>;
@@ -165,14 +161,13 @@ TYPED_TEST(FitTwins, ExactShapes) {
   const auto rigid = M::FitRigid(moving, fixed);
   EXPECT_EQ(std::vector<int>({c3.quality.status, e.quality.status, line.quality.status, rigid.quality.status}),
             std::vector<int>(4, ZmFitOk));
-  ExpectNear({std::fabs(c3.normal.x), std::fabs(e.majorAxis.y), std::fabs(line.direction.x * 2 - line.direction.y),
-              line.quality.rms + line.quality.maxResidual, line.fitQuality},
-             {1, 1, 0, 2, 1 - 4.0 / 20.0}, 1e-6, "exact");
-  ExpectNear(
-      {Gap(c3.center, P3(7, 1, 2)), e.a, e.b, Gap(e.center, P2(1, -1)), e.quality.maxResidual,
-       Gap(line.point, P2(1, 3)), Gap(rigid.rotation * V(1, 0, 0), V(0, 1, 0)),
-       Gap(rigid.rotation * V(0, 1, 0), V(-1, 0, 0)), Gap(rigid.translation, V(10, 20, 30)), rigid.quality.maxResidual},
-      {0, 3, 2, 0, 0, 0, 0, 0, 0, 0}, 1e-5, "exact");
+  ExpectNear({std::fabs(c3.normal.x), std::fabs(line.direction.x * 2 - line.direction.y), Gap(line.point, P2(1, 3)),
+              line.quality.rms + line.quality.maxResidual, line.fitQuality,
+              Gap(rigid.rotation * V(1, 0, 0), V(0, 1, 0)), Gap(rigid.rotation * V(0, 1, 0), V(-1, 0, 0))},
+             {1, 0, 0, 2, 1 - 4.0 / 20.0, 0, 0}, 1e-6, "exact");
+  ExpectNear({Gap(c3.center, P3(7, 1, 2)), e.a, e.b, std::fabs(e.majorAxis.y), Gap(e.center, P2(1, -1)),
+              e.quality.maxResidual, Gap(rigid.translation, V(10, 20, 30)), rigid.quality.maxResidual},
+             {0, 3, 2, 1, 0, 0, 0, 0}, 1e-5, "exact");
   // Disturbed targets: a weight of 3 on a pair is that pair given three times; weight 0 and
   // negative weights drop their pair.
   fixed[1] += V(0.3, -0.2, 0.1);
@@ -193,7 +188,7 @@ TYPED_TEST(FitTwins, ExactShapes) {
              {0, 0, 0, 0}, 1e-5, "weights");
 }
 
-TYPED_TEST(FitTwins, DegenerateInputGivesTheStatedAnswer) {
+TYPED_TEST(FittingTwins, FitsOfDegenerateInput) {
   using T = TypeParam;
   using P2 = ZmPoint2T<T>;
   using P = ZmPoint3T<T>;

@@ -6,11 +6,7 @@ namespace {
 
 using namespace fittest;
 
-template <class T>
-using GridTwins = Twins<T>;
-TYPED_TEST_SUITE(GridTwins, Scalars);
-
-TYPED_TEST(GridTwins, RectangleAndPolygonGrids) {
+TYPED_TEST(FittingTwins, RectangleAndPolygonGrids) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
   using V = ZmVector3T<T>;
@@ -50,7 +46,7 @@ TYPED_TEST(GridTwins, RectangleAndPolygonGrids) {
   }
 }
 
-TYPED_TEST(GridTwins, RangeGrid) {
+TYPED_TEST(FittingTwins, RangeGrid) {
   using T = TypeParam;
   const struct {
     T from, to, spacing;

@@ -6,11 +6,7 @@ namespace {
 
 using namespace fittest;
 
-template <class T>
-using PolygonTwins = Twins<T>;
-TYPED_TEST_SUITE(PolygonTwins, Scalars);
-
-TYPED_TEST(PolygonTwins, Properties) {
+TYPED_TEST(FittingTwins, PolygonProperties) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
   using V = ZmVector3T<T>;
@@ -54,7 +50,7 @@ TYPED_TEST(PolygonTwins, Properties) {
   }
 }
 
-TYPED_TEST(PolygonTwins, SignedAreaAndFrames) {
+TYPED_TEST(FittingTwins, PolygonSignedAreaAndFrames) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
   using P2 = ZmPoint2T<T>;
