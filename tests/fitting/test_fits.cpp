@@ -72,53 +72,47 @@ TYPED_TEST(FittingTwins, ShapeFitsMatchTheReference) {
   const double tol = kIsDouble<T> ? 1e-9 : 2e-4;
   int circles = 0, ellipses = 0;
   for (const Record& r : ReadTable("shape_fits.txt", {"circle2", "circle3", "sphere", "cylinder", "ellipse"})) {
-    const std::string where = r.kind + std::to_string(circles) + std::to_string(ellipses);
-    if (r.kind == "circle2") {
-      ++circles;
-      for (int m = ZmCircleFitKasa; m <= ZmCircleFitGeometric; ++m) {
-        const std::vector<double>& e = r.results.at(kMethods[m]);
-        const auto fit = M::FitCircle(r.Points<P2>(), ZmCircleFitMethod(m));
-        EXPECT_EQ(fit.quality.status, ZmFitOk) << kMethods[m];
-        ExpectNear({fit.center.x, fit.center.y, fit.radius}, {e[0], e[1], e[2]}, tol * e[2], where + kMethods[m]);
-      }
-    } else if (r.kind == "circle3") {
-      const std::vector<double>& e = r.results.at("geometric");
-      const auto fit = M::FitCircle(r.Points<P3>(), ZmCircleFitGeometric);
-      EXPECT_EQ(fit.quality.status, ZmFitOk);
-      ExpectNear({fit.center.x, fit.center.y, fit.center.z}, {e[0], e[1], e[2]}, 100 * tol * e[6], where);
-      ExpectNear({AbsCosine(fit.normal, e, 3), fit.radius / e[6]}, {1, 1}, tol, where);
-    } else if (r.kind == "sphere") {
-      for (const char* name : {"kasa", "geometric"}) {
-        const std::vector<double>& e = r.results.at(name);
-        const auto fit = M::FitSphere(r.Points<P3>(), name[0] == 'g');
-        EXPECT_EQ(fit.quality.status, ZmFitOk);
-        ExpectNear({fit.center.x, fit.center.y, fit.center.z, fit.radius}, {e[0], e[1], e[2], e[3]}, tol * e[3], name);
-      }
-    } else if (r.kind == "cylinder") {
-      const std::vector<double>& e = r.results.at("geometric");
-      const auto fit = M::FitCylinder(r.Points<P3>());
-      EXPECT_EQ(fit.quality.status, ZmFitOk);
-      EXPECT_NEAR(AbsCosine(fit.direction, e, 3), 1.0, tol);
-      ExpectNear({fit.point.x, fit.point.y, fit.point.z, fit.radius}, {e[0], e[1], e[2], e[6]}, 10 * tol * e[6], where);
-    } else {
-      ++ellipses;
-      const std::vector<double>& e = r.results.at("direct");
-      const auto fit = M::FitEllipse(r.Points<P2>());
-      EXPECT_EQ(fit.quality.status, ZmFitOk);
-      ExpectNear({fit.center.x, fit.center.y, fit.a, fit.b}, {e[0], e[1], e[4], e[5]}, tol * e[4], where);
-      EXPECT_NEAR(std::fabs(fit.majorAxis.x * e[2] + fit.majorAxis.y * e[3]), 1.0, tol);
-      // The largest residual against the distance to 100000 points along the fitted ellipse.
-      double largest = 0;
-      for (const auto& row : r.rows) {
-        double nearest = 1e300;
-        for (int k = 0; k < 100000; ++k) {
-          const double t = k * 2 * kPi / 100000, u = fit.a * std::cos(t), v = fit.b * std::sin(t);
-          nearest = std::fmin(nearest, std::hypot(fit.center.x + u * fit.majorAxis.x - v * fit.majorAxis.y - row[0],
-                                                  fit.center.y + u * fit.majorAxis.y + v * fit.majorAxis.x - row[1]));
+    circles += r.kind == "circle2", ellipses += r.kind == "ellipse";
+    for (const auto& [name, e] : r.results) {
+      const std::string where = r.kind + " " + name + " " + std::to_string(circles + ellipses);
+      const auto method = ZmCircleFitMethod(std::find(kMethods, kMethods + 5, name) - kMethods);
+      if (r.kind == "circle2") {
+        const auto fit = M::FitCircle(r.Points<P2>(), method);
+        EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
+        ExpectNear({fit.center.x, fit.center.y, fit.radius}, {e[0], e[1], e[2]}, tol * e[2], where);
+      } else if (r.kind == "circle3") {
+        const auto fit = M::FitCircle(r.Points<P3>(), method);
+        EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
+        ExpectNear({fit.center.x, fit.center.y, fit.center.z}, {e[0], e[1], e[2]}, 100 * tol * e[6], where);
+        ExpectNear({AbsCosine(fit.normal, e, 3), fit.radius / e[6]}, {1, 1}, tol, where);
+      } else if (r.kind == "sphere") {
+        const auto fit = M::FitSphere(r.Points<P3>(), method == ZmCircleFitGeometric);
+        EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
+        ExpectNear({fit.center.x, fit.center.y, fit.center.z, fit.radius}, {e[0], e[1], e[2], e[3]}, tol * e[3], where);
+      } else if (r.kind == "cylinder") {
+        const auto fit = M::FitCylinder(r.Points<P3>());
+        EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
+        EXPECT_NEAR(AbsCosine(fit.direction, e, 3), 1.0, tol) << where;
+        ExpectNear({fit.point.x, fit.point.y, fit.point.z, fit.radius}, {e[0], e[1], e[2], e[6]}, 10 * tol * e[6],
+                   where);
+      } else {
+        const auto fit = M::FitEllipse(r.Points<P2>());
+        EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
+        ExpectNear({fit.center.x, fit.center.y, fit.a, fit.b}, {e[0], e[1], e[4], e[5]}, tol * e[4], where);
+        EXPECT_NEAR(std::fabs(fit.majorAxis.x * e[2] + fit.majorAxis.y * e[3]), 1.0, tol) << where;
+        // The largest residual against the distance to 100000 points along the fitted ellipse.
+        double largest = 0;
+        for (const auto& p : r.rows) {
+          double nearest = 1e300;
+          for (int k = 0; k < 100000; ++k) {
+            const double t = k * 2 * kPi / 100000, u = fit.a * std::cos(t), v = fit.b * std::sin(t);
+            nearest = std::fmin(nearest, std::hypot(fit.center.x + u * fit.majorAxis.x - v * fit.majorAxis.y - p[0],
+                                                    fit.center.y + u * fit.majorAxis.y + v * fit.majorAxis.x - p[1]));
+          }
+          largest = std::fmax(largest, nearest);
         }
-        largest = std::fmax(largest, nearest);
+        EXPECT_NEAR(fit.quality.maxResidual, largest, 1e-5) << where;
       }
-      EXPECT_NEAR(fit.quality.maxResidual, largest, 1e-5);
     }
   }
   EXPECT_EQ(circles, 5);
