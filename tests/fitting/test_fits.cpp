@@ -17,9 +17,11 @@ double AbsCosine(const V& a, const std::vector<double>& b, int first = 0) {
   return std::fabs(a.x * d[0] + a.y * d[1] + a.z * d[2]) / std::sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]);
 }
 
-TYPED_TEST(FittingTwins, LinesPlanesAndRigidMovesMatchCgalAndEigen) {
+TYPED_TEST(FittingTwins, FitsMatchTheReferenceTables) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
+  using P2 = ZmPoint2T<T>;
+  using M = ZmMathT<T>;
   const auto clouds = ReadTable("linear_fits.txt", {"cloud"});
   ASSERT_EQ(clouds.size(), 8u);
   for (std::size_t c = 0; c < clouds.size(); ++c) {
@@ -29,8 +31,8 @@ TYPED_TEST(FittingTwins, LinesPlanesAndRigidMovesMatchCgalAndEigen) {
     // Float input far from the origin keeps too few digits of the spread to compare with.
     if (!kIsDouble<T> && size > 100) continue;
     const double tol = kIsDouble<T> ? 1e-9 : 2e-3;
-    const auto pf = ZmMathT<T>::FitPlane(r.Points<P>());
-    const auto lf = ZmMathT<T>::FitLine(r.Points<P>());
+    const auto pf = M::FitPlane(r.Points<P>());
+    const auto lf = M::FitLine(r.Points<P>());
     EXPECT_EQ(pf.quality.status, ZmFitOk) << c;
     EXPECT_EQ(pf.quality.count, std::int64_t(r.rows.size())) << c;
     // The plane's rms is the root of the smallest eigenvalue over n: its normal's residuals.
@@ -52,7 +54,7 @@ TYPED_TEST(FittingTwins, LinesPlanesAndRigidMovesMatchCgalAndEigen) {
       for (double v : row) size = std::fmax(size, std::fabs(v));
     if (!kIsDouble<T> && size > 2000) continue;  // float keeps too few digits of such a set
     const double tol = kIsDouble<T> ? 1e-9 : 1e-4;
-    const auto fit = ZmMathT<T>::FitRigid(sets[c].Points<P>(), sets[c].Points<P>(3));
+    const auto fit = M::FitRigid(sets[c].Points<P>(), sets[c].Points<P>(3));
     const std::vector<double>&rot = sets[c].results.at("rotation"), &shift = sets[c].results.at("translation");
     EXPECT_EQ(fit.quality.status, ZmFitOk) << c;
     EXPECT_NEAR(fit.rotation.Determinant(), 1.0, tol) << c;  // the mirror image too
@@ -60,15 +62,8 @@ TYPED_TEST(FittingTwins, LinesPlanesAndRigidMovesMatchCgalAndEigen) {
     ExpectNear({r0.x, r0.y, r0.z, r1.x, r1.y, r1.z, r2.x, r2.y, r2.z}, rot, tol, c);
     ExpectNear({fit.translation.x, fit.translation.y, fit.translation.z}, shift, tol * size, c);
   }
-}
-
-TYPED_TEST(FittingTwins, ShapeFitsMatchTheReference) {
-  using T = TypeParam;
-  using P2 = ZmPoint2T<T>;
-  using P3 = ZmPoint3T<T>;
-  using M = ZmMathT<T>;
-  // Relative: 1e-9 in double; float input keeps about 7 digits, and the fitted shape moves by
-  // noise / sqrt(n) times that.
+  // Circles, spheres, cylinders, ellipses; relative: 1e-9 in double; float input keeps about 7
+  // digits, and the fitted shape moves by noise / sqrt(n) times that.
   const double tol = kIsDouble<T> ? 1e-9 : 2e-4;
   int circles = 0, ellipses = 0;
   for (const Record& r : ReadTable("shape_fits.txt", {"circle2", "circle3", "sphere", "cylinder", "ellipse"})) {
@@ -81,16 +76,16 @@ TYPED_TEST(FittingTwins, ShapeFitsMatchTheReference) {
         EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
         ExpectNear({fit.center.x, fit.center.y, fit.radius}, {e[0], e[1], e[2]}, tol * e[2], where);
       } else if (r.kind == "circle3") {
-        const auto fit = M::FitCircle(r.Points<P3>(), method);
+        const auto fit = M::FitCircle(r.Points<P>(), method);
         EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
         ExpectNear({fit.center.x, fit.center.y, fit.center.z}, {e[0], e[1], e[2]}, 100 * tol * e[6], where);
         ExpectNear({AbsCosine(fit.normal, e, 3), fit.radius / e[6]}, {1, 1}, tol, where);
       } else if (r.kind == "sphere") {
-        const auto fit = M::FitSphere(r.Points<P3>(), method == ZmCircleFitGeometric);
+        const auto fit = M::FitSphere(r.Points<P>(), method == ZmCircleFitGeometric);
         EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
         ExpectNear({fit.center.x, fit.center.y, fit.center.z, fit.radius}, {e[0], e[1], e[2], e[3]}, tol * e[3], where);
       } else if (r.kind == "cylinder") {
-        const auto fit = M::FitCylinder(r.Points<P3>());
+        const auto fit = M::FitCylinder(r.Points<P>());
         EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
         EXPECT_NEAR(AbsCosine(fit.direction, e, 3), 1.0, tol) << where;
         ExpectNear({fit.point.x, fit.point.y, fit.point.z, fit.radius}, {e[0], e[1], e[2], e[6]}, 10 * tol * e[6],
