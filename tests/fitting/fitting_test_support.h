@@ -15,8 +15,6 @@
 #include <string>
 #include <vector>
 
-namespace fittest {
-
 // Every fitting test runs once per twin.
 template <class T>
 class FittingTwins : public ::testing::Test {};
@@ -83,5 +81,3 @@ inline std::vector<Record> ReadTable(const std::string& name, const std::vector<
   }
   return records;
 }
-
-}  // namespace fittest

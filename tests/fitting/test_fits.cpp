@@ -3,10 +3,6 @@
 // and the stated answers on degenerate input, in both twins.
 #include "fitting/fitting_test_support.h"
 
-namespace {
-
-using namespace fittest;
-
 // The table's names of the circle methods, by ZmCircleFitMethod.
 const char* const kMethods[] = {"kasa", "pratt", "taubin", "hyper", "geometric"};
 
@@ -258,5 +254,3 @@ TYPED_TEST(FittingTwins, FitsOfDegenerateInput) {
               Gap(single.rotation * v, v), Gap(single.translation, ZmVector3T<T>(3, 4, 5))},
              {1, 1, 1, 1, 0, 0, 0, 0}, 1e-6, "rigid");
 }
-
-}  // namespace

@@ -2,10 +2,6 @@
 // evenly spaced abscissae.
 #include "fitting/fitting_test_support.h"
 
-namespace {
-
-using namespace fittest;
-
 TYPED_TEST(FittingTwins, RectangleAndPolygonGrids) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
@@ -67,5 +63,3 @@ TYPED_TEST(FittingTwins, RangeGrid) {
     EXPECT_TRUE(x.GetSize() == 0 || x[x.GetSize() - 1] == r.to);  // the end exactly
   }
 }
-
-}  // namespace

@@ -2,10 +2,6 @@
 // convexity, orientation, the two first-axis choices and the degenerate polygons.
 #include "fitting/fitting_test_support.h"
 
-namespace {
-
-using namespace fittest;
-
 TYPED_TEST(FittingTwins, PolygonProperties) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
@@ -78,5 +74,3 @@ TYPED_TEST(FittingTwins, PolygonSignedAreaAndFrames) {
             ZmPolygonDegenerate);
   EXPECT_EQ(untouched.GetOrigin(), P(0, 0, 0));
 }
-
-}  // namespace
