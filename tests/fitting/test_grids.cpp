@@ -26,11 +26,12 @@ TYPED_TEST(FittingTwins, RectangleAndPolygonGrids) {
     T spacing, originX;
     std::int64_t count;
   } rows[] = {
-      {&square, nullptr, 1, T(0.5), 16},                                        // 4 x 4
-      {&square, &hole, 1, T(0.5), 12},                                          // less the 2 x 2 inside the hole
-      {&ell, nullptr, 1, T(0.5), 12},                                           // 4 x 2 + 2 x 2
-      {&ell, nullptr, 0, T(0.5), -1},    {&ell, nullptr, T(1e-9), T(0.5), -1},  // 1.6e19 points
-      {&ell, nullptr, 1, T(1e17), -1},  // indices that a double cannot step through
+      {&square, nullptr, 1, T(0.5), 16},     // 4 x 4
+      {&square, &hole, 1, T(0.5), 12},       // less the 2 x 2 inside the hole
+      {&ell, nullptr, 1, T(0.5), 12},        // 4 x 2 + 2 x 2
+      {&ell, nullptr, 0, T(0.5), -1},        // no spacing
+      {&ell, nullptr, T(1e-9), T(0.5), -1},  // 1.6e19 points
+      {&ell, nullptr, 1, T(1e17), -1},       // indices that a double cannot step through
   };
   for (const auto& r : rows) {
     EXPECT_EQ(M::PolygonGrid(*r.polygon, r.holes, P(r.originX, 0.5, -7), r.spacing, points), r.count);
