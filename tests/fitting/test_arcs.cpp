@@ -23,8 +23,8 @@ TYPED_TEST(FittingTwins, CircleThroughThreePoints) {
       {P(e6 + 1, e6, 0), P(e6, e6 + 1, 0), P(e6 - 1, e6, 0), kIsDouble<T> ? ZmArcOk : ZmArcCoincident, P(e6, e6, 0), 1,
        1, kPi},
       {P(0, 0, 0), P(1, 1, 1), P(3, 3, 3), ZmArcCollinear, P(), 0, 0, 0},
-      // Within rounding: 1e-9 apart beside a far third point coincide (the size is the largest
-      // coordinate of the three); a bend whose sine is below 16 eps is none.
+      // Within rounding: two points 1e-9 apart beside a far third coincide (the size is the
+      // largest coordinate of all three); a bend whose sine is below 16 eps is none.
       {P(e6, e6, 0), P(0, 0, 0), P(1e-9, 0, 0), ZmArcCoincident, P(), 0, 0, 0},
       {P(0, 0, 0), P(1e3, 0, 0), P(2e3, kIsDouble<T> ? 1e-14 : 1e-5, 0), ZmArcCollinear, P(), 0, 0, 0},
       {P(0, 0, 0), P(zm::Invalid<T>(), 1, 1), P(1, 0, 1), ZmArcBadInput, P(), 0, 0, 0},  // a marker in x only
