@@ -181,6 +181,7 @@ TYPED_TEST(FittingTwins, FitsOfDegenerateInput) {
   using L2 = WbArrayTempl<P2>;
   using M = ZmMathT<T>;
   const P invalid(WbCoord3DT<T>::INVALID), none(0, 0, 0);
+  const T s = T(1 / std::sqrt(2.0));
   struct Row {
     L points;
     ZmFitStatus plane, line;
@@ -189,8 +190,10 @@ TYPED_TEST(FittingTwins, FitsOfDegenerateInput) {
   const Row rows[] = {
       {L{}, ZmFitTooFewPoints, ZmFitTooFewPoints, none, none},
       {L{P(1, 2, 3), P(4, 5, 6)}, ZmFitTooFewPoints, ZmFitOk, none, P(1, 1, 1) * T(1 / std::sqrt(3.0))},
-      // Points along X: the normal is X x (least aligned axis Y) = Z.
+      // Points along X: the normal is X x (least aligned axis Y) = Z; along (1, 1, 0), the
+      // least aligned axis is Z: (1, 1, 0) x Z = (1, -1, 0).
       {L{P(0, 0, 0), P(1, 0, 0), P(3, 0, 0)}, ZmFitDegenerate, ZmFitOk, P(0, 0, 1), P(1, 0, 0)},
+      {L{P(0, 0, 0), P(1, 1, 0), P(3, 3, 0)}, ZmFitDegenerate, ZmFitOk, P(1, -1, 0) * s, P(1, 1, 0) * s},
       {L{P(5, 5, 5), P(5, 5, 5), P(5, 5, 5)}, ZmFitDegenerate, ZmFitDegenerate, P(0, 0, 1), P(1, 0, 0)},
       // NaN and marked points are skipped: what is left is the square in z = 2.
       {L{P(0, 0, 2), P(NAN, 0, 0), P(1, 0, 2), invalid, P(1, 1, 2), P(0, 1, 2)}, ZmFitOk, ZmFitOk, P(0, 0, 1), none},
@@ -246,7 +249,7 @@ TYPED_TEST(FittingTwins, FitsOfDegenerateInput) {
       {along.quality.status, ZmFitDegenerate},
       {uneven.quality.status, ZmFitBadInput},
       {empty.quality.status, ZmFitTooFewPoints}};
-  for (const auto& s : statuses) EXPECT_EQ(s.first, s.second) << &s - statuses;
+  for (const auto& st : statuses) EXPECT_EQ(st.first, st.second) << &st - statuses;
   // A rigid move always comes out a rotation; a single pair gives the identity and the shift.
   const ZmVector3T<T> v(1, 2, 3);
   ExpectNear({single.rotation.Determinant(), along.rotation.Determinant(), uneven.rotation.Determinant(),

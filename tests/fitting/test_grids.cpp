@@ -19,6 +19,7 @@ TYPED_TEST(FittingTwins, RectangleAndPolygonGrids) {
   // Lattice through (0.5, 0.5) with spacing 1 in the plane z = 2 (the origin is projected).
   const L square{P(0, 0, 2), P(4, 0, 2), P(4, 4, 2), P(0, 4, 2)};
   const L ell{P(0, 0, 2), P(4, 0, 2), P(4, 2, 2), P(2, 2, 2), P(2, 4, 2), P(0, 4, 2)};
+  const L ellFromCorner{P(2, 2, 2), P(2, 4, 2), P(0, 4, 2), P(0, 0, 2), P(4, 0, 2), P(4, 2, 2)};
   const WbArrayTempl<L> hole{L{P(1, 1, 2), P(3, 1, 2), P(3, 3, 2), P(1, 3, 2)}};
   const struct {
     const L* polygon;
@@ -26,19 +27,20 @@ TYPED_TEST(FittingTwins, RectangleAndPolygonGrids) {
     T spacing, originX;
     std::int64_t count;
   } rows[] = {
-      {&square, nullptr, 1, T(0.5), 16},     // 4 x 4
-      {&square, &hole, 1, T(0.5), 12},       // less the 2 x 2 inside the hole
-      {&ell, nullptr, 1, T(0.5), 12},        // 4 x 2 + 2 x 2
-      {&ell, nullptr, 0, T(0.5), -1},        // no spacing
-      {&ell, nullptr, T(1e-9), T(0.5), -1},  // 1.6e19 points
-      {&ell, nullptr, 1, T(1e17), -1},       // indices that a double cannot step through
+      {&square, nullptr, 1, T(0.5), 16},         // 4 x 4
+      {&square, &hole, 1, T(0.5), 12},           // less the 2 x 2 inside the hole
+      {&ell, nullptr, 1, T(0.5), 12},            // 4 x 2 + 2 x 2
+      {&ellFromCorner, nullptr, 1, T(0.5), 12},  // the same: the lattice spans every vertex, not the first
+      {&ell, nullptr, 0, T(0.5), -1},            // no spacing
+      {&ell, nullptr, T(1e-9), T(0.5), -1},      // 1.6e19 points
+      {&ell, nullptr, 1, T(1e17), -1},           // indices that a double cannot step through
   };
   for (const auto& r : rows) {
     EXPECT_EQ(M::PolygonGrid(*r.polygon, r.holes, P(r.originX, 0.5, -7), r.spacing, points), r.count);
     for (const P& p : points) {
       ExpectNear({p.z, p.x - std::floor(p.x)}, {2, 0.5}, 1e-6, r.count);
       EXPECT_FALSE(r.holes && p.x > 1 && p.x < 3 && p.y > 1 && p.y < 3);
-      EXPECT_FALSE(r.polygon == &ell && p.x > 2 && p.y > 2);
+      EXPECT_FALSE(r.polygon != &square && p.x > 2 && p.y > 2);
     }
   }
 }
