@@ -1,168 +1,137 @@
 // Circles through three points, arcs from centre, tangent and fillet, and tessellation with
 // the fewest chords, in both twins.
-#include <gtest/gtest.h>
+#include "fitting/fitting_test_support.h"
 
-#include <cmath>
-#include <limits>
-
-#include <zemcalc/zemcalc.h>
-
-namespace {
-
-template <class T>
-class ArcTwins : public ::testing::Test {};
-using Scalars = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(ArcTwins, Scalars);
-
-const double kPi = 3.141592653589793;
-
-template <class T>
-double Eps() {
-  return std::is_same<T, double>::value ? 1e-14 : 1e-6;
-}
-
-TYPED_TEST(ArcTwins, CircleThroughThreePoints) {
+TYPED_TEST(FittingTwins, CircleThroughThreePoints) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
   using M = ZmMathT<T>;
-  const T nan = std::numeric_limits<T>::quiet_NaN();
-  const bool isDouble = std::is_same<T, double>::value;
   struct Row {
     P p0, p1, p2;
     ZmArcStatus status;
     P center;
-    double radius, normalZ, sweep;  // normalZ 0: not checked
+    double radius, normalZ, sweep;
   };
   // (4, 6), (6, 2), (1, -3) lie at 5 from (1, 2), clockwise: from angle atan2(4, 3) down to
   // -pi/2. In the tilted plane of (3/5, 4/5, 0) and Z about (10, -20, 30): a half turn.
+  const double sweep = std::atan2(4.0, 3.0) + kPi / 2, e6 = 1e6;
   const Row rows[] = {
-      {P(4, 6, 0), P(6, 2, 0), P(1, -3, 0), ZmArcOk, P(1, 2, 0), 5, -1, std::atan2(4.0, 3.0) + kPi / 2},
-      {P(1, -3, 0), P(6, 2, 0), P(4, 6, 0), ZmArcOk, P(1, 2, 0), 5, 1, std::atan2(4.0, 3.0) + kPi / 2},
+      {P(4, 6, 0), P(6, 2, 0), P(1, -3, 0), ZmArcOk, P(1, 2, 0), 5, -1, sweep},
+      {P(1, -3, 0), P(6, 2, 0), P(4, 6, 0), ZmArcOk, P(1, 2, 0), 5, 1, sweep},
       {P(13, -16, 30), P(10, -20, 35), P(7, -24, 30), ZmArcOk, P(10, -20, 30), 5, 0, kPi},
       // In float 1e6 + 1 is within 16 eps of 1e6: the points count as one.
-      {P(1e6 + 1, 1e6, 0), P(1e6, 1e6 + 1, 0), P(1e6 - 1, 1e6, 0), isDouble ? ZmArcOk : ZmArcCoincident,
-       P(1e6, 1e6, 0), 1, 1, kPi},
-      {P(0, 0, 0), P(1, 1, 1), P(3, 3, 3), ZmArcCollinear, P(0, 0, 0), 0, 0, 0},
-      {P(0, 0, 0), P(1, 1, 1), P(1, 1, 1), ZmArcCoincident, P(0, 0, 0), 0, 0, 0},
-      {P(0, 0, 0), P(1, nan, 1), P(1, 0, 1), ZmArcBadInput, P(0, 0, 0), 0, 0, 0},
+      {P(e6 + 1, e6, 0), P(e6, e6 + 1, 0), P(e6 - 1, e6, 0), kIsDouble<T> ? ZmArcOk : ZmArcCoincident, P(e6, e6, 0), 1,
+       1, kPi},
+      {P(0, 0, 0), P(1, 1, 1), P(3, 3, 3), ZmArcCollinear, P(), 0, 0, 0},
+      // Within rounding: two points 1e-9 apart beside a far third coincide (the size is the
+      // largest coordinate of all three); a bend whose sine is below 16 eps is none.
+      {P(e6, e6, 0), P(0, 0, 0), P(1e-9, 0, 0), ZmArcCoincident, P(), 0, 0, 0},
+      {P(0, 0, 0), P(1e3, 0, 0), P(2e3, kIsDouble<T> ? 1e-14 : 1e-5, 0), ZmArcCollinear, P(), 0, 0, 0},
+      {P(0, 0, 0), P(zm::Invalid<T>(), 1, 1), P(1, 0, 1), ZmArcBadInput, P(), 0, 0, 0},  // a marker in x only
+      {P(0, 0, 0), P(1, 1, 1), P(1, 1, 1), ZmArcCoincident, P(), 0, 0, 0},
+      {P(0, 0, 0), P(1, NAN, 1), P(1, 0, 1), ZmArcBadInput, P(), 0, 0, 0},
   };
   for (std::size_t i = 0; i < sizeof(rows) / sizeof(rows[0]); ++i) {
     const Row& r = rows[i];
     const auto arc = M::ArcThroughPoints(r.p0, r.p1, r.p2);
     ASSERT_EQ(arc.status, r.status) << i;
     if (r.status != ZmArcOk) {
-      EXPECT_EQ(arc.radius, zm::Invalid<T>()) << i;
-      EXPECT_EQ(M::ArcLength(arc), zm::Invalid<T>()) << i;
+      ExpectNear({arc.radius, M::ArcLength(arc)}, {zm::Invalid<T>(), zm::Invalid<T>()}, 0, i);
       continue;
     }
     const double size = std::fabs(r.center.x) + r.radius;
-    EXPECT_NEAR((arc.center - r.center).length(), 0.0, 4 * Eps<T>() * size) << i;
-    EXPECT_NEAR(arc.radius, r.radius, 4 * Eps<T>() * size) << i;
-    if (r.normalZ != 0) {
-      EXPECT_EQ(arc.normal.z, T(r.normalZ)) << i;
-    }
-    EXPECT_NEAR(arc.sweep, r.sweep, 1e-6) << i;
-    EXPECT_NEAR((M::PointAtParameter(arc, 1) - r.p2).length(), 0.0, 1e-6 * size) << i;
+    ExpectNear({Gap(arc.center, r.center), arc.radius}, {0, r.radius}, 4 * size * (kIsDouble<T> ? 1e-14 : 1e-6), i);
+    ExpectNear({arc.sweep, Gap(M::PointAtParameter(arc, 1), r.p2) / size}, {r.sweep, 0}, 1e-6, i);
+    EXPECT_NEAR(arc.normal.z, r.normalZ, r.normalZ == 0 ? 1e-6 : 0) << i;  // exactly +-1 in the XY plane
   }
   // The 2D form: the counter-clockwise triple has the normal +Z.
   using P2 = ZmPoint2T<T>;
   EXPECT_EQ(M::ArcThroughPoints(P2(1, -3), P2(6, 2), P2(4, 6)).normal.z, T(1));
 }
 
-TYPED_TEST(ArcTwins, ArcsFromCenterTangentAndFillet) {
+TYPED_TEST(FittingTwins, ArcsFromCenterTangentAndFillet) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
   using V = ZmVector3T<T>;
   using M = ZmMathT<T>;
   const double s3 = std::sqrt(3.0);
-  struct Row {
+  const P o(0, 0, 0);
+  const struct {
     ZmArcT<T> arc;
-    ZmArcStatus status;
     P center, start;
     double radius, sweep;
     V startTangent;
-  };
-  const Row rows[] = {
+  } rows[] = {
       // The end only gives the direction: a quarter turn about +Z, three about -Z, a full turn.
-      {M::ArcFromCenter(P(1, 0, 5), P(0, 2, 0), P(0, 0, 0), V(0, 0, 3)), ZmArcOk, P(0, 0, 0), P(1, 0, 0), 1,
-       kPi / 2, V(0, 1, 0)},
-      {M::ArcFromCenter(P(1, 0, 0), P(0, 2, 0), P(0, 0, 0), V(0, 0, -1)), ZmArcOk, P(0, 0, 0), P(1, 0, 0), 1,
-       3 * kPi / 2, V(0, -1, 0)},
-      {M::ArcFromCenter(P(2, 0, 0), P(5, 0, 0), P(0, 0, 0), V(0, 0, 1)), ZmArcOk, P(0, 0, 0), P(2, 0, 0), 2,
-       2 * kPi, V(0, 1, 0)},
-      {M::ArcFromCenter(P(0, 0, 1), P(1, 0, 0), P(0, 0, 0), V(0, 0, 1)), ZmArcCoincident, P(), P(), 0, 0, V()},
+      {M::ArcFromCenter(P(1, 0, 5), P(0, 2, 0), o, V(0, 0, 3)), o, P(1, 0, 0), 1, kPi / 2, V(0, 1, 0)},
+      {M::ArcFromCenter(P(1, 0, 0), P(0, 2, 0), o, V(0, 0, -1)), o, P(1, 0, 0), 1, 3 * kPi / 2, V(0, -1, 0)},
+      {M::ArcFromCenter(P(2, 0, 0), P(5, 0, 0), o, V(0, 0, 1)), o, P(2, 0, 0), 2, 2 * kPi, V(0, 1, 0)},
       // From (0, 0) along X to (1, 1): centre (0, 1), a quarter; to (0, 2): a half turn.
-      {M::ArcFromTangent(P(0, 0, 0), V(2, 0, 0), P(1, 1, 0)), ZmArcOk, P(0, 1, 0), P(0, 0, 0), 1, kPi / 2,
-       V(1, 0, 0)},
-      {M::ArcFromTangent(P(0, 0, 0), V(1, 0, 0), P(0, 0, 2)), ZmArcOk, P(0, 0, 1), P(0, 0, 0), 1, kPi, V(1, 0, 0)},
-      {M::ArcFromTangent(P(0, 0, 0), V(1, 0, 0), P(-3, 0, 0)), ZmArcCollinear, P(), P(), 0, 0, V()},
+      {M::ArcFromTangent(o, V(2, 0, 0), P(1, 1, 0)), P(0, 1, 0), o, 1, kPi / 2, V(1, 0, 0)},
+      {M::ArcFromTangent(o, V(1, 0, 0), P(0, 0, 2)), P(0, 0, 1), o, 1, kPi, V(1, 0, 0)},
       // Legs along +X and +Y from the origin, radius 2: centre (2, 2), from (2, 0) to (0, 2).
-      {M::Fillet(P(5, 0, 0), V(1, 0, 0), P(0, 7, 0), V(0, 3, 0), 2), ZmArcOk, P(2, 2, 0), P(2, 0, 0), 2, kPi / 2,
-       V(-1, 0, 0)},
+      {M::Fillet(P(5, 0, 0), V(1, 0, 0), P(0, 7, 0), V(0, 3, 0), 2), P(2, 2, 0), P(2, 0, 0), 2, kPi / 2, V(-1, 0, 0)},
       // A 60 degree corner, radius 1: centre at 2 along the bisector, tangent points at sqrt 3.
-      {M::Fillet(P(0, 0, 0), V(1, 0, 0), P(0, 0, 0), V(0.5, s3 / 2, 0), 1), ZmArcOk, P(s3, 1, 0), P(s3, 0, 0), 1,
-       2 * kPi / 3, V(-1, 0, 0)},
-      {M::Fillet(P(0, 0, 0), V(1, 0, 0), P(0, 1, 0), V(-1, 0, 0), 1), ZmArcCollinear, P(), P(), 0, 0, V()},
-      {M::Fillet(P(0, 0, 0), V(1, 0, 0), P(0, 0, 1), V(0, 1, 0), 1), ZmArcBadInput, P(), P(), 0, 0, V()},
-      {M::Fillet(P(0, 0, 0), V(1, 0, 0), P(0, 0, 0), V(0, 1, 0), 0), ZmArcBadInput, P(), P(), 0, 0, V()},
+      {M::Fillet(o, V(1, 0, 0), o, V(0.5, s3 / 2, 0), 1), P(s3, 1, 0), P(s3, 0, 0), 1, 2 * kPi / 3, V(-1, 0, 0)},
   };
   for (std::size_t i = 0; i < sizeof(rows) / sizeof(rows[0]); ++i) {
-    const Row& r = rows[i];
-    ASSERT_EQ(r.arc.status, r.status) << i;
-    if (r.status != ZmArcOk) {
-      EXPECT_EQ(M::PointAtParameter(r.arc, 0).x, zm::Invalid<T>()) << i;
-      continue;
-    }
-    EXPECT_NEAR((r.arc.center - r.center).length(), 0.0, 1e-6) << i;
-    EXPECT_NEAR(r.arc.radius, r.radius, 1e-6) << i;
-    EXPECT_NEAR(r.arc.sweep, r.sweep, 1e-6) << i;
-    EXPECT_NEAR(M::ArcLength(r.arc), r.radius * r.sweep, 1e-5) << i;
-    EXPECT_NEAR((M::PointAtParameter(r.arc, 0) - r.start).length(), 0.0, 1e-6) << i;
-    EXPECT_NEAR((M::TangentAtParameter(r.arc, 0) - r.startTangent).length(), 0.0, 1e-6) << i;
+    const auto& r = rows[i];
+    ASSERT_EQ(r.arc.status, ZmArcOk) << i;
+    ExpectNear({Gap(r.arc.center, r.center), r.arc.radius, r.arc.sweep, Gap(M::PointAtParameter(r.arc, 0), r.start),
+                Gap(M::TangentAtParameter(r.arc, 0), r.startTangent), M::ArcLength(r.arc) / 10},
+               {0, r.radius, r.sweep, 0, 0, r.radius * r.sweep / 10}, 1e-6, i);
+  }
+  const std::pair<ZmArcT<T>, ZmArcStatus> failures[] = {
+      {M::ArcFromCenter(P(0, 0, 1), P(1, 0, 0), o, V(0, 0, 1)), ZmArcCoincident},
+      {M::ArcFromTangent(o, V(1, 0, 0), P(-3, 0, 0)), ZmArcCollinear},
+      {M::Fillet(o, V(1, 0, 0), P(0, 1, 0), V(-1, 0, 0), 1), ZmArcCollinear},
+      {M::Fillet(o, V(1, 0, 0), P(0, 0, 1), V(0, 1, 0), 1), ZmArcBadInput},  // skew legs
+      {M::Fillet(o, V(1, 0, 0), o, V(0, 1, 0), 0), ZmArcBadInput}};
+  for (const auto& f : failures) {
+    EXPECT_EQ(f.first.status, f.second);
+    EXPECT_EQ(M::PointAtParameter(f.first, 0).x, zm::Invalid<T>());
   }
 }
 
-// The largest distance of the curve between two points to their chord, by dense sampling.
-template <class T, class Curve>
-double SampledDeviation(Curve curve, double t0, double t1) {
-  const ZmVector3T<double> chord = ZmPoint3T<double>(curve(t1)) - ZmPoint3T<double>(curve(t0));
-  double largest = 0;
-  for (int k = 1; k < 64; ++k) {
-    const ZmVector3T<double> d = ZmPoint3T<double>(curve(t0 + (t1 - t0) * k / 64.0)) - ZmPoint3T<double>(curve(t0));
-    largest = std::fmax(largest, chord.cross(d).length() / chord.length());
+// The largest distance of a curve (t in [0, n] -> point) to its n chords, by dense sampling.
+template <class Curve>
+double WorstDeviation(Curve curve, long n) {
+  double worst = 0;
+  for (long i = 0; i < n; ++i) {
+    const ZmPoint3T<double> a(curve(i));
+    const ZmVector3T<double> chord = ZmPoint3T<double>(curve(i + 1)) - a, unit = chord * (1 / chord.length());
+    for (int k = 1; k < 64; ++k)
+      worst = std::fmax(worst, unit.cross(ZmPoint3T<double>(curve(i + k / 64.0)) - a).length());
   }
-  return largest;
+  return worst;
 }
 
-TYPED_TEST(ArcTwins, TessellationHasTheFewestChords) {
+TYPED_TEST(FittingTwins, TessellationHasTheFewestChords) {
   using T = TypeParam;
   using P = ZmPoint3T<T>;
   using V = ZmVector3T<T>;
   using M = ZmMathT<T>;
-  struct Row {
-    double radius, sweep, tol, maxAngle;
-    long chords;  // 0: checked by the property alone
-  };
   // r = 10, tol 0.1: step 2 acos(0.99) = 0.28308, 2 pi / 0.28308 = 22.2 -> 23 chords.
   // r = 1, a quarter, tol 0.5 and 20 degrees: the angle decides, 90 / 20 = 4.5 -> 5 chords.
-  const Row rows[] = {{10, 2 * kPi, 0.1, 0, 23}, {1, kPi / 2, 0.5, 20 * kPi / 180, 5}, {250, 1.3, 0.01, 0.05, 0},
-                      {3, 2 * kPi, 1e-4, 0, 0},  {0.5, 0.3, 1.0, 0, 1}};
-  for (const Row& r : rows) {
-    const auto arc = M::ArcFromCenter(P(r.radius, 0, 0), P(std::cos(r.sweep), std::sin(r.sweep), 0), P(0, 0, 0),
-                                      V(0, 0, 1));
+  // chords 0: checked by the property alone.
+  const struct {
+    double radius, sweep, tol, maxAngle;
+    long chords;
+  } rows[] = {{10, 2 * kPi, 0.1, 0, 23},
+              {1, kPi / 2, 0.5, 20 * kPi / 180, 5},
+              {250, 1.3, 0.01, 0.05, 0},
+              {3, 2 * kPi, 1e-4, 0, 0},
+              {0.5, 0.3, 1.0, 0, 1}};
+  for (const auto& r : rows) {
+    const auto arc = M::ArcFromCenter(P(r.radius, 0, 0), P(std::cos(r.sweep), std::sin(r.sweep), 0), P(), V(0, 0, 1));
     WbArrayTempl<P> points;
     ASSERT_EQ(M::TessellateArc(arc, T(r.tol), T(r.maxAngle), points), ZmArcOk);
     const long n = long(points.GetSize()) - 1;
-    if (r.chords) {
-      EXPECT_EQ(n, r.chords) << r.radius;
-    }
+    EXPECT_EQ(r.chords ? n : 0, r.chords) << r.radius;
     const auto sagitta = [&r](long chords) { return r.radius * (1 - std::cos(r.sweep / chords / 2)); };
-    EXPECT_LE(sagitta(n), r.tol * (1 + 1e-9)) << r.radius;
-    if (n > 1) {
-      EXPECT_TRUE(sagitta(n - 1) > r.tol || (r.maxAngle > 0 && r.sweep / (n - 1) > r.maxAngle)) << r.radius;
-    }
+    EXPECT_TRUE(n == 1 || sagitta(n - 1) > r.tol || (r.maxAngle > 0 && r.sweep / (n - 1) > r.maxAngle)) << r.radius;
     const auto curve = [&arc, n](double t) { return M::PointAtParameter(arc, T(t / n)); };
-    for (long i = 0; i < n; ++i) EXPECT_LE(SampledDeviation<T>(curve, i, i + 1), r.tol * (1 + 1e-5) + 1e-6);
+    EXPECT_LE(WorstDeviation(curve, n), r.tol * (1 + 1e-5) + 1e-6) << r.radius;
   }
   // An ellipse 4 x 1, its full turn within 0.01: every chord within, one chord fewer breaks it.
   ZmEllipseT<T> e;
@@ -176,14 +145,10 @@ TYPED_TEST(ArcTwins, TessellationHasTheFewestChords) {
       return P(1, 2 + 4 * std::cos(angle), 3 + std::sin(angle));  // v = n x u = (0, 0, 1)
     };
   };
-  double worstFewer = 0;
-  for (long i = 0; i < n; ++i) EXPECT_LE(SampledDeviation<T>(curveWith(n), i, i + 1), 0.01 * (1 + 1e-5));
-  for (long i = 0; i < n - 1; ++i) worstFewer = std::fmax(worstFewer, SampledDeviation<T>(curveWith(n - 1), i, i + 1));
-  EXPECT_GT(worstFewer, 0.01);
-  EXPECT_NEAR((points[1] - curveWith(n)(1)).length(), 0.0, 1e-5);
+  EXPECT_LE(WorstDeviation(curveWith(n), n), 0.01 * (1 + 1e-5));
+  EXPECT_GT(WorstDeviation(curveWith(n - 1), n - 1), 0.01);
+  EXPECT_NEAR(Gap(points[1], curveWith(n)(1)), 0.0, 1e-5);
   e.b = 5;  // b > a
   EXPECT_EQ(M::TessellateEllipse(e, 0, 1, T(0.01), 0, points), ZmArcBadInput);
   EXPECT_EQ(points.GetSize(), 0u);
 }
-
-}  // namespace

@@ -1,0 +1,259 @@
+// Line, plane, circle, sphere, cylinder, ellipse and rigid fits against the committed tables
+// (CGAL, a generalised eigenproblem and scipy's least squares, Eigen's umeyama), exact shapes,
+// and the stated answers on degenerate input, in both twins.
+#include "fitting/fitting_test_support.h"
+
+// The table's names of the circle methods, by ZmCircleFitMethod.
+const char* const kMethods[] = {"kasa", "pratt", "taubin", "hyper", "geometric"};
+
+// |cos| of the angle between a and the direction b[first], b[first + 1], b[first + 2].
+template <class V>
+double AbsCosine(const V& a, const std::vector<double>& b, int first = 0) {
+  const double* d = &b[first];
+  return std::fabs(a.x * d[0] + a.y * d[1] + a.z * d[2]) / std::sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]);
+}
+
+TYPED_TEST(FittingTwins, FitsMatchTheReferenceTables) {
+  using T = TypeParam;
+  using P = ZmPoint3T<T>;
+  using P2 = ZmPoint2T<T>;
+  using M = ZmMathT<T>;
+  const auto clouds = ReadTable("linear_fits.txt", {"cloud"});
+  ASSERT_EQ(clouds.size(), 8u);
+  for (std::size_t c = 0; c < clouds.size(); ++c) {
+    const Record& r = clouds[c];
+    const std::vector<double>&plane = r.results.at("plane"), &line = r.results.at("line");
+    const double size = std::fabs(plane[3]) + std::fabs(plane[4]) + std::fabs(plane[5]) + 1;
+    // Float input far from the origin keeps too few digits of the spread to compare with.
+    if (!kIsDouble<T> && size > 100) continue;
+    const double tol = kIsDouble<T> ? 1e-9 : 2e-3;
+    const auto pf = M::FitPlane(r.Points<P>());
+    const auto lf = M::FitLine(r.Points<P>());
+    EXPECT_EQ(pf.quality.status, ZmFitOk) << c;
+    EXPECT_EQ(pf.quality.count, std::int64_t(r.rows.size())) << c;
+    // The plane's rms is the root of the smallest eigenvalue over n: its normal's residuals.
+    double sum = 0, largest = 0;
+    for (const auto& p : r.rows) {
+      const double d = (p[0] - plane[3]) * plane[0] + (p[1] - plane[4]) * plane[1] + (p[2] - plane[5]) * plane[2];
+      sum += d * d, largest = std::fmax(largest, std::fabs(d));
+    }
+    ExpectNear({AbsCosine(pf.normal, plane), AbsCosine(lf.direction, line), pf.fitQuality, lf.fitQuality},
+               {1, 1, plane[6], line[6]}, tol, c);
+    ExpectNear({pf.point.x, pf.point.y, pf.point.z, pf.quality.rms, pf.quality.maxResidual},
+               {plane[3], plane[4], plane[5], std::sqrt(sum / double(r.rows.size())), largest}, tol * size, c);
+  }
+  const auto sets = ReadTable("rigid_fits.txt", {"rigid"});
+  ASSERT_EQ(sets.size(), 6u);
+  for (std::size_t c = 0; c < sets.size(); ++c) {
+    double size = 1;
+    for (const auto& row : sets[c].rows)
+      for (double v : row) size = std::fmax(size, std::fabs(v));
+    if (!kIsDouble<T> && size > 2000) continue;  // float keeps too few digits of such a set
+    const double tol = kIsDouble<T> ? 1e-9 : 1e-4;
+    const auto fit = M::FitRigid(sets[c].Points<P>(), sets[c].Points<P>(3));
+    const std::vector<double>&rot = sets[c].results.at("rotation"), &shift = sets[c].results.at("translation");
+    EXPECT_EQ(fit.quality.status, ZmFitOk) << c;
+    EXPECT_NEAR(fit.rotation.Determinant(), 1.0, tol) << c;  // the mirror image too
+    const auto r0 = fit.rotation.GetRow(0), r1 = fit.rotation.GetRow(1), r2 = fit.rotation.GetRow(2);
+    ExpectNear({r0.x, r0.y, r0.z, r1.x, r1.y, r1.z, r2.x, r2.y, r2.z}, rot, tol, c);
+    ExpectNear({fit.translation.x, fit.translation.y, fit.translation.z}, shift, tol * size, c);
+  }
+  // Circles, spheres, cylinders, ellipses; relative: 1e-9 in double; float input keeps about 7
+  // digits, and the fitted shape moves by noise / sqrt(n) times that.
+  const double tol = kIsDouble<T> ? 1e-9 : 2e-4;
+  int circles = 0, ellipses = 0;
+  for (const Record& r : ReadTable("shape_fits.txt", {"circle2", "circle3", "sphere", "cylinder", "ellipse"})) {
+    circles += r.kind == "circle2", ellipses += r.kind == "ellipse";
+    for (const auto& [name, e] : r.results) {
+      const std::string where = r.kind + " " + name + " " + std::to_string(circles + ellipses);
+      const auto method = ZmCircleFitMethod(std::find(kMethods, kMethods + 5, name) - kMethods);
+      if (r.kind == "circle2") {
+        const auto fit = M::FitCircle(r.Points<P2>(), method);
+        EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
+        ExpectNear({fit.center.x, fit.center.y, fit.radius}, {e[0], e[1], e[2]}, tol * e[2], where);
+      } else if (r.kind == "circle3") {
+        const auto fit = M::FitCircle(r.Points<P>(), method);
+        EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
+        ExpectNear({fit.center.x, fit.center.y, fit.center.z}, {e[0], e[1], e[2]}, 100 * tol * e[6], where);
+        ExpectNear({AbsCosine(fit.normal, e, 3), fit.radius / e[6]}, {1, 1}, tol, where);
+      } else if (r.kind == "sphere") {
+        const auto fit = M::FitSphere(r.Points<P>(), method == ZmCircleFitGeometric);
+        EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
+        ExpectNear({fit.center.x, fit.center.y, fit.center.z, fit.radius}, {e[0], e[1], e[2], e[3]}, tol * e[3], where);
+      } else if (r.kind == "cylinder") {
+        const auto fit = M::FitCylinder(r.Points<P>());
+        EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
+        EXPECT_NEAR(AbsCosine(fit.direction, e, 3), 1.0, tol) << where;
+        ExpectNear({fit.point.x, fit.point.y, fit.point.z, fit.radius}, {e[0], e[1], e[2], e[6]}, 10 * tol * e[6],
+                   where);
+      } else {
+        const auto fit = M::FitEllipse(r.Points<P2>());
+        EXPECT_EQ(fit.quality.status, ZmFitOk) << where;
+        ExpectNear({fit.center.x, fit.center.y, fit.a, fit.b}, {e[0], e[1], e[4], e[5]}, tol * e[4], where);
+        EXPECT_NEAR(std::fabs(fit.majorAxis.x * e[2] + fit.majorAxis.y * e[3]), 1.0, tol) << where;
+        // The largest residual against the distance to 100000 points along the fitted ellipse.
+        double largest = 0;
+        for (const auto& p : r.rows) {
+          double nearest = 1e300;
+          for (int k = 0; k < 100000; ++k) {
+            const double t = k * 2 * kPi / 100000, u = fit.a * std::cos(t), v = fit.b * std::sin(t);
+            nearest = std::fmin(nearest, std::hypot(fit.center.x + u * fit.majorAxis.x - v * fit.majorAxis.y - p[0],
+                                                    fit.center.y + u * fit.majorAxis.y + v * fit.majorAxis.x - p[1]));
+          }
+          largest = std::fmax(largest, nearest);
+        }
+        EXPECT_NEAR(fit.quality.maxResidual, largest, 1e-5) << where;
+      }
+    }
+  }
+  EXPECT_EQ(circles, 5);
+  EXPECT_EQ(ellipses, 2);
+}
+
+TYPED_TEST(FittingTwins, ExactShapeFits) {
+  using T = TypeParam;
+  using P2 = ZmPoint2T<T>;
+  using P3 = ZmPoint3T<T>;
+  using V = ZmVector3T<T>;
+  using M = ZmMathT<T>;
+  // (3, 4) is at distance 5 from the origin, as are (5, 0), (0, -5), (-4, 3); centre (1, 2).
+  // The NaN point is skipped.
+  const WbArrayTempl<P2> circle{P2(4, 6), P2(6, 2), P2(1, -3), P2(-3, 5), P2(NAN, 0)};
+  for (int m = ZmCircleFitKasa; m <= ZmCircleFitGeometric; ++m) {
+    const auto fit = M::FitCircle(circle, ZmCircleFitMethod(m));
+    EXPECT_EQ(fit.quality.status, ZmFitOk) << m;
+    EXPECT_EQ(fit.quality.count, 4) << m;
+    ExpectNear({fit.center.x, fit.center.y, fit.radius, fit.quality.maxResidual}, {1, 2, 5, 0}, 1e-5, kMethods[m]);
+  }
+  // The same circle stood up in the plane x = 7, (y, z) = (1, 2) + ...: normal along X.
+  WbArrayTempl<P3> standing;
+  for (const P2& p : circle) standing.Add(P3(7, p.x, p.y));
+  const auto c3 = M::FitCircle(standing, ZmCircleFitHyper);
+  // The ellipse x^2 / 9 + y^2 / 4 = 1 about (1, -1), turned a quarter: major axis along Y.
+  WbArrayTempl<P2> ellipse;
+  for (int k = 0; k < 8; ++k) ellipse.Add(P2(1 - 2 * std::sin(k * kPi / 4), -1 + 3 * std::cos(k * kPi / 4)));
+  const auto e = M::FitEllipse(ellipse);
+  // (0, 1) and (2, 5) on y = 2x + 1, each moved by +-1 along the unit normal (-2, 1)/sqrt(5):
+  // the fit is that line through (1, 3), every residual 1. Covariance eigenvalues: along the
+  // line 4 points at +-sqrt(5) -> 20; across 4 at 1 -> 4.
+  const T s = T(1 / std::sqrt(5.0));
+  const auto line =
+      M::FitLine(WbArrayTempl<P2>{P2(-2 * s, 1 + s), P2(2 * s, 1 - s), P2(2 - 2 * s, 5 + s), P2(2 + 2 * s, 5 - s)});
+  // A quarter turn about Z then a shift (10, 20, 30): (x, y, z) -> (10 - y, 20 + x, 30 + z).
+  const WbArrayTempl<P3> moving{P3(0, 0, 0), P3(1, 0, 0), P3(0, 2, 0), P3(0, 0, 3), P3(1, 1, 1)};
+  WbArrayTempl<P3> fixed;
+  for (const P3& p : moving) fixed.Add(P3(10 - p.y, 20 + p.x, 30 + p.z));
+  const auto rigid = M::FitRigid(moving, fixed);
+  EXPECT_EQ(std::vector<int>({c3.quality.status, e.quality.status, line.quality.status, rigid.quality.status}),
+            std::vector<int>(4, ZmFitOk));
+  ExpectNear({std::fabs(c3.normal.x), std::fabs(line.direction.x * 2 - line.direction.y), Gap(line.point, P2(1, 3)),
+              line.quality.rms + line.quality.maxResidual, line.fitQuality,
+              Gap(rigid.rotation * V(1, 0, 0), V(0, 1, 0)), Gap(rigid.rotation * V(0, 1, 0), V(-1, 0, 0))},
+             {1, 0, 0, 2, 1 - 4.0 / 20.0, 0, 0}, 1e-6, "exact");
+  ExpectNear({Gap(c3.center, P3(7, 1, 2)), e.a, e.b, std::fabs(e.majorAxis.y), Gap(e.center, P2(1, -1)),
+              e.quality.maxResidual, Gap(rigid.translation, V(10, 20, 30)), rigid.quality.maxResidual},
+             {0, 3, 2, 1, 0, 0, 0, 0}, 1e-5, "exact");
+  // Disturbed targets: a weight of 3 on a pair is that pair given three times; weight 0 and
+  // negative weights drop their pair.
+  fixed[1] += V(0.3, -0.2, 0.1);
+  fixed[3] += V(-0.1, 0.2, 0.4);
+  WbArrayTempl<P3> weightedM = moving, weightedF = fixed;
+  weightedM.Add(P3(5, 5, 5)), weightedF.Add(P3(-50, 7, 1));
+  WbArrayTempl<P3> repeatedM = weightedM, repeatedF = weightedF;
+  for (int k = 0; k < 2; ++k) repeatedM.Add(moving[3]), repeatedF.Add(fixed[3]);
+  const WbArrayTempl<T> weights{1, 1, 1, 3, 1, 0}, repeatedWeights{1, 1, 1, 1, 1, -2, 1, 1};
+  const auto weighted = M::FitRigid(weightedM, weightedF, &weights);
+  const auto repeated = M::FitRigid(repeatedM, repeatedF, &repeatedWeights);
+  EXPECT_EQ(weighted.quality.count, 5);
+  EXPECT_EQ(repeated.quality.count, 7);
+  EXPECT_GT(weighted.quality.rms, 0.01);
+  const auto &a = weighted.rotation, &b = repeated.rotation;
+  ExpectNear({Gap(a.GetRow(0), b.GetRow(0)), Gap(a.GetRow(1), b.GetRow(1)), Gap(a.GetRow(2), b.GetRow(2)),
+              Gap(weighted.translation, repeated.translation) / 10},
+             {0, 0, 0, 0}, 1e-5, "weights");
+}
+
+TYPED_TEST(FittingTwins, FitsOfDegenerateInput) {
+  using T = TypeParam;
+  using P2 = ZmPoint2T<T>;
+  using P = ZmPoint3T<T>;
+  using L = WbArrayTempl<P>;
+  using L2 = WbArrayTempl<P2>;
+  using M = ZmMathT<T>;
+  const P invalid(WbCoord3DT<T>::INVALID), none(0, 0, 0);
+  const T s = T(1 / std::sqrt(2.0));
+  struct Row {
+    L points;
+    ZmFitStatus plane, line;
+    P normal, direction;  // expected up to sign; none when not checked
+  };
+  const Row rows[] = {
+      {L{}, ZmFitTooFewPoints, ZmFitTooFewPoints, none, none},
+      {L{P(1, 2, 3), P(4, 5, 6)}, ZmFitTooFewPoints, ZmFitOk, none, P(1, 1, 1) * T(1 / std::sqrt(3.0))},
+      // Points along X: the normal is X x (least aligned axis Y) = Z; along (1, 1, 0), the
+      // least aligned axis is Z: (1, 1, 0) x Z = (1, -1, 0).
+      {L{P(0, 0, 0), P(1, 0, 0), P(3, 0, 0)}, ZmFitDegenerate, ZmFitOk, P(0, 0, 1), P(1, 0, 0)},
+      {L{P(0, 0, 0), P(1, 1, 0), P(3, 3, 0)}, ZmFitDegenerate, ZmFitOk, P(1, -1, 0) * s, P(1, 1, 0) * s},
+      {L{P(5, 5, 5), P(5, 5, 5), P(5, 5, 5)}, ZmFitDegenerate, ZmFitDegenerate, P(0, 0, 1), P(1, 0, 0)},
+      // NaN and marked points are skipped: what is left is the square in z = 2.
+      {L{P(0, 0, 2), P(NAN, 0, 0), P(1, 0, 2), invalid, P(1, 1, 2), P(0, 1, 2)}, ZmFitOk, ZmFitOk, P(0, 0, 1), none},
+      {L{P(0, 0, 0), P(1, 0, 0), P(INFINITY, 1, 0)}, ZmFitBadInput, ZmFitBadInput, none, none},
+  };
+  for (std::size_t i = 0; i < sizeof(rows) / sizeof(rows[0]); ++i) {
+    const Row& r = rows[i];
+    const auto pf = M::FitPlane(r.points);
+    const auto lf = M::FitLine(r.points);
+    EXPECT_EQ(pf.quality.status, r.plane) << i;
+    EXPECT_EQ(lf.quality.status, r.line) << i;
+    EXPECT_FALSE(std::isnan(pf.quality.rms) || std::isnan(lf.quality.rms) || std::isnan(pf.fitQuality)) << i;
+    EXPECT_EQ(pf.normal.x == zm::Invalid<T>(), r.plane != ZmFitOk && r.plane != ZmFitDegenerate) << i;
+    if (r.normal != none) {
+      ExpectNear({std::fabs(pf.normal.dot(ZmVector3T<T>(r.normal))), pf.quality.rms}, {1, 0}, 1e-6, i);
+    }
+    if (r.direction != none) {
+      EXPECT_NEAR(std::fabs(lf.direction.dot(ZmVector3T<T>(r.direction))), 1.0, 1e-6) << i;
+    }
+  }
+  // Circles: a method that does not exist, too few points, on a line, two points twice. A
+  // failed fit marks its radius and quality.
+  const struct {
+    L2 points;
+    int method;
+    ZmFitStatus status;
+  } circles[] = {{L2{P2(4, 6), P2(6, 2), P2(1, -3), P2(-3, 5)}, 7, ZmFitBadInput},
+                 {L2{P2(0, 0), P2(1, 1)}, ZmCircleFitTaubin, ZmFitTooFewPoints},
+                 {L2{P2(0, 0), P2(1, 1), P2(2, 2), P2(-3, -3)}, ZmCircleFitGeometric, ZmFitDegenerate},
+                 {L2{P2(0, 0), P2(1, 0), P2(1, 0), P2(0, 0)}, ZmCircleFitKasa, ZmFitDegenerate}};
+  for (const auto& c : circles) {
+    const auto fit = M::FitCircle(c.points, ZmCircleFitMethod(c.method));
+    EXPECT_EQ(fit.quality.status, c.status) << c.method;
+    ExpectNear({fit.radius, fit.quality.rms}, {zm::Invalid<T>(), zm::Invalid<T>()}, 0, c.method);
+  }
+  // A circle in 3D needs 3 points off one line, a sphere 4 off one plane, a cylinder 5 off one
+  // line, an ellipse 5 off one line; rigid moves need as many moving as fixed points, and are
+  // degenerate (but exact) for a single pair or pairs along a line.
+  const L square{P(0, 0, 0), P(1, 0, 0), P(1, 1, 0), P(0, 1, 0)}, one{P(1, 2, 3)}, pair{P(0, 0, 0), P(1, 0, 0)};
+  const auto single = M::FitRigid(one, L{P(4, 6, 8)});
+  const auto along = M::FitRigid(pair, L{P(0, 0, 0), P(0, 1, 0)});
+  const auto uneven = M::FitRigid(pair, one);
+  const auto empty = M::FitRigid(L(), L());
+  const std::pair<ZmFitStatus, ZmFitStatus> statuses[] = {
+      {M::FitCircle(L{P(0, 0, 0), P(1, 1, 1), P(2, 2, 2)}).quality.status, ZmFitDegenerate},
+      {M::FitSphere(square).quality.status, ZmFitDegenerate},
+      {M::FitSphere(one).quality.status, ZmFitTooFewPoints},
+      {M::FitCylinder(square).quality.status, ZmFitTooFewPoints},
+      {M::FitCylinder(L{P(0, 0, 0), P(1, 0, 0), P(2, 0, 0), P(3, 0, 0), P(4, 0, 0)}).quality.status, ZmFitDegenerate},
+      {M::FitEllipse(L2{P2(0, 0), P2(1, 1), P2(2, 2), P2(3, 3), P2(4, 4), P2(5, 5)}).quality.status, ZmFitDegenerate},
+      {M::FitEllipse(L2{P2(0, 0), P2(1, 1), P2(2, 0), P2(1, -1)}).quality.status, ZmFitTooFewPoints},
+      {single.quality.status, ZmFitDegenerate},
+      {along.quality.status, ZmFitDegenerate},
+      {uneven.quality.status, ZmFitBadInput},
+      {empty.quality.status, ZmFitTooFewPoints}};
+  for (const auto& st : statuses) EXPECT_EQ(st.first, st.second) << &st - statuses;
+  // A rigid move always comes out a rotation; a single pair gives the identity and the shift.
+  const ZmVector3T<T> v(1, 2, 3);
+  ExpectNear({single.rotation.Determinant(), along.rotation.Determinant(), uneven.rotation.Determinant(),
+              empty.rotation.Determinant(), single.quality.maxResidual, along.quality.maxResidual,
+              Gap(single.rotation * v, v), Gap(single.translation, ZmVector3T<T>(3, 4, 5))},
+             {1, 1, 1, 1, 0, 0, 0, 0}, 1e-6, "rigid");
+}
