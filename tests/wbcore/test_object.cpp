@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 #include <wbcore/WbObject.h>
 
-#include "wbcore/wb_print.h"
+#include <utility>
+
+#include "wbcore/wb_test_support.h"
 
 namespace {
 
@@ -37,65 +39,56 @@ WB_IMPLEMENT_DYNAMIC(TestShape, WbObject, nullptr)
 WB_IMPLEMENT_DYNAMIC(TestCircle, TestShape, new TestCircle)
 WB_IMPLEMENT_DYNAMIC(TestSquare, TestShape, new TestSquare)
 
+// Names match exactly; a record leaves the list when it is destroyed (a module being unloaded).
 TEST(WbRuntimeClass, RecordsAreRegisteredUnderTheirClassNames) {
-  EXPECT_EQ(WbRuntimeClass::FromName(L"TestCircle"), &TestCircle::WbClassTestCircle);
-  EXPECT_EQ(WbRuntimeClass::FromName(L"WbObject"), &WbObject::WbClassWbObject);
-  EXPECT_EQ(WbString(TestCircle::WbClassTestCircle.GetClassName()), L"TestCircle");
-  EXPECT_EQ(TestCircle::WbClassTestCircle.GetBaseClass(), &TestShape::WbClassTestShape);
-  EXPECT_EQ(TestCircle::GetBaseRuntimeClass(), &TestShape::WbClassTestShape);
-  EXPECT_EQ(TestSquare::GetBaseRuntimeClass(), &TestShape::WbClassTestShape);
-  EXPECT_EQ(TestShape::GetBaseRuntimeClass(), &WbObject::WbClassWbObject);
-  EXPECT_EQ(WbObject::WbClassWbObject.GetBaseClass(), nullptr);
-  // Names match exactly.
-  EXPECT_EQ(WbRuntimeClass::FromName(L"testcircle"), nullptr);
-  EXPECT_EQ(WbRuntimeClass::FromName(L"NoSuchFilter"), nullptr);
-  EXPECT_EQ(WbRuntimeClass::FromName(nullptr), nullptr);
-
-  // A record leaves the list when it is destroyed (a module being unloaded).
+  const WbRuntimeClass *circle = &TestCircle::WbClassTestCircle, *shape = &TestShape::WbClassTestShape;
+  EXPECT_EQ(WbString(circle->GetClassName()), L"TestCircle");
+  EXPECT_TRUE(circle->GetBaseClass() == shape && TestCircle::GetBaseRuntimeClass() == shape &&
+              TestSquare::GetBaseRuntimeClass() == shape &&
+              TestShape::GetBaseRuntimeClass() == &WbObject::WbClassWbObject &&
+              WbObject::WbClassWbObject.GetBaseClass() == nullptr);
   {
-    WbRuntimeClass transient(L"TestTransient", &WbObject::WbClassWbObject, nullptr);
-    EXPECT_EQ(WbRuntimeClass::FromName(L"TestTransient"), &transient);
-    EXPECT_EQ(WbRuntimeClass::FromName(L"TestCircle"), &TestCircle::WbClassTestCircle);
+    const WbRuntimeClass record(L"TestTransient", &WbObject::WbClassWbObject, nullptr);
+    EXPECT_TRUE(WbRuntimeClass::FromName(L"TestTransient") == &record &&
+                WbRuntimeClass::FromName(L"TestCircle") == circle);
   }
-  EXPECT_EQ(WbRuntimeClass::FromName(L"TestTransient"), nullptr);
-  EXPECT_EQ(WbRuntimeClass::FromName(L"TestSquare"), &TestSquare::WbClassTestSquare);
+  const std::pair<const wchar_t*, const WbRuntimeClass*> rows[] = {{L"TestCircle", circle},
+                                                                   {L"WbObject", &WbObject::WbClassWbObject},
+                                                                   {L"TestSquare", &TestSquare::WbClassTestSquare},
+                                                                   {L"testcircle", nullptr},
+                                                                   {L"NoSuchFilter", nullptr},
+                                                                   {nullptr, nullptr},
+                                                                   {L"TestTransient", nullptr}};
+  for (const auto& r : rows) EXPECT_EQ(WbRuntimeClass::FromName(r.first), r.second) << (r.first ? r.first : L"null");
 }
 
-TEST(WbRuntimeClass, CreationByNameCallsTheCreationHook) {
+// Creation by name or through the record calls the creation hook (a directly constructed object
+// was not "created"); unknown and abstract classes give null.
+TEST(WbRuntimeClass, CreationByNameKindTestsAndDeletion) {
   WbObject* object = WbRuntimeClass::CreateObject(L"TestCircle");
   ASSERT_NE(object, nullptr);
   EXPECT_EQ(object->GetRuntimeClass(), &TestCircle::WbClassTestCircle);
   EXPECT_TRUE(static_cast<TestCircle*>(object)->created);
   EXPECT_EQ(object->ToString(), L"TestCircle");
-  EXPECT_EQ(object->IsKindOf(&TestCircle::WbClassTestCircle), 1);
-  EXPECT_EQ(object->IsKindOf(&TestShape::WbClassTestShape), 1);
-  EXPECT_EQ(object->IsKindOf(&WbObject::WbClassWbObject), 1);
-  EXPECT_EQ(object->IsKindOf(&TestSquare::WbClassTestSquare), 0);
-  EXPECT_EQ(WbObject::DeleteDynamicObject(object), 1);
-
-  // Through the record as well; a directly constructed object was not "created".
+  EXPECT_EQ((std::vector<int>{
+                object->IsKindOf(&TestCircle::WbClassTestCircle), object->IsKindOf(&TestShape::WbClassTestShape),
+                object->IsKindOf(&WbObject::WbClassWbObject), object->IsKindOf(&TestSquare::WbClassTestSquare)}),
+            (std::vector<int>{1, 1, 1, 0}));
   WbObject* square = TestSquare::WbClassTestSquare.CreateObject();
   ASSERT_NE(square, nullptr);
   EXPECT_EQ(static_cast<TestShape*>(square)->Area(), 4.0);
-  EXPECT_EQ(WbObject::DeleteDynamicObject(square), 1);
-  TestCircle direct;
-  EXPECT_FALSE(direct.created);
+  EXPECT_FALSE(TestCircle().created);
+  EXPECT_TRUE(WbRuntimeClass::CreateObject(L"TestShape") == nullptr &&
+              WbRuntimeClass::CreateObject(L"WbObject") == nullptr &&
+              WbRuntimeClass::CreateObject(L"ZmNoSuchClass") == nullptr);
 
-  // Unknown and abstract classes give null.
-  EXPECT_EQ(WbRuntimeClass::CreateObject(L"TestShape"), nullptr);
-  EXPECT_EQ(WbRuntimeClass::CreateObject(L"WbObject"), nullptr);
-  EXPECT_EQ(WbRuntimeClass::CreateObject(L"ZmNoSuchClass"), nullptr);
-}
-
-TEST(WbRuntimeClass, DynamicDeletionAsksTheObjectFirst) {
-  ASSERT_EQ(TestShape::live, 0);
-  auto* circle = static_cast<TestCircle*>(WbRuntimeClass::CreateObject(L"TestCircle"));
-  ASSERT_NE(circle, nullptr);
-  circle->deletable = 0;
-  EXPECT_EQ(WbObject::DeleteDynamicObject(circle), 0);
-  EXPECT_EQ(TestShape::live, 1);  // refused: still alive
-  circle->deletable = 1;
-  EXPECT_EQ(WbObject::DeleteDynamicObject(circle), 1);
+  // Deletion asks the object first: refused, it stays alive.
+  EXPECT_EQ(TestShape::live, 2);
+  static_cast<TestCircle*>(object)->deletable = 0;
+  EXPECT_EQ(WbObject::DeleteDynamicObject(object), 0);
+  EXPECT_EQ(TestShape::live, 2);
+  static_cast<TestCircle*>(object)->deletable = 1;
+  EXPECT_EQ(WbObject::DeleteDynamicObject(object) + WbObject::DeleteDynamicObject(square), 2);
   EXPECT_EQ(TestShape::live, 0);
   EXPECT_EQ(WbObject::DeleteDynamicObject(nullptr), 0);
 }
