@@ -2,27 +2,15 @@
 // seen as standard vectors or joined words.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <wbcore/WbArray.h>
 #include <wbcore/WbString.h>
 
-#include <cstdio>
 #include <ostream>
 #include <string>
 #include <vector>
 
-inline void PrintTo(const WbString& text, std::ostream* os) {
-  *os << "L\"";
-  for (const wchar_t* p = text; *p; ++p) {
-    if (*p >= 0x20 && *p < 0x7f) {
-      *os << static_cast<char>(*p);
-    } else {
-      char escape[16];
-      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(*p));
-      *os << escape;
-    }
-  }
-  *os << '"';
-}
+inline void PrintTo(const WbString& text, std::ostream* os) { *os << ::testing::PrintToString(text.Std()); }
 
 template <class T>
 std::vector<T> Items(const WbArrayTempl<T>& array) {
