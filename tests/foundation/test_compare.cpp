@@ -1,8 +1,9 @@
 // Tolerance comparison of ZmMathd / ZmMathf.
+#include <gtest/gtest.h>
+#include <zemcalc/zemcalc.h>
+
 #include <cmath>
 #include <limits>
-
-#include "foundation/foundation_test_support.h"
 
 namespace {
 

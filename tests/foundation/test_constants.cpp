@@ -1,14 +1,16 @@
 // The invalid marker, the exported constants and the layout of the value types.
+#include <gtest/gtest.h>
+#include <zemcalc/zemcalc.h>
+
 #include <cstring>
 #include <type_traits>
 #include <vector>
 
-#include "foundation/foundation_test_support.h"
-
 namespace {
 
-using namespace foundation_test;
+constexpr double kMarker = -1.0000000331813535e+32;  // -1.0e32f widened
 using Values = std::vector<double>;
+using Ints = std::vector<int>;
 
 // Each type is exactly N of its scalars, a plain value.
 template <int N, class... V>
@@ -44,40 +46,30 @@ Values Statics() {
             V3::NEGATIVE_UNIT_X, V3::NEGATIVE_UNIT_Y, V3::NEGATIVE_UNIT_Z);
 }
 
-TEST(InvalidMarker, IsTheWidenedFloatNotTheDecimalDouble) {
-  EXPECT_EQ(double(zm::kInvalid), kMarker);
-  EXPECT_EQ(zm::Invalid<double>(), kMarker);
-  EXPECT_EQ(ZmNonValP3d.IsValid(), 0);
-  const ZmPoint3d decimal(-1e32, -1e32, -1e32);
-  EXPECT_EQ((std::vector<int>{decimal.IsValid(), decimal == ZmNonValP3d, decimal != ZmNonValP3d}),
-            (std::vector<int>{1, 0, 1}));
+// The marker and the shared thresholds are the float values widened, not the decimal doubles:
+// -1e32 is an ordinary value. Widening the float twin's marker gives the double twin's, and back.
+// Standard gravity is the float 9.80665f; numpy: float(np.float32(9.80665)) = 9.806650161743164.
+TEST(ExportedConstants, EveryValueInBothTwins) {
+  static_assert(std::is_same<decltype(WbGms), const float>::value, "");
+  EXPECT_EQ((Values{double(zm::kInvalid), zm::Invalid<double>(), double(zm::kTolerance5), double(zm::kTolerance6),
+                    double(WbGms)}),
+            (Values{kMarker, kMarker, 9.999999747378752e-06, 9.999999974752427e-07, 9.806650161743164}));
   ZmPoint3d invalidated(4, 5, 6);
   invalidated.Invalidate();
-  EXPECT_EQ(invalidated == ZmNonValP3d, 1);
-  // Widening the float twin's marker gives the double twin's marker, and back.
-  EXPECT_EQ(ZmPoint3d(ZmNonValP3f) == ZmNonValP3d, 1);
-  EXPECT_EQ(ZmPoint3f(ZmNonValP3d) == ZmNonValP3f, 1);
-  // The shared thresholds widen the same way.
-  EXPECT_EQ(double(zm::kTolerance5), 9.999999747378752e-06);
-  EXPECT_EQ(double(zm::kTolerance6), 9.999999974752427e-07);
-}
-
-TEST(ExportedConstants, EveryValueInBothTwins) {
+  const ZmPoint3d decimal(-1e32, -1e32, -1e32);
+  EXPECT_EQ(
+      (Ints{ZmNonValP3d.IsValid(), ZmNonValV2f.IsValid(), decimal.IsValid(), decimal == ZmNonValP3d,
+            invalidated == ZmNonValP3d, ZmPoint3d(ZmNonValP3f) == ZmNonValP3d, ZmPoint3f(ZmNonValP3d) == ZmNonValP3f}),
+      (Ints{0, 0, 1, 0, 1, 1, 1}));
   EXPECT_EQ(Of(ZmNonValP2d, ZmNonValP2f, ZmNonValV2d, ZmNonValV2f, ZmNonValP3d, ZmNonValP3f, ZmNonValV3d, ZmNonValV3f),
             Values(4 * 2 + 4 * 3, kMarker));
-  EXPECT_EQ(ZmNonValV2f.IsValid() + ZmNonValP2d.IsValid() + ZmNonValV3f.IsValid(), 0);
   const Values axes2 = {1, 0, 0, 1}, axes3 = {1, 0, 0, 0, 1, 0, 0, 0, 1};
-  EXPECT_EQ(Of(ZmV2dX, ZmV2dY), axes2);
-  EXPECT_EQ(Of(ZmV2fX, ZmV2fY), axes2);
-  EXPECT_EQ(Of(ZmV3dX, ZmV3dY, ZmV3dZ), axes3);
-  EXPECT_EQ(Of(ZmV3fX, ZmV3fY, ZmV3fZ), axes3);
+  EXPECT_TRUE(Of(ZmV2dX, ZmV2dY) == axes2 && Of(ZmV2fX, ZmV2fY) == axes2);
+  EXPECT_TRUE(Of(ZmV3dX, ZmV3dY, ZmV3dZ) == axes3 && Of(ZmV3fX, ZmV3fY, ZmV3fZ) == axes3);
   // The class statics, then their negatives.
   const Values statics = {1, 0, 0, 1, -1, 0, 0, -1, 1, 0, 0, 0, 1, 0, 0, 0, 1, -1, 0, 0, 0, -1, 0, 0, 0, -1};
   EXPECT_EQ((Statics<ZmVector2d, ZmVector3d>()), statics);
   EXPECT_EQ((Statics<ZmVector2f, ZmVector3f>()), statics);
-  // Standard gravity is the float 9.80665f; numpy: float(np.float32(9.80665)) = 9.806650161743164.
-  static_assert(std::is_same<decltype(WbGms), const float>::value, "");
-  EXPECT_EQ(double(WbGms), 9.806650161743164);
 }
 
 }  // namespace
