@@ -30,16 +30,13 @@ TEST(WbError, MessageIsTheFormattedTextCutToTheRecord) {
 }
 
 TEST(WbError, EachThreadKeepsItsOwnRecord) {
-  const WbErrObj* mine = WbSetError(L"Not enough points to filter");
-  const WbErrObj *theirs = nullptr, *theirsBefore = mine;
-  std::wstring theirText;
-  std::thread other([&] {
+  const WbErrObj *mine = WbSetError(L"Not enough points to filter"), *theirsBefore = mine;
+  std::wstring theirs;
+  std::thread([&] {
     theirsBefore = WbGetLastError();  // a fresh thread has recorded nothing
-    theirs = WbSetError(L"Inconsistent target unit system");
-    theirText = theirs->GetMessage();
-  });
-  other.join();
-  EXPECT_TRUE(theirsBefore == nullptr && theirs != mine && theirText == L"Inconsistent target unit system");
+    theirs = WbSetError(L"Inconsistent target unit system")->GetMessage();
+  }).join();
+  EXPECT_TRUE(theirsBefore == nullptr && theirs == L"Inconsistent target unit system");
   // The other thread's error did not touch this thread's record.
   EXPECT_EQ(WbGetLastError(), mine);
   EXPECT_EQ(WbString(mine->GetMessage()), L"Not enough points to filter");

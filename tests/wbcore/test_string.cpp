@@ -63,16 +63,13 @@ TEST(WbStringFormat, WorkIsBoundedAndARefusedFormatComesBackAsItsText) {
 // '%.16g' % -1.0000000331813535e32 -> '-1.000000033181354e+32' (the widened invalid marker).
 // Mid and Left clamp at the end.
 TEST(WbStringEdit, FormatFloatMidLeftAndUpper) {
-  const std::pair<double, const wchar_t*> floats[] = {{0.1, L"0.1"},
-                                                      {1e32, L"1e+32"},
-                                                      {-1.0000000331813535e32, L"-1.000000033181354e+32"},
-                                                      {1.0 / 3.0, L"0.3333333333333333"},
-                                                      {200000.0, L"200000"}};
-  for (const auto& r : floats) {
-    WbString text;
-    text.FormatFloat(r.first, 16);
-    EXPECT_EQ(text, r.second);
+  std::vector<WbString> floats;
+  for (double value : {0.1, 1e32, -1.0000000331813535e32, 1.0 / 3.0, 200000.0}) {
+    floats.emplace_back();
+    floats.back().FormatFloat(value, 16);
   }
+  EXPECT_EQ(floats,
+            (std::vector<WbString>{L"0.1", L"1e+32", L"-1.000000033181354e+32", L"0.3333333333333333", L"200000"}));
   const WbString path(L"mm/ms/mm");
   WbString kg(L"Kg");
   const Texts rows[] = {{path.Mid(3), L"ms/mm"}, {path.Mid(3, 2), L"ms"}, {path.Mid(6, 100), L"mm"}, {path.Mid(8), L""},
@@ -108,7 +105,6 @@ TEST(WbStringEdit, SplitWords) {
     std::uint64_t count;
     const wchar_t* words;
   } rows[] = {{L"  UNIT\tmm  T \ts ", L" \t", 0, 4, L"<UNIT><mm><T><s>"},
-              {L"a  b\tc", L" \t", 0, 3, L"<a><b><c>"},
               {L" a  b", L" \t", 1, 4, L"<><a><><b>"},
               {L"a,,b,", L",", 1, 4, L"<a><><b><>"},
               {L"x;y z", L"; ", 0, 3, L"<x><y><z>"},
