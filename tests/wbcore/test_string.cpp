@@ -21,7 +21,8 @@ std::int64_t Length(const WbString& text) { return std::int64_t(text.GetLength()
 // In a format, %s takes a wide string, with width, precision and flags; an explicit "%ls" keeps
 // its wide meaning, "%hs" and "%hc" are the narrow forms. Characters outside ASCII pass through
 // unchanged (translations are not ASCII), length modifiers of numbers survive the rewriting,
-// and an output longer than the first buffer, by the text or by the width alone, is complete.
+// and an output longer than the first buffer, by the text, the width or a few characters, is
+// complete (each %c counts in the length reserved).
 TEST(WbStringFormat, PercentSTakesAWideStringAndOutputHasNoLengthLimit) {
   WbString text;
   text.Format(L"Unsupported length unit '%s'. Possible values are : %s", WbString(L"mm"), L"m, mm");
@@ -38,6 +39,7 @@ TEST(WbStringFormat, PercentSTakesAWideStringAndOutputHasNoLengthLimit) {
             L"18446744073709551615 -7  3.14 0.5");
   EXPECT_EQ(Fmt(L"<%s>", block.c_str()), WbString(L"<" + block + L">"));
   EXPECT_EQ(Fmt(L"%1000d", 42), WbString(std::wstring(998, L' ') + L"42"));
+  EXPECT_EQ(Fmt(L"%300s%c%c", L"x", L'y', L'z'), WbString(std::wstring(299, L' ') + L"xyz"));
 }
 
 // Each refused format once ran for seconds to minutes in vswprintf and returned an empty string.
