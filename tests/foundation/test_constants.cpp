@@ -2,120 +2,74 @@
 #include <gtest/gtest.h>
 #include <zemcalc/zemcalc.h>
 
+#include <cstring>
 #include <type_traits>
+#include <vector>
 
 namespace {
 
 constexpr double kMarker = -1.0000000331813535e+32;  // -1.0e32f widened
+using Values = std::vector<double>;
+using Ints = std::vector<int>;
 
-template <class T>
-constexpr bool IsPlainValue() {
-  return std::is_standard_layout<T>::value && !std::is_polymorphic<T>::value && std::is_trivially_copyable<T>::value;
+// Each type is exactly N of its scalars, a plain value.
+template <int N, class... V>
+constexpr bool ExactlyScalars() {
+  return ((sizeof(V) == N * sizeof(typename V::Scalar) && std::is_standard_layout<V>::value &&
+           std::is_trivially_copyable<V>::value && !std::is_polymorphic<V>::value) &&
+          ...);
 }
+static_assert(
+    ExactlyScalars<3, ZmPoint3d, ZmPoint3f, ZmVector3d, ZmVector3f>() &&
+        ExactlyScalars<2, ZmPoint2d, ZmPoint2f, ZmVector2d, ZmVector2f, ZmComplexNumberd, ZmComplexNumberf>() &&
+        ExactlyScalars<1, ZmDegreed, ZmDegreef, ZmRadiand, ZmRadianf>() &&
+        std::is_base_of<WbCoord2Dd, ZmPoint2d>::value && std::is_base_of<WbCoord2Df, ZmVector2f>::value,
+    "value types are exactly their fields");
 
-TEST(Layout, ValueTypesAreExactlyTheirFields) {
-  static_assert(sizeof(ZmPoint3d) == 3 * sizeof(double) && sizeof(ZmVector3d) == 3 * sizeof(double), "");
-  static_assert(sizeof(ZmPoint3f) == 3 * sizeof(float) && sizeof(ZmVector3f) == 3 * sizeof(float), "");
-  static_assert(sizeof(ZmPoint2d) == 2 * sizeof(double) && sizeof(ZmVector2d) == 2 * sizeof(double), "");
-  static_assert(sizeof(ZmPoint2f) == 2 * sizeof(float) && sizeof(ZmVector2f) == 2 * sizeof(float), "");
-  static_assert(sizeof(ZmDegreed) == sizeof(double) && sizeof(ZmRadiand) == sizeof(double), "");
-  static_assert(sizeof(ZmDegreef) == sizeof(float) && sizeof(ZmRadianf) == sizeof(float), "");
-  static_assert(sizeof(ZmComplexNumberd) == 2 * sizeof(double), "");
-  static_assert(sizeof(ZmComplexNumberf) == 2 * sizeof(float), "");
-  static_assert(IsPlainValue<ZmPoint3d>() && IsPlainValue<ZmPoint3f>() && IsPlainValue<ZmVector3d>() &&
-                    IsPlainValue<ZmVector3f>(),
-                "");
-  static_assert(IsPlainValue<ZmPoint2d>() && IsPlainValue<ZmPoint2f>() && IsPlainValue<ZmVector2d>() &&
-                    IsPlainValue<ZmVector2f>(),
-                "");
-  static_assert(
-      IsPlainValue<ZmDegreed>() && IsPlainValue<ZmDegreef>() && IsPlainValue<ZmRadiand>() && IsPlainValue<ZmRadianf>(),
-      "");
-  static_assert(IsPlainValue<ZmComplexNumberd>() && IsPlainValue<ZmComplexNumberf>(), "");
-  static_assert(std::is_base_of<WbCoord2Dd, ZmPoint2d>::value && std::is_base_of<WbCoord2Df, ZmVector2f>::value, "");
-  // x, y, z in that order.
-  const ZmPoint3d p(1, 2, 3);
-  EXPECT_EQ(reinterpret_cast<const double*>(&p)[2], 3.0);
-}
-
-TEST(InvalidMarker, IsTheWidenedFloatNotTheDecimalDouble) {
-  EXPECT_EQ(double(zm::kInvalid), kMarker);
-  EXPECT_EQ(zm::Invalid<double>(), kMarker);
-  EXPECT_EQ(ZmNonValP3d.x, kMarker);
-  EXPECT_EQ(ZmNonValP3d.y, kMarker);
-  EXPECT_EQ(ZmNonValP3d.z, kMarker);
-  EXPECT_EQ(ZmNonValP3d.IsValid(), 0);
-
-  const ZmPoint3d decimal(-1e32, -1e32, -1e32);
-  EXPECT_EQ(decimal.IsValid(), 1);
-  EXPECT_EQ(decimal == ZmNonValP3d, 0);
-  EXPECT_EQ(decimal != ZmNonValP3d, 1);
-
-  ZmPoint3d invalidated(4, 5, 6);
-  invalidated.Invalidate();
-  EXPECT_EQ(invalidated == ZmNonValP3d, 1);
-  // Widening the float twin's marker gives the double twin's marker.
-  EXPECT_EQ(ZmPoint3d(ZmNonValP3f) == ZmNonValP3d, 1);
-  EXPECT_EQ(ZmPoint3f(ZmNonValP3d) == ZmNonValP3f, 1);
-
-  // The shared thresholds widen the same way.
-  EXPECT_EQ(double(zm::kTolerance5), 9.999999747378752e-06);
-  EXPECT_EQ(double(zm::kTolerance6), 9.999999974752427e-07);
-}
-
-template <class V>
-void ExpectXY(const V& v, double x, double y) {
-  EXPECT_EQ(double(v.x), x);
-  EXPECT_EQ(double(v.y), y);
-}
-template <class V>
-void ExpectXYZ(const V& v, double x, double y, double z) {
-  ExpectXY(v, x, y);
-  EXPECT_EQ(double(v.z), z);
+// The components of a value type in memory order (x, y, z), widened.
+template <class... V>
+Values Of(const V&... v) {
+  Values out;
+  const auto add = [&out](const auto& one) {
+    using T = typename std::decay_t<decltype(one)>::Scalar;
+    T parts[sizeof(one) / sizeof(T)];
+    std::memcpy(parts, &one, sizeof(one));
+    out.insert(out.end(), parts, parts + sizeof(one) / sizeof(T));
+  };
+  (add(v), ...);
+  return out;
 }
 
 template <class V2, class V3>
-void ExpectAxisStatics() {
-  ExpectXY(V2::UNIT_X, 1, 0);
-  ExpectXY(V2::UNIT_Y, 0, 1);
-  ExpectXY(V2::NEGATIVE_UNIT_X, -1, 0);
-  ExpectXY(V2::NEGATIVE_UNIT_Y, 0, -1);
-  ExpectXYZ(V3::UNIT_X, 1, 0, 0);
-  ExpectXYZ(V3::UNIT_Y, 0, 1, 0);
-  ExpectXYZ(V3::UNIT_Z, 0, 0, 1);
-  ExpectXYZ(V3::NEGATIVE_UNIT_X, -1, 0, 0);
-  ExpectXYZ(V3::NEGATIVE_UNIT_Y, 0, -1, 0);
-  ExpectXYZ(V3::NEGATIVE_UNIT_Z, 0, 0, -1);
+Values Statics() {
+  return Of(V2::UNIT_X, V2::UNIT_Y, V2::NEGATIVE_UNIT_X, V2::NEGATIVE_UNIT_Y, V3::UNIT_X, V3::UNIT_Y, V3::UNIT_Z,
+            V3::NEGATIVE_UNIT_X, V3::NEGATIVE_UNIT_Y, V3::NEGATIVE_UNIT_Z);
 }
 
+// The marker and the shared thresholds are the float values widened, not the decimal doubles:
+// -1e32 is an ordinary value. Widening the float twin's marker gives the double twin's, and back.
+// Standard gravity is the float 9.80665f; numpy: float(np.float32(9.80665)) = 9.806650161743164.
 TEST(ExportedConstants, EveryValueInBothTwins) {
-  ExpectXY(ZmNonValP2d, kMarker, kMarker);
-  ExpectXY(ZmNonValP2f, kMarker, kMarker);
-  ExpectXY(ZmNonValV2d, kMarker, kMarker);
-  ExpectXY(ZmNonValV2f, kMarker, kMarker);
-  ExpectXYZ(ZmNonValP3f, kMarker, kMarker, kMarker);
-  ExpectXYZ(ZmNonValV3d, kMarker, kMarker, kMarker);
-  ExpectXYZ(ZmNonValV3f, kMarker, kMarker, kMarker);
-  EXPECT_EQ(ZmNonValV2f.IsValid() + ZmNonValP2d.IsValid() + ZmNonValV3f.IsValid(), 0);
-
-  ExpectXY(ZmV2dX, 1, 0);
-  ExpectXY(ZmV2fX, 1, 0);
-  ExpectXY(ZmV2dY, 0, 1);
-  ExpectXY(ZmV2fY, 0, 1);
-  ExpectXYZ(ZmV3dX, 1, 0, 0);
-  ExpectXYZ(ZmV3fX, 1, 0, 0);
-  ExpectXYZ(ZmV3dY, 0, 1, 0);
-  ExpectXYZ(ZmV3fY, 0, 1, 0);
-  ExpectXYZ(ZmV3dZ, 0, 0, 1);
-  ExpectXYZ(ZmV3fZ, 0, 0, 1);
-
-  ExpectAxisStatics<ZmVector2d, ZmVector3d>();
-  ExpectAxisStatics<ZmVector2f, ZmVector3f>();
-
-  // Standard gravity is the float 9.80665f; numpy: float(np.float32(9.80665)) = 9.806650161743164.
   static_assert(std::is_same<decltype(WbGms), const float>::value, "");
-  EXPECT_EQ(WbGms, 9.80665f);
-  EXPECT_EQ(double(WbGms), 9.806650161743164);
+  EXPECT_EQ((Values{double(zm::kInvalid), zm::Invalid<double>(), double(zm::kTolerance5), double(zm::kTolerance6),
+                    double(WbGms)}),
+            (Values{kMarker, kMarker, 9.999999747378752e-06, 9.999999974752427e-07, 9.806650161743164}));
+  ZmPoint3d invalidated(4, 5, 6);
+  invalidated.Invalidate();
+  const ZmPoint3d decimal(-1e32, -1e32, -1e32);
+  EXPECT_EQ(
+      (Ints{ZmNonValP3d.IsValid(), ZmNonValV2f.IsValid(), decimal.IsValid(), decimal == ZmNonValP3d,
+            invalidated == ZmNonValP3d, ZmPoint3d(ZmNonValP3f) == ZmNonValP3d, ZmPoint3f(ZmNonValP3d) == ZmNonValP3f}),
+      (Ints{0, 0, 1, 0, 1, 1, 1}));
+  EXPECT_EQ(Of(ZmNonValP2d, ZmNonValP2f, ZmNonValV2d, ZmNonValV2f, ZmNonValP3d, ZmNonValP3f, ZmNonValV3d, ZmNonValV3f),
+            Values(4 * 2 + 4 * 3, kMarker));
+  const Values axes2 = {1, 0, 0, 1}, axes3 = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+  EXPECT_TRUE(Of(ZmV2dX, ZmV2dY) == axes2 && Of(ZmV2fX, ZmV2fY) == axes2);
+  EXPECT_TRUE(Of(ZmV3dX, ZmV3dY, ZmV3dZ) == axes3 && Of(ZmV3fX, ZmV3fY, ZmV3fZ) == axes3);
+  // The class statics, then their negatives.
+  const Values statics = {1, 0, 0, 1, -1, 0, 0, -1, 1, 0, 0, 0, 1, 0, 0, 0, 1, -1, 0, 0, 0, -1, 0, 0, 0, -1};
+  EXPECT_EQ((Statics<ZmVector2d, ZmVector3d>()), statics);
+  EXPECT_EQ((Statics<ZmVector2f, ZmVector3f>()), statics);
 }
 
 }  // namespace

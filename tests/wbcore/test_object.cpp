@@ -1,19 +1,19 @@
 // Runtime-class records: registration, creation by name, kind tests and dynamic deletion.
-#include <gtest/gtest.h>
 #include <wbcore/WbObject.h>
 
-#include "wbcore/wb_print.h"
+#include <utility>
+
+#include "wbcore/wb_test_support.h"
 
 namespace {
 
-// A small hierarchy like the filters': an abstract base and two creatable classes.
+// A small hierarchy like the filters': a base that cannot be created and two classes that can.
 class TestShape : public WbObject {
   WB_DECLARE_DYNAMIC(TestShape)
  public:
   static int live;
   TestShape() { ++live; }
   ~TestShape() override { --live; }
-  virtual double Area() const = 0;
 };
 int TestShape::live = 0;
 
@@ -24,78 +24,55 @@ class TestCircle : public TestShape {
   unsigned char deletable = 1;
   void OnDynamicCreation() override { created = true; }
   unsigned char OnDynamicDeletion() override { return deletable; }
-  double Area() const override { return 3.0; }
 };
 
 class TestSquare : public TestShape {
   WB_DECLARE_DYNAMIC(TestSquare)
- public:
-  double Area() const override { return 4.0; }
 };
 
 WB_IMPLEMENT_DYNAMIC(TestShape, WbObject, nullptr)
 WB_IMPLEMENT_DYNAMIC(TestCircle, TestShape, new TestCircle)
 WB_IMPLEMENT_DYNAMIC(TestSquare, TestShape, new TestSquare)
 
+// Names match exactly; a record leaves the list when it is destroyed (a module being unloaded).
 TEST(WbRuntimeClass, RecordsAreRegisteredUnderTheirClassNames) {
-  EXPECT_EQ(WbRuntimeClass::FromName(L"TestCircle"), &TestCircle::WbClassTestCircle);
-  EXPECT_EQ(WbRuntimeClass::FromName(L"WbObject"), &WbObject::WbClassWbObject);
-  EXPECT_EQ(WbString(TestCircle::WbClassTestCircle.GetClassName()), L"TestCircle");
-  EXPECT_EQ(TestCircle::WbClassTestCircle.GetBaseClass(), &TestShape::WbClassTestShape);
-  EXPECT_EQ(TestCircle::GetBaseRuntimeClass(), &TestShape::WbClassTestShape);
-  EXPECT_EQ(TestSquare::GetBaseRuntimeClass(), &TestShape::WbClassTestShape);
-  EXPECT_EQ(TestShape::GetBaseRuntimeClass(), &WbObject::WbClassWbObject);
-  EXPECT_EQ(WbObject::WbClassWbObject.GetBaseClass(), nullptr);
-  // Names match exactly.
-  EXPECT_EQ(WbRuntimeClass::FromName(L"testcircle"), nullptr);
-  EXPECT_EQ(WbRuntimeClass::FromName(L"NoSuchFilter"), nullptr);
-  EXPECT_EQ(WbRuntimeClass::FromName(nullptr), nullptr);
-
-  // A record leaves the list when it is destroyed (a module being unloaded).
+  const WbRuntimeClass *circle = &TestCircle::WbClassTestCircle, *shape = &TestShape::WbClassTestShape;
+  const WbRuntimeClass *object = &WbObject::WbClassWbObject, *square = &TestSquare::WbClassTestSquare;
+  EXPECT_EQ(WbString(circle->GetClassName()), L"TestCircle");
+  EXPECT_TRUE(circle->GetBaseClass() == shape && TestCircle::GetBaseRuntimeClass() == shape &&
+              TestSquare::GetBaseRuntimeClass() == shape && TestShape::GetBaseRuntimeClass() == object &&
+              object->GetBaseClass() == nullptr);
   {
-    WbRuntimeClass transient(L"TestTransient", &WbObject::WbClassWbObject, nullptr);
-    EXPECT_EQ(WbRuntimeClass::FromName(L"TestTransient"), &transient);
-    EXPECT_EQ(WbRuntimeClass::FromName(L"TestCircle"), &TestCircle::WbClassTestCircle);
+    const WbRuntimeClass record(L"TestTransient", object, nullptr);
+    EXPECT_TRUE(WbRuntimeClass::FromName(L"TestTransient") == &record &&
+                WbRuntimeClass::FromName(L"TestCircle") == circle);
   }
-  EXPECT_EQ(WbRuntimeClass::FromName(L"TestTransient"), nullptr);
-  EXPECT_EQ(WbRuntimeClass::FromName(L"TestSquare"), &TestSquare::WbClassTestSquare);
+  const std::pair<const wchar_t*, const WbRuntimeClass*> rows[] = {
+      {L"TestCircle", circle},    {L"WbObject", object}, {L"TestSquare", square},    {L"testcircle", nullptr},
+      {L"NoSuchFilter", nullptr}, {nullptr, nullptr},    {L"TestTransient", nullptr}};
+  for (const auto& r : rows) EXPECT_EQ(WbRuntimeClass::FromName(r.first), r.second) << (r.first ? r.first : L"null");
 }
 
-TEST(WbRuntimeClass, CreationByNameCallsTheCreationHook) {
-  WbObject* object = WbRuntimeClass::CreateObject(L"TestCircle");
-  ASSERT_NE(object, nullptr);
-  EXPECT_EQ(object->GetRuntimeClass(), &TestCircle::WbClassTestCircle);
-  EXPECT_TRUE(static_cast<TestCircle*>(object)->created);
-  EXPECT_EQ(object->ToString(), L"TestCircle");
-  EXPECT_EQ(object->IsKindOf(&TestCircle::WbClassTestCircle), 1);
-  EXPECT_EQ(object->IsKindOf(&TestShape::WbClassTestShape), 1);
-  EXPECT_EQ(object->IsKindOf(&WbObject::WbClassWbObject), 1);
-  EXPECT_EQ(object->IsKindOf(&TestSquare::WbClassTestSquare), 0);
-  EXPECT_EQ(WbObject::DeleteDynamicObject(object), 1);
-
-  // Through the record as well; a directly constructed object was not "created".
-  WbObject* square = TestSquare::WbClassTestSquare.CreateObject();
-  ASSERT_NE(square, nullptr);
-  EXPECT_EQ(static_cast<TestShape*>(square)->Area(), 4.0);
-  EXPECT_EQ(WbObject::DeleteDynamicObject(square), 1);
-  TestCircle direct;
-  EXPECT_FALSE(direct.created);
-
-  // Unknown and abstract classes give null.
-  EXPECT_EQ(WbRuntimeClass::CreateObject(L"TestShape"), nullptr);
-  EXPECT_EQ(WbRuntimeClass::CreateObject(L"WbObject"), nullptr);
-  EXPECT_EQ(WbRuntimeClass::CreateObject(L"ZmNoSuchClass"), nullptr);
-}
-
-TEST(WbRuntimeClass, DynamicDeletionAsksTheObjectFirst) {
-  ASSERT_EQ(TestShape::live, 0);
+// Creation by name or through the record calls the creation hook (a directly constructed object
+// was not "created"); unknown and abstract classes give null. Deletion asks the object first.
+TEST(WbRuntimeClass, CreationKindTestsAndDeletion) {
   auto* circle = static_cast<TestCircle*>(WbRuntimeClass::CreateObject(L"TestCircle"));
-  ASSERT_NE(circle, nullptr);
-  circle->deletable = 0;
+  WbObject* square = TestSquare::WbClassTestSquare.CreateObject();
+  ASSERT_TRUE(circle && square);
+  EXPECT_TRUE(circle->created && !TestCircle().created && square->GetRuntimeClass() == &TestSquare::WbClassTestSquare);
+  EXPECT_TRUE(circle->GetRuntimeClass() == &TestCircle::WbClassTestCircle && circle->ToString() == L"TestCircle");
+  EXPECT_EQ((std::vector<int>{
+                circle->IsKindOf(&TestCircle::WbClassTestCircle), circle->IsKindOf(&TestShape::WbClassTestShape),
+                circle->IsKindOf(&WbObject::WbClassWbObject), circle->IsKindOf(&TestSquare::WbClassTestSquare)}),
+            (std::vector<int>{1, 1, 1, 0}));
+  for (const wchar_t* none : {L"TestShape", L"WbObject", L"ZmNoSuchClass"})
+    EXPECT_EQ(WbRuntimeClass::CreateObject(none), nullptr);
+
+  circle->deletable = 0;  // refused: still alive
   EXPECT_EQ(WbObject::DeleteDynamicObject(circle), 0);
-  EXPECT_EQ(TestShape::live, 1);  // refused: still alive
+  EXPECT_EQ(TestShape::live, 2);
   circle->deletable = 1;
-  EXPECT_EQ(WbObject::DeleteDynamicObject(circle), 1);
+  EXPECT_EQ(WbObject::DeleteDynamicObject(circle) + WbObject::DeleteDynamicObject(square), 2);
   EXPECT_EQ(TestShape::live, 0);
   EXPECT_EQ(WbObject::DeleteDynamicObject(nullptr), 0);
 }
