@@ -6,11 +6,30 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
+#include <limits>
 #include <random>
+#include <utility>
 
 namespace frame_test {
 
 constexpr double kMarker = -1.0000000331813535e+32;  // -1.0e32f widened
+
+using Scalars = ::testing::Types<double, float>;
+
+// Rows of (computed, expected) compared exactly; the row number names a failure.
+template <class T>
+void ExpectRows(std::initializer_list<std::pair<T, T>> rows) {
+  int row = 0;
+  for (const auto& r : rows) EXPECT_EQ(r.first, r.second) << "row " << row++;
+}
+
+// Every computed value equals the one expected value.
+template <class T, class U>
+void ExpectAll(std::initializer_list<T> values, const U& expected) {
+  int row = 0;
+  for (const T& v : values) EXPECT_EQ(v, expected) << "row " << row++;
+}
 
 // |a_i - b_i| <= tol for each component.
 template <class A, class B>
@@ -81,3 +100,9 @@ double Scale(const P&... points) {
 }
 
 }  // namespace frame_test
+
+// A typed suite over both twins.
+#define FRAME_TWIN_SUITE(Name)            \
+  template <class T>                      \
+  class Name : public ::testing::Test {}; \
+  TYPED_TEST_SUITE(Name, ::frame_test::Scalars)
