@@ -123,7 +123,7 @@ TYPED_TEST(FrameTwins, AxesFromTwoVectors) {
   // cos(0.1 deg) = 0.9999984769 < 0.999999) are refused; 0.05 degree (0.9999996192) is taken
   // with the inputs kept as given; orthogonal inputs of any length are normalised, y = z x x.
   // Z and X: X re-orthogonalised, z = (0,0,1), x = (1,1,0): X = (s, s, 0), Y = (-s, s, 0).
-  const double off = 0.1 * M_PI / 180, less = 0.05 * M_PI / 180;
+  const double off = 0.1 * M_PI / 180, sl = std::sin(0.05 * M_PI / 180), cl = std::cos(0.05 * M_PI / 180);
   const struct {
     bool zFirst;
     V a, b;                             // x, z for SetMatrixByXAndZ; z, x for SetMatrixByZAndX
@@ -134,12 +134,7 @@ TYPED_TEST(FrameTwins, AxesFromTwoVectors) {
       {false, V(1, 0, 0), V(WbCoord3DT<T>::INVALID)},
       {false, V(1, 0, 0), V(std::sin(off), 0, std::cos(off))},
       {false, V(0, 3, 0), V(2, 0, 0), {0, 1, 0}, {0, 0, 1}, {1, 0, 0}},
-      {false,
-       V(1, 0, 0),
-       V(std::sin(less), 0, std::cos(less)),
-       {1, 0, 0},
-       {0, std::cos(less), 0},
-       {std::sin(less), 0, std::cos(less)}},
+      {false, V(1, 0, 0), V(sl, 0, cl), {1, 0, 0}, {0, cl, 0}, {sl, 0, cl}},
       {true, V(0, 0, 1), V(1, 1, 0), {s, s, 0}, {-s, s, 0}, {0, 0, 1}},
       {true, V(0, 0, 1), V(0, 0, -4)},  // parallel
       {true, V(0, 0, 0), V(1, 0, 0)},
@@ -149,11 +144,8 @@ TYPED_TEST(FrameTwins, AxesFromTwoVectors) {
     ZmFrameT<T> frame(start);
     const bool taken = r.zFirst ? frame.SetMatrixByZAndX(r.a, r.b) : frame.SetMatrixByXAndZ(r.a, r.b);
     EXPECT_EQ(taken, r.x != ZmVector3d()) << &r - rows;
-    if (taken) {
-      EXPECT_TRUE(HasAxes(frame, V(r.x), V(r.y), V(r.z), 1e-7)) << &r - rows;
-    } else {
-      EXPECT_EQ(frame, start) << &r - rows;
-    }
+    EXPECT_TRUE(taken ? HasAxes(frame, V(r.x), V(r.y), V(r.z), 1e-7) : ::testing::AssertionResult(frame == start))
+        << &r - rows;
   }
   // The other precision's vectors.
   ZmFrameT<T> frame(start);

@@ -72,8 +72,7 @@ TYPED_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
   ASSERT_EQ(P::ComputePointsCloudLocalFrame(cloud, frame, &box), 1);
   EXPECT_TRUE(Near(frame.GetOrigin(), P(10, -5, 2), 1e-5));
   EXPECT_TRUE(HasAxes(frame, V(c, s, 0), V(-s, c, 0), V(0, 0, 1), 1e-6));
-  EXPECT_TRUE(Near(box.GetMinimum(), P(-3, -1, -0.5), 1e-5));
-  EXPECT_TRUE(Near(box.GetMaximum(), P(3, 1, 0.5), 1e-5));
+  EXPECT_TRUE(Near(box.GetMinimum(), P(-3, -1, -0.5), 1e-5) && Near(box.GetMaximum(), P(3, 1, 0.5), 1e-5));
   // Without extents.
   ZmFrameT<T> again;
   ASSERT_EQ(P::ComputePointsCloudLocalFrame(cloud, again, nullptr), 1);
@@ -152,8 +151,7 @@ TYPED_TEST(PointFrameTwins, CloudFramesOfEqualSpreadsAndUnusableClouds) {
     }
     EXPECT_TRUE(HasAxes(frame, r.x, r.y, r.z, r.tol));
     EXPECT_TRUE(Near(frame.GetOrigin(), r.origin, r.tol));
-    EXPECT_TRUE(Near(box.GetMinimum(), r.min, r.tol));
-    EXPECT_TRUE(Near(box.GetMaximum(), r.max, r.tol));
+    EXPECT_TRUE(Near(box.GetMinimum(), r.min, r.tol) && Near(box.GetMaximum(), r.max, r.tol));
   }
 }
 
