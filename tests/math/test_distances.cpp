@@ -86,17 +86,19 @@ TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
   using P = ZmPoint3T<T>;
   using V = ZmVector3T<T>;
   const P a(0, 0, 0), b(4, 0, 0);
-  const auto onSegment = [&a](const P& p, const P& end, int ok, const P& expectedFoot, T expectedParam) {
+  const auto onSegment = [](const P& p, const P& start, const P& end, int ok, const P& expectedFoot, T expectedParam) {
     P foot(5, 5, 5);
     T param = 7;
-    EXPECT_EQ(M::ProjOnSegment(p, a, end, foot, &param), ok);
+    EXPECT_EQ(M::ProjOnSegment(p, start, end, foot, &param), ok);
     EXPECT_TRUE(foot == expectedFoot && param == expectedParam) << param;
   };
-  // Clamped to the ends; a = b gives 0 and writes neither the foot nor the parameter.
-  onSegment(P(1, 1, 0), b, 1, P(1, 0, 0), T(0.25));
-  onSegment(P(-1, 1, 0), b, 1, a, T(0));
-  onSegment(P(9, -1, 0), b, 1, b, T(1));
-  onSegment(P(1, 1, 0), a, 0, P(5, 5, 5), T(7));
+  // Clamped to the ends; a = b gives 0 and writes neither the foot nor the parameter. The far
+  // end itself is the foot, not a + (b - a) (1.0000000827e-9 in double, 0 in float).
+  onSegment(P(1, 1, 0), a, b, 1, P(1, 0, 0), T(0.25));
+  onSegment(P(-1, 1, 0), a, b, 1, a, T(0));
+  onSegment(P(9, -1, 0), a, b, 1, b, T(1));
+  onSegment(P(1, 1, 0), a, a, 0, P(5, 5, 5), T(7));
+  onSegment(P(T(1e-9), 0, 0), P(3, 0, 0), P(T(1e-9), 0, 0), 1, P(T(1e-9), 0, 0), T(1));
   const auto toSegment = [](const P& p, const P& s0, const P& s1, T distance, const V& expectedToFoot) {
     V toFoot;
     EXPECT_EQ(M::DistToSegment(p, s0, s1, toFoot), distance);
