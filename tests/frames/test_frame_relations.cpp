@@ -8,25 +8,21 @@ using namespace frame_test;
 
 FRAME_TWIN_SUITE(FrameMotionTwins);
 
-template <class T>
-ZmMatrix3T<T> Rows(T a00, T a01, T a02, T a10, T a11, T a12, T a20, T a21, T a22) {
-  return ZmMatrix3T<T>(a00, a01, a02, a10, a11, a12, a20, a21, a22);
-}
-
 TYPED_TEST(FrameMotionTwins, Rotations) {
   using T = TypeParam;
   using V = ZmVector3T<T>;
   using P = ZmPoint3T<T>;
+  using Rows = ZmMatrix3T<T>;
   const T nan = std::numeric_limits<T>::quiet_NaN(), inf = std::numeric_limits<T>::infinity();
   ZmFrameT<T> frame;
   frame.SetOrigin(P(1, 0, 0));
   // A quarter turn about Z is exact: X -> Y, Y -> -X; the origin stays.
   EXPECT_EQ(frame.Rotate(V(0, 0, 3), T(90)), 1);
-  EXPECT_TRUE(frame.GetMatrix() == Rows<T>(0, -1, 0, 1, 0, 0, 0, 0, 1) && frame.GetOrigin() == P(1, 0, 0));
+  EXPECT_TRUE(frame.GetMatrix() == Rows(0, -1, 0, 1, 0, 0, 0, 0, 1) && frame.GetOrigin() == P(1, 0, 0));
   // About the line through (0, 0, 5) along Z the origin turns too: (1,0,0) -> (0,1,0).
   EXPECT_EQ(frame.Rotate(P(0, 0, 5), V(0, 0, 1), T(90)), 1);
   EXPECT_TRUE(Near(frame.GetOrigin(), P(0, 1, 0), 1e-6));
-  EXPECT_EQ(frame.GetMatrix(), Rows<T>(-1, 0, 0, 0, -1, 0, 0, 0, 1));
+  EXPECT_EQ(frame.GetMatrix(), Rows(-1, 0, 0, 0, -1, 0, 0, 0, 1));
   // Axes that cannot be normalised (RotationMatrix would turn about Z for the tiny one), a NaN
   // angle or an unusable centre change nothing, each on its own.
   const ZmFrameT<T> before(frame);
@@ -43,8 +39,8 @@ TYPED_TEST(FrameMotionTwins, Rotations) {
     unsigned char done;
     ZmMatrix3T<T> matrix;
   } turns[] = {
-      {90, 90, 0, 1, Rows<T>(0, 0, 1, 1, 0, 0, 0, 1, 0)},
-      {zm::Invalid<T>(), 0, 90, 1, Rows<T>(0, -1, 0, 1, 0, 0, 0, 0, 1)},
+      {90, 90, 0, 1, Rows(0, 0, 1, 1, 0, 0, 0, 1, 0)},
+      {zm::Invalid<T>(), 0, 90, 1, Rows(0, -1, 0, 1, 0, 0, 0, 0, 1)},
       {30, inf, 0, 0, ZmMatrix3T<T>::IDENTITY},
   };
   for (const auto& t : turns) {
