@@ -18,11 +18,12 @@ class ProbeFrame3D : public ZmFrame3D {
 ::testing::AssertionResult Is(const ZmFrame3D& frame, const ZmPoint3d& o, const ZmVector3d& x, const ZmVector3d& y,
                               const ZmVector3d& z, double tol) {
   double read[4][3];
-  void (ZmFrame3D::*const getters[4])(double*)
-      const = {&ZmFrame3D::GetOrigin, &ZmFrame3D::GetXAxis, &ZmFrame3D::GetYAxis, &ZmFrame3D::GetZAxis};
+  frame.GetOrigin(read[0]);
+  frame.GetXAxis(read[1]);
+  frame.GetYAxis(read[2]);
+  frame.GetZAxis(read[3]);
   const ZmVector3d expected[4] = {ZmVector3d(o), x, y, z};
   for (int i = 0; i < 4; ++i) {
-    (frame.*getters[i])(read[i]);
     const auto result = Near(ZmVector3d(read[i]), expected[i], tol);
     if (!result) return ::testing::AssertionFailure() << (i ? "axis " : "origin ") << i << ", " << result.message();
   }
