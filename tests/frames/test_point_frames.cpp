@@ -116,7 +116,11 @@ TYPED_TEST(PointFrameTwins, CloudFramesOfEqualSpreadsAndUnusableClouds) {
   // 0, 1); extents +-2 sqrt(2) along X. A square in the plane y = 0: Z = (0, 1, 0) (the normal,
   // oriented) and its completion X = (-1, 0, 0), Y = (0, 0, 1). The corners of a cube, and a
   // single point: the global axes. No usable point, an infinite coordinate, or finite ones
-  // whose sums overflow leave no finite frame: nothing is written.
+  // whose sums overflow leave no finite frame: nothing is written. (+-3, 0, 0) with (0, +-1,
+  // +-0.5) couples only y and z, by exactly 1 in the scatter sums: the block [[2, 1], [1, 0.5]]
+  // has the eigenvalues 2.5 and 0, so Y = (0, 2, 1) / r5, Z = X x Y = (0, -1, 2) / r5 and the
+  // extents are +-r5 / 2 along Y.
+  const double r5 = std::sqrt(5.0);
   WbArrayTempl<P> line, cube;
   for (int t = -2; t <= 2; ++t) line.Add(P(5 + t, 5 + t, 5));
   for (int i = 0; i < 8; ++i) cube.Add(P(i & 1 ? 3 : 1, i & 2 ? 3 : 1, i & 4 ? 3 : 1));
@@ -131,6 +135,15 @@ TYPED_TEST(PointFrameTwins, CloudFramesOfEqualSpreadsAndUnusableClouds) {
       {line, 1, P(5, 5, 5), P(-d, 0, 0), P(d, 0, 0), V(s, s, 0), V(-s, s, 0), z, 1e-5},
       {{P(1, 0, 1), P(-1, 0, 1), P(-1, 0, -1), P(1, 0, -1)}, 1, P(0, 0, 0), P(-1, -1, 0), P(1, 1, 0), -x, z, y, 1e-6},
       {cube, 1, P(2, 2, 2), P(-1, -1, -1), P(1, 1, 1), x, y, z},
+      {{P(3, 0, 0), P(-3, 0, 0), P(0, 1, 0.5), P(0, -1, -0.5)},
+       1,
+       P(0, 0, 0),
+       P(-3, -r5 / 2, 0),
+       P(3, r5 / 2, 0),
+       x,
+       V(0, 2 / r5, 1 / r5),
+       V(0, -1 / r5, 2 / r5),
+       1e-6},
       {{P(4, 5, 6)}, 1, P(4, 5, 6), P(0, 0, 0), P(0, 0, 0), x, y, z},
       {{}, 0},
       {{P(WbCoord3DT<T>::INVALID), P(nan, 1, 1)}, 0},
