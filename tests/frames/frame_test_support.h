@@ -44,15 +44,12 @@ template <class A, class B>
   return ::testing::AssertionSuccess();
 }
 
+// Column by column.
 template <class A, class B>
 ::testing::AssertionResult NearMatrix(const A& a, const B& b, double tol) {
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) {
-      if (!(std::fabs(double(a[i][j]) - double(b[i][j])) <= tol)) {
-        return ::testing::AssertionFailure()
-               << "coefficient (" << i << ", " << j << "): " << double(a[i][j]) << " vs " << double(b[i][j]);
-      }
-    }
+  for (int j = 0; j < 3; ++j) {
+    const auto result = Near(a.GetColumn(j), b.GetColumn(j), tol);
+    if (!result) return ::testing::AssertionFailure() << "column " << j << ", " << result.message();
   }
   return ::testing::AssertionSuccess();
 }
