@@ -6,11 +6,30 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
+#include <limits>
 #include <random>
+#include <utility>
 
 namespace frame_test {
 
 constexpr double kMarker = -1.0000000331813535e+32;  // -1.0e32f widened
+
+using Scalars = ::testing::Types<double, float>;
+
+// Rows of (computed, expected) compared exactly; the row number names a failure.
+template <class T>
+void ExpectRows(std::initializer_list<std::pair<T, T>> rows) {
+  int row = 0;
+  for (const auto& r : rows) EXPECT_EQ(r.first, r.second) << "row " << row++;
+}
+
+// Every computed value equals the one expected value.
+template <class T, class U>
+void ExpectAll(std::initializer_list<T> values, const U& expected) {
+  int row = 0;
+  for (const T& v : values) EXPECT_EQ(v, expected) << "row " << row++;
+}
 
 // |a_i - b_i| <= tol for each component.
 template <class A, class B>
@@ -25,15 +44,12 @@ template <class A, class B>
   return ::testing::AssertionSuccess();
 }
 
+// Column by column.
 template <class A, class B>
 ::testing::AssertionResult NearMatrix(const A& a, const B& b, double tol) {
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) {
-      if (!(std::fabs(double(a[i][j]) - double(b[i][j])) <= tol)) {
-        return ::testing::AssertionFailure()
-               << "coefficient (" << i << ", " << j << "): " << double(a[i][j]) << " vs " << double(b[i][j]);
-      }
-    }
+  for (int j = 0; j < 3; ++j) {
+    const auto result = Near(a.GetColumn(j), b.GetColumn(j), tol);
+    if (!result) return ::testing::AssertionFailure() << "column " << j << ", " << result.message();
   }
   return ::testing::AssertionSuccess();
 }
@@ -81,3 +97,9 @@ double Scale(const P&... points) {
 }
 
 }  // namespace frame_test
+
+// A typed suite over both twins.
+#define FRAME_TWIN_SUITE(Name)            \
+  template <class T>                      \
+  class Name : public ::testing::Test {}; \
+  TYPED_TEST_SUITE(Name, ::frame_test::Scalars)

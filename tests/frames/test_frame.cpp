@@ -1,24 +1,13 @@
 // Typed frames: construction rules, accessors and their row/column asymmetry, the axes from
 // two vectors, the nearest axis, the text form, and the coordinate-type conversions against
 // values computed independently.
-#include <gtest/gtest.h>
-#include <zemcalc/zemcalc.h>
-
-#include <cmath>
-#include <limits>
-
 #include "frames/frame_test_support.h"
 
 namespace {
 
-using frame_test::HasAxes;
-using frame_test::kMarker;
-using frame_test::Near;
+using namespace frame_test;
 
-template <class T>
-class FrameTwins : public ::testing::Test {};
-using Scalars = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(FrameTwins, Scalars);
+FRAME_TWIN_SUITE(FrameTwins);
 
 // The frame of the independent numpy calculation below: the rotation by 40 degrees about
 // (1, 2, 2) / 3 (Rodrigues), origin (1, -2, 0.5).
@@ -42,9 +31,9 @@ TEST(Frame, DefaultCopyAndTwinConversion) {
   // The float twin rounds each field; converting back widens them exactly.
   const ZmFramef narrowed = rotated;
   EXPECT_EQ(narrowed.GetType(), ZmFrameSpherical);
-  EXPECT_EQ(narrowed.GetMatrix()[0][0], 0.7920395049946471f);
   EXPECT_EQ(ZmFramed(narrowed).GetOrigin(), ZmPoint3d(1, -2, 0.5));
-  EXPECT_EQ(ZmFramed(narrowed).GetMatrix()[1][2], double(-0.11028228905950332f));
+  ExpectRows<double>({{narrowed.GetMatrix()[0][0], double(0.7920395049946471f)},
+                      {ZmFramed(narrowed).GetMatrix()[1][2], double(-0.11028228905950332f)}});
 }
 
 TYPED_TEST(FrameTwins, ConstructionsGiveTheseAxes) {
@@ -82,11 +71,9 @@ TYPED_TEST(FrameTwins, ConstructionsGiveTheseAxes) {
       {ZmFrameT<T>(P(0, 0, 0), zero, ZmFrameCartesian), x, y, z, 0},
   };
   for (const auto& r : rows) EXPECT_TRUE(HasAxes(r.frame, r.x, r.y, r.z, r.tol)) << &r - rows;
-  EXPECT_EQ(rows[0].frame.GetOrigin(), p0);
-  EXPECT_EQ(rows[0].frame.GetType(), ZmFrameCylindrical);
-  EXPECT_EQ(rows[3].frame.GetOrigin(), p0);
-  EXPECT_EQ(rows[6].frame.GetOrigin(), P(1, 2, 3));
-  EXPECT_EQ(rows[6].frame.GetType(), ZmFrameCylindrical);
+  ExpectRows<P>(
+      {{rows[0].frame.GetOrigin(), p0}, {rows[3].frame.GetOrigin(), p0}, {rows[6].frame.GetOrigin(), P(1, 2, 3)}});
+  ExpectAll<ZmFrameType>({rows[0].frame.GetType(), rows[6].frame.GetType()}, ZmFrameCylindrical);
   // The other precision's points give the same frame.
   const ZmFrameT<T> fromDouble(ZmPoint3d(0, 0, 0), ZmPoint3d(1, 2, 2), ZmPoint3d(-1, 1, 4), 2, ZmFrameCartesian);
   EXPECT_TRUE(Near(fromDouble.GetVector(2), ZmVector3d(2.0 / 3, -2.0 / 3, 1.0 / 3), 1e-7));
@@ -104,28 +91,23 @@ TYPED_TEST(FrameTwins, AccessorsRowsColumnsAndIdentity) {
   frame.SetMatrix(V(0, 1, 0), V(-1, 0, 0), V(0, 0, 1));
   ZmVector3d row(7, 7, 7);
   ZmVector3f column(7, 7, 7);
-  EXPECT_EQ(frame.GetVector(0, row), 1);
-  EXPECT_EQ(row, ZmVector3d(0, -1, 0));  // first row
-  EXPECT_EQ(frame.GetVector(0, column), 1);
-  EXPECT_EQ(column, ZmVector3f(0, 1, 0));  // X axis
-  // Bad indexes write nothing.
-  EXPECT_EQ(frame.GetVector(3, row), 0);
-  EXPECT_EQ(frame.GetVector(-1, column), 0);
+  // The double form reads the first row, the float one the X axis; bad indexes write nothing.
+  ExpectRows<int>({{frame.GetVector(0, row), 1},
+                   {frame.GetVector(0, column), 1},
+                   {frame.GetVector(3, row), 0},
+                   {frame.GetVector(-1, column), 0},
+                   {frame.GetVector(3).IsValid(), 0}});
   EXPECT_EQ(row, ZmVector3d(0, -1, 0));
   EXPECT_EQ(column, ZmVector3f(0, 1, 0));
-  EXPECT_FALSE(frame.GetVector(3).IsValid());
   V x, y, z;
   frame.GetVectors(x, y, z);
-  EXPECT_EQ(x, V(0, 1, 0));
-  EXPECT_EQ(y, V(-1, 0, 0));
-  EXPECT_EQ(z, V(0, 0, 1));
+  ExpectRows<V>({{x, V(0, 1, 0)}, {y, V(-1, 0, 0)}, {z, V(0, 0, 1)}});
   // SetIdentity keeps the origin or resets it; never the type.
   ZmFrameT<T> reset(frame);
   frame.SetIdentity(0);
   reset.SetIdentity(1);
   EXPECT_EQ(frame.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
-  EXPECT_EQ(frame.GetOrigin(), ZmPoint3T<T>(1, 2, 3));
-  EXPECT_EQ(reset.GetOrigin(), ZmPoint3T<T>(0, 0, 0));
+  ExpectRows<ZmPoint3T<T>>({{frame.GetOrigin(), ZmPoint3T<T>(1, 2, 3)}, {reset.GetOrigin(), ZmPoint3T<T>(0, 0, 0)}});
   EXPECT_EQ(reset.GetType(), ZmFrameSpherical);
   // SetMatrix with the other precision's vectors.
   reset.SetMatrix(ZmVector3d(0, 1, 0), ZmVector3d(-1, 0, 0), ZmVector3d(0, 0, 1));
@@ -141,7 +123,7 @@ TYPED_TEST(FrameTwins, AxesFromTwoVectors) {
   // cos(0.1 deg) = 0.9999984769 < 0.999999) are refused; 0.05 degree (0.9999996192) is taken
   // with the inputs kept as given; orthogonal inputs of any length are normalised, y = z x x.
   // Z and X: X re-orthogonalised, z = (0,0,1), x = (1,1,0): X = (s, s, 0), Y = (-s, s, 0).
-  const double off = 0.1 * M_PI / 180, less = 0.05 * M_PI / 180;
+  const double off = 0.1 * M_PI / 180, sl = std::sin(0.05 * M_PI / 180), cl = std::cos(0.05 * M_PI / 180);
   const struct {
     bool zFirst;
     V a, b;                             // x, z for SetMatrixByXAndZ; z, x for SetMatrixByZAndX
@@ -152,12 +134,7 @@ TYPED_TEST(FrameTwins, AxesFromTwoVectors) {
       {false, V(1, 0, 0), V(WbCoord3DT<T>::INVALID)},
       {false, V(1, 0, 0), V(std::sin(off), 0, std::cos(off))},
       {false, V(0, 3, 0), V(2, 0, 0), {0, 1, 0}, {0, 0, 1}, {1, 0, 0}},
-      {false,
-       V(1, 0, 0),
-       V(std::sin(less), 0, std::cos(less)),
-       {1, 0, 0},
-       {0, std::cos(less), 0},
-       {std::sin(less), 0, std::cos(less)}},
+      {false, V(1, 0, 0), V(sl, 0, cl), {1, 0, 0}, {0, cl, 0}, {sl, 0, cl}},
       {true, V(0, 0, 1), V(1, 1, 0), {s, s, 0}, {-s, s, 0}, {0, 0, 1}},
       {true, V(0, 0, 1), V(0, 0, -4)},  // parallel
       {true, V(0, 0, 0), V(1, 0, 0)},
@@ -167,11 +144,8 @@ TYPED_TEST(FrameTwins, AxesFromTwoVectors) {
     ZmFrameT<T> frame(start);
     const bool taken = r.zFirst ? frame.SetMatrixByZAndX(r.a, r.b) : frame.SetMatrixByXAndZ(r.a, r.b);
     EXPECT_EQ(taken, r.x != ZmVector3d()) << &r - rows;
-    if (taken) {
-      EXPECT_TRUE(HasAxes(frame, V(r.x), V(r.y), V(r.z), 1e-7)) << &r - rows;
-    } else {
-      EXPECT_EQ(frame, start) << &r - rows;
-    }
+    EXPECT_TRUE(taken ? HasAxes(frame, V(r.x), V(r.y), V(r.z), 1e-7) : ::testing::AssertionResult(frame == start))
+        << &r - rows;
   }
   // The other precision's vectors.
   ZmFrameT<T> frame(start);
@@ -218,13 +192,11 @@ TYPED_TEST(FrameTwins, ValidityAndText) {
                L"v1=0.000, 1.000, 0.000, v2=-1.000, 0.000, 0.000, v3=0.000, 0.000, 1.000, pt=1.2, -2.0, 30.0");
   frame.WriteDebug(L"ignored");
   // Orthonormality is not checked; the marker in an axis or the origin is.
-  frame.SetMatrix(V(5, 5, 5), V(0, 0, 0), V(0, 0, 1));
-  EXPECT_EQ(frame.IsValid(), 1);
-  frame.SetMatrix(V(1, 0, 0), V(0, T(kMarker), 0), V(0, 0, 1));
-  EXPECT_EQ(frame.IsValid(), 0);
-  ZmFrameT<T> noOrigin;
+  ZmFrameT<T> skewed(frame), marked(frame), noOrigin;
+  skewed.SetMatrix(V(5, 5, 5), V(0, 0, 0), V(0, 0, 1));
+  marked.SetMatrix(V(1, 0, 0), V(0, T(kMarker), 0), V(0, 0, 1));
   noOrigin.SetOrigin(ZmPoint3T<T>(WbCoord3DT<T>::INVALID));
-  EXPECT_EQ(noOrigin.IsValid(), 0);
+  ExpectRows<int>({{skewed.IsValid(), 1}, {marked.IsValid(), 0}, {noOrigin.IsValid(), 0}});
 }
 
 TEST(Frame, ConversionsAgainstAnIndependentCalculation) {
@@ -273,13 +245,13 @@ TYPED_TEST(FrameTwins, CylindricalAndSphericalEdges) {
   };
   for (const auto& r : rows) EXPECT_TRUE(Near(r.frame.GlobalToLocal(r.global), r.local, r.tol)) << &r - rows;
   EXPECT_TRUE(Near(cylinder.LocalToGlobal(P(2, 90, 1)), P(1, 4, 4), 1e-6));
-  EXPECT_EQ(cylinder.LocalToGlobal(P(2, 90, 1)).z, T(4));
-  EXPECT_EQ(cylinder.GlobalToLocal(P(1, 2 + tiny, 3)).y, T(0));
-  EXPECT_EQ(sphere.GlobalToLocal(P(tiny, 0, tiny)).y, T(0));
-  EXPECT_EQ(sphere.GlobalToLocal(P(tiny, 0, tiny)).z, T(0));
   // Near the pole x / (rho cos phi) exceeds 1 by rounding: clamped, never NaN.
   const P nearPole = sphere.GlobalToLocal(P(T(1e-12), 0, 1));
-  EXPECT_EQ(nearPole.y, T(0));
+  ExpectRows<T>({{cylinder.LocalToGlobal(P(2, 90, 1)).z, 4},
+                 {cylinder.GlobalToLocal(P(1, 2 + tiny, 3)).y, 0},
+                 {sphere.GlobalToLocal(P(tiny, 0, tiny)).y, 0},
+                 {sphere.GlobalToLocal(P(tiny, 0, tiny)).z, 0},
+                 {nearPole.y, 0}});
   EXPECT_NEAR(nearPole.z, 90, 1e-4);
   // And below -1 on the other side, in double: rho = 1, phi = asin(1), rho cos phi =
   // 6.123233995736766e-17, so x = -9.18e-17 gives the cosine -1.4992, clamped: theta 180.
@@ -303,24 +275,21 @@ TYPED_TEST(FrameTwins, ProtectedTypeConversions) {
   P point;
   V vector;
   T x = 7, y = 7, z = 7;
-  EXPECT_EQ(cylinder.ConvertCartesianCoord(T(0), T(-2), T(4), point), 1);
-  EXPECT_EQ(point, P(2, -90, 4));  // the origin plays no part
-  EXPECT_EQ(cylinder.ConvertCartesianCoord(T(-3), T(0), T(1), vector), 1);
-  EXPECT_EQ(vector, V(3, 180, 1));
-  EXPECT_EQ(cylinder.GetCartesianCoord(P(2, 180, 4), x, y, z), 1);
+  // The origin plays no part. An unknown type writes nothing; the public conversions give the
+  // invalid point.
+  const ProbeFrame<T> unknown(P(0, 0, 0), V(0, 0, 1), static_cast<ZmFrameType>(5));
+  ExpectRows<int>({{cylinder.ConvertCartesianCoord(T(0), T(-2), T(4), point), 1},
+                   {cylinder.ConvertCartesianCoord(T(-3), T(0), T(1), vector), 1},
+                   {cylinder.GetCartesianCoord(P(2, 180, 4), x, y, z), 1},
+                   {unknown.ConvertCartesianCoord(T(1), T(2), T(3), point), 0},
+                   {unknown.ConvertCartesianCoord(T(1), T(2), T(3), vector), 0},
+                   {unknown.GetCartesianCoord(V(1, 1, 1), x, y, z), 0},
+                   {unknown.GetCartesianCoord(P(1, 1, 1), x, y, z), 0},
+                   {unknown.GlobalToLocal(P(1, 2, 3)).IsValid(), 0},
+                   {unknown.LocalToGlobal(V(1, 2, 3)).IsValid(), 0}});
+  EXPECT_TRUE(point == P(2, -90, 4) && vector == V(3, 180, 1));
   EXPECT_TRUE(Near(P(x, y, z), P(-2, 0, 4), 1e-6));
   EXPECT_EQ(z, T(4));
-  // An unknown type writes nothing; the public conversions give the invalid point.
-  const ProbeFrame<T> unknown(P(0, 0, 0), V(0, 0, 1), static_cast<ZmFrameType>(5));
-  EXPECT_EQ(unknown.ConvertCartesianCoord(T(1), T(2), T(3), point), 0);
-  EXPECT_EQ(unknown.ConvertCartesianCoord(T(1), T(2), T(3), vector), 0);
-  EXPECT_EQ(unknown.GetCartesianCoord(V(1, 1, 1), x, y, z), 0);
-  EXPECT_EQ(unknown.GetCartesianCoord(P(1, 1, 1), x, y, z), 0);
-  EXPECT_EQ(point, P(2, -90, 4));
-  EXPECT_EQ(vector, V(3, 180, 1));
-  EXPECT_EQ(z, T(4));
-  EXPECT_FALSE(unknown.GlobalToLocal(P(1, 2, 3)).IsValid());
-  EXPECT_FALSE(unknown.LocalToGlobal(V(1, 2, 3)).IsValid());
 }
 
 }  // namespace

@@ -1,21 +1,11 @@
 // The frames of planes and point clouds, and the 2D coordinates of a point in a plane.
-#include <gtest/gtest.h>
-#include <zemcalc/zemcalc.h>
-
-#include <cmath>
-#include <limits>
-
 #include "frames/frame_test_support.h"
 
 namespace {
 
-using frame_test::HasAxes;
-using frame_test::Near;
+using namespace frame_test;
 
-template <class T>
-class PointFrameTwins : public ::testing::Test {};
-using Scalars = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(PointFrameTwins, Scalars);
+FRAME_TWIN_SUITE(PointFrameTwins);
 
 TYPED_TEST(PointFrameTwins, PlaneFrameFollowsTheNormalAndTheXAxisPoint) {
   using T = TypeParam;
@@ -26,9 +16,7 @@ TYPED_TEST(PointFrameTwins, PlaneFrameFollowsTheNormalAndTheXAxisPoint) {
   ZmFrameT<T> frame(P(9, 9, 9), V(1, 1, 1), ZmFrameSpherical);
   // No X-axis point: the completion of Z = (0, 0, 1) is X = (1, 0, 0), Y = (0, 1, 0).
   ASSERT_EQ(plane.GetFrame(frame), 1);
-  EXPECT_EQ(frame.GetOrigin(), P(1, 2, 3));
-  EXPECT_EQ(frame.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
-  EXPECT_EQ(frame.GetType(), ZmFrameCartesian);
+  EXPECT_EQ(frame, ZmFrameT<T>(V(1, 0, 0), V(0, 1, 0), V(0, 0, 1), P(1, 2, 3), ZmFrameCartesian));
   // Offset (3, 3, 7) loses its normal part: X = (s, s, 0), Y = Z x X = (-s, s, 0).
   plane.SetXAxisPoint(P(4, 5, 10));
   ASSERT_EQ(plane.GetFrame(frame), 1);
@@ -56,8 +44,7 @@ TYPED_TEST(PointFrameTwins, PlaneTwoDimensionalCoordinates) {
   ZmPlaneT<T> plane(P(0, 0, 0), V(0, 3, 4), ok);
   plane.SetXAxisPoint(P(5, 0, 0));
   const ZmPoint2f flat = P(2, T(8.4), T(6.2)).GetPlane2DCoords(plane);
-  EXPECT_NEAR(flat.x, 2.0f, 1e-5f);
-  EXPECT_NEAR(flat.y, 3.0f, 1e-5f);
+  EXPECT_TRUE(Near(flat, ZmPoint2f(2, 3), 1e-5));
   static_assert(std::is_same<decltype(flat), const ZmPoint2f>::value, "float in both twins");
   EXPECT_FALSE(P(WbCoord3DT<T>::INVALID).GetPlane2DCoords(plane).IsValid());
   plane.SetPointOnPlane(P(WbCoord3DT<T>::INVALID));
@@ -73,10 +60,9 @@ TYPED_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
   // its largest component positive) and Z = X x Y = (0, 0, 1); the extents are the box.
   const double c = std::cos(M_PI / 6), s = std::sin(M_PI / 6);
   WbArrayTempl<P> cloud;
-  for (double a : {-3.0, 3.0}) {
-    for (double b : {-1.0, 1.0}) {
-      for (double h : {-0.5, 0.5}) cloud.Add(P(10 + a * c - b * s, -5 + a * s + b * c, 2 + h));
-    }
+  for (int i = 0; i < 8; ++i) {
+    const double a = i & 4 ? 3 : -3, b = i & 2 ? 1 : -1, h = i & 1 ? 0.5 : -0.5;
+    cloud.Add(P(10 + a * c - b * s, -5 + a * s + b * c, 2 + h));
   }
   // Unusable points take no part.
   cloud.Add(P(WbCoord3DT<T>::INVALID));
@@ -86,8 +72,7 @@ TYPED_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
   ASSERT_EQ(P::ComputePointsCloudLocalFrame(cloud, frame, &box), 1);
   EXPECT_TRUE(Near(frame.GetOrigin(), P(10, -5, 2), 1e-5));
   EXPECT_TRUE(HasAxes(frame, V(c, s, 0), V(-s, c, 0), V(0, 0, 1), 1e-6));
-  EXPECT_TRUE(Near(box.GetMinimum(), P(-3, -1, -0.5), 1e-5));
-  EXPECT_TRUE(Near(box.GetMaximum(), P(3, 1, 0.5), 1e-5));
+  EXPECT_TRUE(Near(box.GetMinimum(), P(-3, -1, -0.5), 1e-5) && Near(box.GetMaximum(), P(3, 1, 0.5), 1e-5));
   // Without extents.
   ZmFrameT<T> again;
   ASSERT_EQ(P::ComputePointsCloudLocalFrame(cloud, again, nullptr), 1);
@@ -107,13 +92,10 @@ TYPED_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
     for (int degrees = 0; degrees < 360; degrees += 20) {
       const double a = degrees * M_PI / 180;
       WbArrayTempl<P> turned;
-      for (double u : {-3.0, 3.0}) {
-        for (double w : {-1.0, 1.0}) {
-          for (double h : {-0.5, 0.5}) {
-            const double px = u * std::cos(a) - w * std::sin(a), py = u * std::sin(a) + w * std::cos(a);
-            turned.Add(P(px, py * std::cos(t) - h * std::sin(t), py * std::sin(t) + h * std::cos(t)));
-          }
-        }
+      for (int i = 0; i < 8; ++i) {
+        const double u = i & 4 ? 3 : -3, w = i & 2 ? 1 : -1, h = i & 1 ? 0.5 : -0.5;
+        const double px = u * std::cos(a) - w * std::sin(a), py = u * std::sin(a) + w * std::cos(a);
+        turned.Add(P(px, py * std::cos(t) - h * std::sin(t), py * std::sin(t) + h * std::cos(t)));
       }
       ASSERT_EQ(P::ComputePointsCloudLocalFrame(turned, frame, &box), 1);
       const V x = oriented(std::cos(a), std::sin(a) * std::cos(t), std::sin(a) * std::sin(t));
@@ -134,7 +116,11 @@ TYPED_TEST(PointFrameTwins, CloudFramesOfEqualSpreadsAndUnusableClouds) {
   // 0, 1); extents +-2 sqrt(2) along X. A square in the plane y = 0: Z = (0, 1, 0) (the normal,
   // oriented) and its completion X = (-1, 0, 0), Y = (0, 0, 1). The corners of a cube, and a
   // single point: the global axes. No usable point, an infinite coordinate, or finite ones
-  // whose sums overflow leave no finite frame: nothing is written.
+  // whose sums overflow leave no finite frame: nothing is written. (+-3, 0, 0) with (0, +-1,
+  // +-0.5) couples only y and z, by exactly 1 in the scatter sums: the block [[2, 1], [1, 0.5]]
+  // has the eigenvalues 2.5 and 0, so Y = (0, 2, 1) / r5, Z = X x Y = (0, -1, 2) / r5 and the
+  // extents are +-r5 / 2 along Y.
+  const double r5 = std::sqrt(5.0);
   WbArrayTempl<P> line, cube;
   for (int t = -2; t <= 2; ++t) line.Add(P(5 + t, 5 + t, 5));
   for (int i = 0; i < 8; ++i) cube.Add(P(i & 1 ? 3 : 1, i & 2 ? 3 : 1, i & 4 ? 3 : 1));
@@ -149,6 +135,15 @@ TYPED_TEST(PointFrameTwins, CloudFramesOfEqualSpreadsAndUnusableClouds) {
       {line, 1, P(5, 5, 5), P(-d, 0, 0), P(d, 0, 0), V(s, s, 0), V(-s, s, 0), z, 1e-5},
       {{P(1, 0, 1), P(-1, 0, 1), P(-1, 0, -1), P(1, 0, -1)}, 1, P(0, 0, 0), P(-1, -1, 0), P(1, 1, 0), -x, z, y, 1e-6},
       {cube, 1, P(2, 2, 2), P(-1, -1, -1), P(1, 1, 1), x, y, z},
+      {{P(3, 0, 0), P(-3, 0, 0), P(0, 1, 0.5), P(0, -1, -0.5)},
+       1,
+       P(0, 0, 0),
+       P(-3, -r5 / 2, 0),
+       P(3, r5 / 2, 0),
+       x,
+       V(0, 2 / r5, 1 / r5),
+       V(0, -1 / r5, 2 / r5),
+       1e-6},
       {{P(4, 5, 6)}, 1, P(4, 5, 6), P(0, 0, 0), P(0, 0, 0), x, y, z},
       {{}, 0},
       {{P(WbCoord3DT<T>::INVALID), P(nan, 1, 1)}, 0},
@@ -164,14 +159,12 @@ TYPED_TEST(PointFrameTwins, CloudFramesOfEqualSpreadsAndUnusableClouds) {
     ZmExtents3T<T> box(boxBefore);
     ASSERT_EQ(P::ComputePointsCloudLocalFrame(r.cloud, frame, &box), r.fitted);
     if (!r.fitted) {
-      EXPECT_EQ(frame, before);
-      EXPECT_EQ(box, boxBefore);
+      EXPECT_TRUE(frame == before && box == boxBefore);
       continue;
     }
     EXPECT_TRUE(HasAxes(frame, r.x, r.y, r.z, r.tol));
     EXPECT_TRUE(Near(frame.GetOrigin(), r.origin, r.tol));
-    EXPECT_TRUE(Near(box.GetMinimum(), r.min, r.tol));
-    EXPECT_TRUE(Near(box.GetMaximum(), r.max, r.tol));
+    EXPECT_TRUE(Near(box.GetMinimum(), r.min, r.tol) && Near(box.GetMaximum(), r.max, r.tol));
   }
 }
 

@@ -18,6 +18,9 @@ namespace math_test {
 
 using Scalars = ::testing::Types<double, float>;
 
+template <class T>
+using Math = ZmMathT<T>;
+
 constexpr double kMarker = -1.0000000331813535e+32;  // -1.0e32f widened
 
 template <class T>
@@ -79,6 +82,13 @@ void ExpectRows(std::initializer_list<std::pair<T, T>> rows) {
   for (const auto& r : rows) EXPECT_EQ(r.first, r.second) << "row " << row++;
 }
 
+// Rows of (computed, expected) within tol.
+template <class T>
+void ExpectNearRows(double tol, std::initializer_list<std::pair<T, double>> rows) {
+  int row = 0;
+  for (const auto& r : rows) EXPECT_NEAR(double(r.first), r.second, tol) << "row " << row++;
+}
+
 // Every computed value equals the one expected value (a sentinel, most often).
 template <class T, class U>
 void ExpectAll(std::initializer_list<T> values, const U& expected) {
@@ -87,3 +97,9 @@ void ExpectAll(std::initializer_list<T> values, const U& expected) {
 }
 
 }  // namespace math_test
+
+// A typed suite over both twins.
+#define MATH_TWIN_SUITE(Name)             \
+  template <class T>                      \
+  class Name : public ::testing::Test {}; \
+  TYPED_TEST_SUITE(Name, ::math_test::Scalars)

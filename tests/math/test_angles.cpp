@@ -6,9 +6,7 @@ using namespace math_test;
 
 namespace {
 
-template <class T>
-class AngleTwins : public ::testing::Test {};
-TYPED_TEST_SUITE(AngleTwins, Scalars);
+MATH_TWIN_SUITE(AngleTwins);
 
 // A right angle in degrees: acos(0) * 57.2957763671875 = 89.99999505843996 in double; in
 // float acosf(0) = 1.5707963705062866 and the product rounds to exactly 90.
@@ -101,9 +99,7 @@ TYPED_TEST(AngleTwins, OrthogonalCompletion) {
   for (const auto& r : rows) {
     V u = r.in, v, w;
     M::OrthogonalVectors(u, v, w);
-    EXPECT_EQ(u, r.u);
-    EXPECT_EQ(v, r.v);
-    EXPECT_EQ(w, r.w);
+    ExpectRows<V>({{u, r.u}, {v, r.v}, {w, r.w}});
   }
   // Any direction: unit, pairwise orthogonal, right-handed, u along the input.
   const T tol = ByTwin<T>(1e-14, 1e-6);

@@ -8,9 +8,7 @@ namespace {
 
 constexpr double kSqrt2F = 1.4142135381698608;  // float(sqrt(2))
 
-template <class T>
-class DistanceTwins : public ::testing::Test {};
-TYPED_TEST_SUITE(DistanceTwins, Scalars);
+MATH_TWIN_SUITE(DistanceTwins);
 
 template <class T>
 ZmPlaneT<T> GroundPlane() {  // z = 0 through (5, 5, 0)
@@ -42,9 +40,9 @@ TEST(Distances, LengthsRoundTo3DFloatAndThresholdsAreWidenedFloats) {
       {ZmMathd::DistToPlane(P(1, 2, -3), ground), 3.0},
   });
   // So a double tolerance of 0.1 fails (0.1 < float(0.1)); the test is inclusive.
-  EXPECT_EQ(ZmMathd::PointIsInPlane(P(1, 2, 0.1), ground, 0.1), 0);
-  EXPECT_EQ(ZmMathd::PointIsInPlane(P(1, 2, 0.1), ground, 0.10000000149011612), 1);
-  EXPECT_EQ(ZmMathf::PointIsInPlane(ZmPoint3f(1, 2, 0.1f), GroundPlane<float>(), 0.1f), 1);
+  ExpectRows<int>({{ZmMathd::PointIsInPlane(P(1, 2, 0.1), ground, 0.1), 0},
+                   {ZmMathd::PointIsInPlane(P(1, 2, 0.1), ground, 0.10000000149011612), 1},
+                   {ZmMathf::PointIsInPlane(ZmPoint3f(1, 2, 0.1f), GroundPlane<float>(), 0.1f), 1}});
 }
 
 TYPED_TEST(DistanceTwins, PlanesPointsInPlaneAndSignedDistance) {
@@ -55,22 +53,22 @@ TYPED_TEST(DistanceTwins, PlanesPointsInPlaneAndSignedDistance) {
   const ZmPlaneT<T> ground = GroundPlane<T>();
   // Three whole points and a trailing 7 that is no point.
   const WbArrayTempl<T> coords{0, 0, 0, 1, 1, 0.5, 2, 2, 0, 7};
-  EXPECT_EQ(M::PointsInPlane(coords, ground, T(0.5)), 1);
-  EXPECT_EQ(M::PointsInPlane(coords, ground, T(0.4)), 0);
-  EXPECT_EQ(M::PointsInPlane(WbArrayTempl<T>{1, 2}, ground, T(100)), 0);
-  EXPECT_EQ(M::PointsInPlane(WbArrayTempl<T>{0, 0, 0, -1.0e32f, 0, 0}, ground, T(100)), 0);
+  ExpectRows<int>({{M::PointsInPlane(coords, ground, T(0.5)), 1},
+                   {M::PointsInPlane(coords, ground, T(0.4)), 0},
+                   {M::PointsInPlane(WbArrayTempl<T>{1, 2}, ground, T(100)), 0},
+                   {M::PointsInPlane(WbArrayTempl<T>{0, 0, 0, -1.0e32f, 0, 0}, ground, T(100)), 0}});
 
   const P a(0, 0, 0), b(1, 0, 0), c(0, 1, 0);  // normal (b - a) x (c - a) = +z
   V normal(9, 9, 9);
-  EXPECT_EQ(M::SignedDistToPlane(P(3, 3, 2), a, b, c, &normal), T(2));
-  EXPECT_EQ(normal, V(0, 0, 1));
-  EXPECT_EQ(M::SignedDistToPlane(P(3, 3, -2), a, b, c), T(-2));
-  EXPECT_EQ(M::SignedDistToPlane(P(3, 3, -0.5), a, b, c), T(-0.5));  // below the plane by less than 1
-  EXPECT_EQ(M::SignedDistToPlane(P(3, 3, -2), a, c, b), T(2));       // swapped: normal -z
-  // Collinear points build no plane: the marker, normalOut untouched.
-  normal = V(9, 9, 9);
-  EXPECT_EQ(M::SignedDistToPlane(P(3, 3, 2), a, b, P(2, 0, 0), &normal), T(kMarker));
-  EXPECT_EQ(normal, V(9, 9, 9));
+  V unwritten(9, 9, 9);
+  // Below the plane by less than 1; swapped corners: normal -z. Collinear points build no
+  // plane: the marker, normalOut untouched.
+  ExpectRows<T>({{M::SignedDistToPlane(P(3, 3, 2), a, b, c, &normal), T(2)},
+                 {M::SignedDistToPlane(P(3, 3, -2), a, b, c), T(-2)},
+                 {M::SignedDistToPlane(P(3, 3, -0.5), a, b, c), T(-0.5)},
+                 {M::SignedDistToPlane(P(3, 3, -2), a, c, b), T(2)},
+                 {M::SignedDistToPlane(P(3, 3, 2), a, b, P(2, 0, 0), &unwritten), T(kMarker)}});
+  ExpectRows<V>({{normal, V(0, 0, 1)}, {unwritten, V(9, 9, 9)}});
 
   // Projections; the normal is used as passed: a normal of length 2 scales the offset by 4. A
   // p holding the marker comes back as it is, even partly invalid.
@@ -79,8 +77,7 @@ TYPED_TEST(DistanceTwins, PlanesPointsInPlaneAndSignedDistance) {
                  {M::ProjOnPlane(P(1, 2, 3), ground), P(1, 2, 0)},
                  {M::ProjOnPlane(P(1, 2, 3), V(0, 0, 2), P(0, 0, 0)), P(1, 2, -9)},
                  {M::ProjOnPlane(partly, V(0, 0, 1), P(0, 0, 0)), partly}});
-  EXPECT_EQ(M::ProjVectOnPlane(V(1, 2, 3), V(0, 0, 1)), V(1, 2, 0));
-  EXPECT_EQ(M::ProjVectOnPlane(V(1, 2, 3), ground), V(1, 2, 0));
+  ExpectAll<V>({M::ProjVectOnPlane(V(1, 2, 3), V(0, 0, 1)), M::ProjVectOnPlane(V(1, 2, 3), ground)}, V(1, 2, 0));
 }
 
 TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
@@ -89,18 +86,19 @@ TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
   using P = ZmPoint3T<T>;
   using V = ZmVector3T<T>;
   const P a(0, 0, 0), b(4, 0, 0);
-  const auto onSegment = [&a](const P& p, const P& end, int ok, const P& expectedFoot, T expectedParam) {
+  const auto onSegment = [](const P& p, const P& start, const P& end, int ok, const P& expectedFoot, T expectedParam) {
     P foot(5, 5, 5);
     T param = 7;
-    EXPECT_EQ(M::ProjOnSegment(p, a, end, foot, &param), ok);
-    EXPECT_EQ(foot, expectedFoot);
-    EXPECT_EQ(param, expectedParam);
+    EXPECT_EQ(M::ProjOnSegment(p, start, end, foot, &param), ok);
+    EXPECT_TRUE(foot == expectedFoot && param == expectedParam) << param;
   };
-  // Clamped to the ends; a = b gives 0 and writes neither the foot nor the parameter.
-  onSegment(P(1, 1, 0), b, 1, P(1, 0, 0), T(0.25));
-  onSegment(P(-1, 1, 0), b, 1, a, T(0));
-  onSegment(P(9, -1, 0), b, 1, b, T(1));
-  onSegment(P(1, 1, 0), a, 0, P(5, 5, 5), T(7));
+  // Clamped to the ends; a = b gives 0 and writes neither the foot nor the parameter. The far
+  // end itself is the foot, not a + (b - a) (1.0000000827e-9 in double, 0 in float).
+  onSegment(P(1, 1, 0), a, b, 1, P(1, 0, 0), T(0.25));
+  onSegment(P(-1, 1, 0), a, b, 1, a, T(0));
+  onSegment(P(9, -1, 0), a, b, 1, b, T(1));
+  onSegment(P(1, 1, 0), a, a, 0, P(5, 5, 5), T(7));
+  onSegment(P(T(1e-9), 0, 0), P(3, 0, 0), P(T(1e-9), 0, 0), 1, P(T(1e-9), 0, 0), T(1));
   const auto toSegment = [](const P& p, const P& s0, const P& s1, T distance, const V& expectedToFoot) {
     V toFoot;
     EXPECT_EQ(M::DistToSegment(p, s0, s1, toFoot), distance);
@@ -117,8 +115,7 @@ TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
   EXPECT_EQ(M::ProjectOnLine(P(3, 2, 0), V(2, 0, 0), P(1, 0, 0), foot, &t), 1);
   EXPECT_EQ(foot, P(3, 0, 0));
   EXPECT_EQ(M::ProjectOnLine(P(3, 2, 0), V(0, 0, 0), P(1, 0, 0), foot, &t), 0);
-  EXPECT_EQ(foot, InvalidPoint<T>());
-  EXPECT_EQ(t, T(1));
+  EXPECT_TRUE(foot == InvalidPoint<T>() && t == T(1)) << t;
   ExpectRows<T>({
       // Parallel and overlapping: their separation; crossing diagonals of a square.
       {M::DistBetweenSegments(P(0, 0, 0), P(4, 0, 0), P(1, 3, 0), P(6, 3, 0)), T(3)},
@@ -158,16 +155,14 @@ TYPED_TEST(DistanceTwins, UnusableInputGivesTheFailureValue) {
                   M::DistToPlane(bad, ground), M::SignedDistToPlane(o, bad, x, P(0, 1, 0)),
                   M::DistToSegment(o, x, bad, toFoot), M::DistBetweenSegments(o, x, bad, x)},
                  marker);
-    EXPECT_EQ(toFoot.IsValid(), 0);
-    EXPECT_EQ(M::PointIsInPlane(bad, ground, T(1e30)), 0);
-    EXPECT_EQ(M::DistLineToLine(V(1, 0, 0), bad, V(0, 1, 0), o), T(0));
-    EXPECT_EQ(M::DistLineToLine(V(bad), o, V(0, 1, 0), x), T(0));
-    P foot(7, 7, 7);
-    EXPECT_EQ(M::ProjOnSegment(bad, o, x, foot), 0);
+    P foot(7, 7, 7), lineFoot;
+    ExpectAll<double>(
+        {double(toFoot.IsValid()), double(M::PointIsInPlane(bad, ground, T(1e30))),
+         double(M::DistLineToLine(V(1, 0, 0), bad, V(0, 1, 0), o)), double(M::DistLineToLine(V(bad), o, V(0, 1, 0), x)),
+         double(M::ProjOnSegment(bad, o, x, foot)), double(M::ProjectOnLine(o, V(1, 0, 0), bad, lineFoot)),
+         double(lineFoot.IsValid()), double(M::ProjVectOnPlane(V(bad), V(0, 0, 1)).IsValid())},
+        0.0);
     EXPECT_EQ(foot, P(7, 7, 7));
-    EXPECT_EQ(M::ProjectOnLine(o, V(1, 0, 0), bad, foot), 0);
-    EXPECT_EQ(foot.IsValid(), 0);
-    EXPECT_EQ(M::ProjVectOnPlane(V(bad), V(0, 0, 1)).IsValid(), 0);
   }
   EXPECT_EQ(M::Distance(ZmPoint2T<T>(Nan<T>(), 0), ZmPoint2T<T>(0, 0)), marker);
   EXPECT_EQ(M::ProjOnPlane(withNaN, V(0, 0, 1), o), InvalidPoint<T>());

@@ -44,8 +44,7 @@ TEST(Injury, HICEqualsTheScanOfEveryPairOnRandomSignals) {
       ASSERT_EQ(ZmMathd::ComputeHIC(c, window, kSeconds, 1, hic, t1, t2), nullptr);
       ScanAllPairs(c, window, h, s1, s2);
       EXPECT_NEAR(hic, h, 1e-11 * h) << trial << " " << window;
-      EXPECT_EQ(t1, s1);
-      EXPECT_EQ(t2, s2);
+      ExpectRows<double>({{t1, s1}, {t2, s2}});
       // The float twin computes in double on its widened samples and rounds the results.
       WbArrayTempl<ZmPoint2f> floats;
       WbArrayTempl<ZmPoint2d> widened;
@@ -54,8 +53,7 @@ TEST(Injury, HICEqualsTheScanOfEveryPairOnRandomSignals) {
       float hf = 0, f1 = 0, f2 = 0;
       ASSERT_EQ(ZmMathf::ComputeHIC(floats, window, kSeconds, 1, hf, f1, f2), nullptr);
       ASSERT_EQ(ZmMathd::ComputeHIC(widened, window, kSeconds, 1, h, s1, s2), nullptr);
-      EXPECT_EQ(hf, static_cast<float>(h));
-      EXPECT_EQ(f1, static_cast<float>(s1));
+      ExpectRows<float>({{hf, static_cast<float>(h)}, {f1, static_cast<float>(s1)}});
     }
   }
 }
@@ -89,18 +87,16 @@ TEST(Injury, HalfSinePulseByHand) {
 }
 
 TEST(Injury, ClipLevelOnExactBrokenLines) {
-  WbArrayTempl<ZmPoint2d> triangle, plateau;
   // Above L for 4 ms (1 - L/10): 3 ms at L = 2.5. The plateau of 5 g lasts 3 ms exactly.
-  for (auto p : {ZmPoint2d(0, 0), ZmPoint2d(0.002, 10), ZmPoint2d(0.004, 0)}) triangle.Add(p);
-  for (auto p : {ZmPoint2d(0, 5), ZmPoint2d(0.003, 5), ZmPoint2d(0.004, 0)}) plateau.Add(p);
+  // The triangle in milliseconds and mm/ms^2: 10 g = 0.0980665 mm/ms^2 (1 mm/ms^2 = 1000 m/s^2).
+  const auto triangle = Sampled<double>({0, 0.002, 0.004}, {0, 10, 0});
+  const auto inMs = Sampled<double>({0, 2, 4}, {0, 10 * 9.80665e-3, 0});
   double level = 0, plateauLevel = 0;
   ASSERT_EQ(ZmMathd::ComputeClipLevel(triangle, 0.003, kSeconds, 1, level), nullptr);
-  ASSERT_EQ(ZmMathd::ComputeClipLevel(plateau, 0.003, kSeconds, 1, plateauLevel), nullptr);
+  ASSERT_EQ(ZmMathd::ComputeClipLevel(Sampled<double>({0, 0.003, 0.004}, {5, 5, 0}), 0.003, kSeconds, 1, plateauLevel),
+            nullptr);
   EXPECT_NEAR(level, 2.5, 1e-12);
   EXPECT_EQ(plateauLevel, 5.0);
-  // The triangle in milliseconds and mm/ms^2: 10 g = 0.0980665 mm/ms^2 (1 mm/ms^2 = 1000 m/s^2).
-  WbArrayTempl<ZmPoint2d> inMs;
-  for (const auto& p : triangle) inMs.Add(ZmPoint2d(p.x * 1000, p.y * 9.80665e-3));
   const ZmUnitSystem mmMs(ZmUnitMillimeter, ZmUnitTon, ZmUnitMillisecond, ZmUnitTempUnset, ZmUnitAngleUnset);
   ASSERT_EQ(ZmMathd::ComputeClipLevel(inMs, 0.003, mmMs, 0, level), nullptr);
   EXPECT_NEAR(level, 2.5, 1e-12);
@@ -108,25 +104,18 @@ TEST(Injury, ClipLevelOnExactBrokenLines) {
   ASSERT_EQ(ZmMathd::ComputeHIC(inMs, 0.015, mmMs, 0, hic, t1, t2), nullptr);
   ASSERT_EQ(ZmMathd::ComputeHIC(triangle, 0.015, kSeconds, 1, h, s1, s2), nullptr);
   EXPECT_NEAR(hic, h, 1e-12 * h);
-  EXPECT_EQ(t1, s1 * 1000);
-  EXPECT_EQ(t2, s2 * 1000);
+  ExpectRows<double>({{t1, s1 * 1000}, {t2, s2 * 1000}});
 }
 
 TEST(Injury, ResultantAndRefusals) {
-  WbArrayTempl<ZmPoint2d> x, y, z, r, shifted, first, one;
-  for (int i = 0; i < 4; ++i) {
-    x.Add(ZmPoint2d(i * 1e-4, 3 * i));
-    y.Add(ZmPoint2d(i * 1e-4, -4 * i));
-    z.Add(ZmPoint2d(i * 1e-4, 12 * i));
-  }
+  const std::vector<double> t = {0, 1e-4, 2 * 1e-4, 3 * 1e-4};
+  auto x = Sampled<double>(t, {0, 3, 6, 9}), y = Sampled<double>(t, {0, -4, -8, -12}), r = x, first = y, back = x;
+  auto z = Sampled<double>(t, {0, 12, 24, 36}), shifted = z;
+  const auto one = Sampled<double>({0}, {1});
   ASSERT_EQ(ZmMathd::ComputeResultant(x, y, z, r), nullptr);
   EXPECT_EQ(r[3].y, 39.0);  // 13 * 3
-  shifted = z;
-  shifted[2].x += 1e-9;  // 1e-5 of the step
-  first = y;
+  shifted[2].x += 1e-9;     // 1e-5 of the step
   first[0].x -= 1e-9;
-  one.Add(ZmPoint2d(0, 1));
-  auto back = x;
   back[2].x = 0;
   double v = 0, a = 0, b = 0;
   ExpectRows<std::wstring>({

@@ -41,11 +41,9 @@ TEST(Intersections, SegmentsIn2DWriteTheirParametersEvenOutOfRange) {
   // Null parameter pointers; the float twin agrees.
   EXPECT_EQ(ZmMathd::IntersectSegments(P2(0, 0), P2(2, 0), P2(1.5, -1), P2(1.5, 1), nullptr, nullptr, 0), 1);
   float sf = 0, tf = 0;
-  EXPECT_EQ(ZmMathf::IntersectSegments(ZmPoint2f(0, 0), ZmPoint2f(2, 0), ZmPoint2f(1.5f, -1), ZmPoint2f(1.5f, 1), &sf,
-                                       &tf, 0),
-            1);
-  EXPECT_EQ(sf, 0.75f);
-  EXPECT_EQ(tf, 0.5f);
+  const unsigned char hitF = ZmMathf::IntersectSegments(ZmPoint2f(0, 0), ZmPoint2f(2, 0), ZmPoint2f(1.5f, -1),
+                                                        ZmPoint2f(1.5f, 1), &sf, &tf, 0);
+  ExpectRows<float>({{hitF, 1}, {sf, 0.75f}, {tf, 0.5f}});
 }
 
 TEST(Intersections, SegmentsIn3DAreSeenAlongTheNormal) {
@@ -56,8 +54,7 @@ TEST(Intersections, SegmentsIn3DAreSeenAlongTheNormal) {
   double s, t;
   const P o(0, 0, 0), x(1, 0, 0);
   EXPECT_EQ(ZmMathd::IntersectSegments(o, x, P(0.5, -1, 1), P(0.5, 1, 1), V(0, 0, 1), onP, onQ, &s, &t, 0), 1);
-  EXPECT_DOUBLE_EQ(s, 0.5);
-  EXPECT_DOUBLE_EQ(t, 0.5);
+  ExpectPoint(P(s, t, 0), 0.5, 0.5, 0);
   ExpectPoint(onP, 0.5, 0, 0);
   ExpectPoint(onQ, 0.5, 0, 1);
   onP = P(7, 7, 7);
@@ -86,8 +83,7 @@ TEST(Intersections, SphereAgainstLineAndPolyline) {
   P hit1, hit2;
   double params[2];
   ASSERT_EQ(ZmMathd::IntersectSphereLine(p0, p1, center, 1.0, hit1, hit2, params), 1);
-  EXPECT_EQ(params[0], 0.75);
-  EXPECT_EQ(params[1], 0.25);
+  ExpectRows<double>({{params[0], 0.75}, {params[1], 0.25}});
   ExpectPoint(hit1, 1, 0, 0);
   ExpectPoint(hit2, -1, 0, 0);
   // A zero-length line and a line that misses: nothing written.
@@ -119,26 +115,28 @@ TEST(Intersections, PointInTriangleUsesTheToleranceTwice) {
   // 0.05 above the plane is beyond 10 tol = 0.01. 0.009 above it the area test decides:
   // sub-triangle areas for (0.2, 0.2, 0.009) are |(0,-0.009,0.2)|/2 + |(0.009,0.009,0.6)|/2 +
   // |(-0.009,0,0.2)|/2 = 0.50027 < 1.001 * 0.5. Collinear corners make no plane.
-  EXPECT_EQ(ZmMathd::PointIsInTriangle(P(0.2, 0.2, 0.05), a, b, c, 0.001), 0);
-  EXPECT_EQ(ZmMathd::PointIsInTriangle(P(0.2, 0.2, 0.009), a, b, c, 0.001), 1);
-  EXPECT_EQ(ZmMathd::PointIsInTriangle(P(0.8, 0.8, 0.009), a, b, c, 0.001), 0);
-  EXPECT_EQ(ZmMathd::PointIsInTriangle(P(0.5, 0, 0), a, b, P(2, 0, 0), 0.1), 0);
+  ExpectRows<int>({{ZmMathd::PointIsInTriangle(P(0.2, 0.2, 0.05), a, b, c, 0.001), 0},
+                   {ZmMathd::PointIsInTriangle(P(0.2, 0.2, 0.009), a, b, c, 0.001), 1},
+                   {ZmMathd::PointIsInTriangle(P(0.8, 0.8, 0.009), a, b, c, 0.001), 0},
+                   {ZmMathd::PointIsInTriangle(P(0.5, 0, 0), a, b, P(2, 0, 0), 0.1), 0}});
   // 2D: the area sum alone. Inside or on the edges the three parts add up to the whole
   // (0.25 + 0.5 + 1.25 = 2 for (0.5, 0.5)), and the test is strict: a tolerance of 0 accepts
   // nothing, the smallest positive one the closed triangle. (2, 2): 2 + 2 + 2 = 6 against
   // 2 (1 + tol).
   const auto in2D = [](P2 p, double tol) { return ZmMathd::PointIsInTriangle(p, P2(0, 0), P2(2, 0), P2(0, 2), tol); };
-  EXPECT_EQ(in2D(P2(0.5, 0.5), 0.0), 0);
-  EXPECT_EQ(in2D(P2(0.5, 0.5), 1e-9), 1);
-  EXPECT_EQ(in2D(P2(1, 0), 1e-9), 1);
-  EXPECT_EQ(in2D(P2(2, 2), 0.001), 0);
-  EXPECT_EQ(in2D(P2(2, 2), 2.0001), 1);
-  EXPECT_EQ(ZmMathf::PointIsInTriangle(ZmPoint2f(0.5f, 0.5f), ZmPoint2f(0, 0), ZmPoint2f(2, 0), ZmPoint2f(0, 2), 1e-6f),
-            1);
+  ExpectRows<int>(
+      {{in2D(P2(0.5, 0.5), 0.0), 0},
+       {in2D(P2(0.5, 0.5), 1e-9), 1},
+       {in2D(P2(1, 0), 1e-9), 1},
+       {in2D(P2(2, 2), 0.001), 0},
+       {in2D(P2(2, 2), 2.0001), 1},
+       {ZmMathf::PointIsInTriangle(ZmPoint2f(0.5f, 0.5f), ZmPoint2f(0, 0), ZmPoint2f(2, 0), ZmPoint2f(0, 2), 1e-6f),
+        1}});
   // Areas: right triangle 2 x 3 is 3 in either orientation and dimension.
-  EXPECT_EQ(ZmMathd::TriangleSurface(P(0, 0, 0), P(2, 0, 0), P(0, 3, 0)), 3.0);
-  EXPECT_EQ(ZmMathd::TriangleSurface(P2(0, 0), P2(0, 3), P2(2, 0)), 3.0);
-  EXPECT_EQ(ZmMathf::TriangleSurface(ZmPoint3f(0, 0, 1), ZmPoint3f(0, 2, 1), ZmPoint3f(0, 0, 4)), 3.0f);
+  ExpectAll<double>({ZmMathd::TriangleSurface(P(0, 0, 0), P(2, 0, 0), P(0, 3, 0)),
+                     ZmMathd::TriangleSurface(P2(0, 0), P2(0, 3), P2(2, 0)),
+                     ZmMathf::TriangleSurface(ZmPoint3f(0, 0, 1), ZmPoint3f(0, 2, 1), ZmPoint3f(0, 0, 4))},
+                    3.0);
 }
 
 TEST(Intersections, ProjectionAlongADirectionIntoATriangle) {

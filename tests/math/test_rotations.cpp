@@ -7,9 +7,7 @@ using namespace math_test;
 
 namespace {
 
-template <class T>
-class RotationTwins : public ::testing::Test {};
-TYPED_TEST_SUITE(RotationTwins, Scalars);
+MATH_TWIN_SUITE(RotationTwins);
 
 TYPED_TEST(RotationTwins, QuarterTurnsNullAxesAndBadIndices) {
   using T = TypeParam;

@@ -1,8 +1,6 @@
 // Principal values and directions of symmetric tensors, strain modes and strain measures.
-//
-// Expected values come from a separate evaluation of the closed-form cubic in Python (double
-// floats, the same formula written out by hand), from hand calculation, and from a Jacobi
-// eigen-solver in long double written here for the purpose.
+// Expected values: the closed-form cubic evaluated apart in Python (doubles), hand calculation,
+// and a Jacobi eigen-solver in long double written here for the purpose.
 #include <algorithm>
 #include <random>
 
@@ -14,8 +12,7 @@ namespace {
 
 using V = ZmVector3d;
 
-// Eigenvalues of a symmetric 3x3 matrix by cyclic Jacobi rotations in long double, sorted in
-// decreasing order: the reference the closed form is measured against.
+// Eigenvalues of a symmetric 3x3 matrix by cyclic Jacobi rotations in long double, decreasing.
 void JacobiEigenvalues(const double (&in)[3][3], long double out[3]) {
   long double a[3][3];
   for (int i = 0; i < 9; ++i) a[i / 3][i % 3] = in[i / 3][i % 3];
@@ -29,13 +26,10 @@ void JacobiEigenvalues(const double (&in)[3][3], long double out[3]) {
       const long double theta = (a[q][q] - a[p][p]) / (2 * a[p][q]);
       const long double t = (theta >= 0 ? 1 : -1) / (std::fabs(theta) + std::sqrt(theta * theta + 1));
       const long double c = 1 / std::sqrt(t * t + 1), s = t * c;
-      for (int k = 0; k < 3; ++k) {  // columns p and q
-        const long double akp = a[k][p], akq = a[k][q];
-        a[k][p] = c * akp - s * akq, a[k][q] = s * akp + c * akq;
-      }
-      for (int k = 0; k < 3; ++k) {  // rows p and q
-        const long double apk = a[p][k], aqk = a[q][k];
-        a[p][k] = c * apk - s * aqk, a[q][k] = s * apk + c * aqk;
+      for (int k = 0; k < 6; ++k) {  // columns p and q, then rows p and q
+        long double &u = k < 3 ? a[k][p] : a[p][k - 3], &v = k < 3 ? a[k][q] : a[q][k - 3];
+        const long double up = u, vq = v;
+        u = c * up - s * vq, v = s * up + c * vq;
       }
     }
   }
@@ -57,8 +51,7 @@ struct TensorSampler {
   void Next(int family, double (&t)[3][3]) {
     if (family < 2) {
       const double scale = family == 0 ? 1.0 : std::pow(10.0, 6.0 * unit(engine));
-      for (int i = 0; i < 3; ++i)
-        for (int j = i; j < 3; ++j) t[i][j] = t[j][i] = scale * unit(engine);
+      for (int i = 0; i < 9; ++i) t[i / 3][i % 3] = i / 3 > i % 3 ? t[i % 3][i / 3] : scale * unit(engine);
       return;
     }
     const double base = 100.0 * unit(engine);
@@ -74,12 +67,10 @@ struct TensorSampler {
     const double r[3][3] = {{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y)},
                             {2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x)},
                             {2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}};
-    for (int i = 0; i < 3; ++i) {
-      for (int j = i; j < 3; ++j) {
-        t[i][j] = 0;
-        for (int k = 0; k < 3; ++k) t[i][j] += r[i][k] * values[k] * r[j][k];
-        t[j][i] = t[i][j];  // exactly symmetric
-      }
+    for (int i = 0; i < 9; ++i) {  // the lower half copies the upper one: exactly symmetric
+      double& tij = t[i / 3][i % 3] = 0;
+      for (int k = 0; k < 3; ++k) tij += r[i / 3][k] * values[k] * r[i % 3][k];
+      if (i / 3 > i % 3) tij = t[i % 3][i / 3];
     }
   }
 };
@@ -92,9 +83,7 @@ void ExpectPrincipal(double xx, double yy, double zz, std::initializer_list<doub
   ZmMathd::Tensor3DToVectors3D(xx, yy, zz, 0, 0, 0, &s[0], &s[1], &s[2], &d[0], &d[1], &d[2]);
   int i = 0;
   for (double v : values) EXPECT_EQ(s[i++], v) << xx << " " << yy << " " << zz;
-  EXPECT_EQ(d[0], e1);
-  EXPECT_EQ(d[1], e2);
-  EXPECT_EQ(d[2], e3);
+  ExpectRows<V>({{d[0], e1}, {d[1], e2}, {d[2], e3}});
 }
 
 }  // namespace
@@ -118,8 +107,7 @@ TEST(Tensors, DiagonalTensorsFallBackToTheAxesAndShowTheFloatThirdOfPi) {
   ZmVector3f e1, e2, e3;
   ZmMathf::Tensor3DToVectors3D(0, 0, 0, 0, 0, 0, &f1, &f2, &f3, &e1, &e2, &e3);
   EXPECT_EQ(f1, 0.0f);
-  EXPECT_EQ(e2, ZmVector3f(0, 1, 0));
-  EXPECT_EQ(e3, ZmVector3f(0, 0, -1));
+  ExpectRows<ZmVector3f>({{e2, ZmVector3f(0, 1, 0)}, {e3, ZmVector3f(0, 0, -1)}});
   // A general tensor against the same Python evaluation, roots ordered; null outputs skipped.
   double s1, s2, s3, alone;
   ZmMathd::Tensor3DToMainValues(4, -2, 1, 1, 0.5, -0.3, &s1, &s2, &s3);
@@ -180,18 +168,16 @@ TEST(Tensors, StrainModesByQuadrant) {
   // Plane states as 3D tensors. (0.2, -0.1, 0): s = (0.2, -3.4e-9, -0.1), major s1, minor s3:
   // atan(-0.5) deg = -26.56505117707799. (-0.05, -0.1, 0): s = (0, -0.05, -0.1): the major
   // value is s2 (|s2| > |s1|), minor s3: atan(2) deg - 180.
-  EXPECT_NEAR(ZmMathd::PlaneTensor3DToMode(0.2, -0.1, 0, 0, 0, 0), -26.56505117707799, 1e-6);
-  EXPECT_NEAR(ZmMathd::PlaneTensor3DToMode(-0.05, -0.1, 0, 0, 0, 0), -116.56505117707799, 1e-6);
+  ExpectNearRows<double>(1e-6, {{ZmMathd::PlaneTensor3DToMode(0.2, -0.1, 0, 0, 0, 0), -26.56505117707799},
+                                {ZmMathd::PlaneTensor3DToMode(-0.05, -0.1, 0, 0, 0, 0), -116.56505117707799}});
   // The dropped value is the one of smallest magnitude; the kept ones are not reordered:
   // s = (0, -0.05, -0.1) with d1 = (0,0,1), d3 = (0,-1,0), d2 = d1 x d3 = (1,0,0); s2 replaces
   // s1, so m1 = -0.05 along x and m2 = -0.1 along -y.
   double m1, m2;
   V d1, d2;
   ZmMathd::PlaneTensor3DToVectors3D(-0.05, -0.1, 0, 0, 0, 0, m1, m2, d1, d2);
-  EXPECT_NEAR(m1, -0.05, 1e-8);
-  EXPECT_NEAR(m2, -0.1, 1e-8);
-  EXPECT_EQ(d1, V(1, 0, 0));
-  EXPECT_EQ(d2, V(0, -1, 0));
+  ExpectNearRows<double>(1e-8, {{m1, -0.05}, {m2, -0.1}});
+  ExpectRows<V>({{d1, V(1, 0, 0)}, {d2, V(0, -1, 0)}});
 }
 
 TEST(Tensors, StrainMeasures) {
@@ -205,21 +191,19 @@ TEST(Tensors, StrainMeasures) {
   for (const auto& r : rows) {
     V t = r[0];
     ZmMathd::PureStrainTensor2TrueStrainTensor(t);
-    EXPECT_NEAR(t.x, r[1].x, 1e-15);
-    EXPECT_NEAR(t.y, r[1].y, 1e-15);
-    EXPECT_NEAR(t.z, r[1].z, 1e-15);
+    ExpectNearRows<double>(1e-15, {{t.x, r[1].x}, {t.y, r[1].y}, {t.z, r[1].z}});
   }
   ZmVector3f tf(0.1f, 0.05f, 0.02f);
   ZmMathf::PureStrainTensor2TrueStrainTensor(tf);
   EXPECT_NEAR(tf.x, 0.0908663575f, 2e-7f);
   // -ln(0.8) = 0.2231435513142097; the compressive conversion is its inverse.
   EXPECT_NEAR(ZmMathd::EngineerStrain2TrueStrain(0.2), 0.2231435513142097, 1e-16);
-  EXPECT_NEAR(ZmMathd::TrueStrain2EngineerStrain(ZmMathd::EngineerStrain2TrueStrain(0.2), 1), 0.2, 1e-15);
-  EXPECT_NEAR(ZmMathd::TrueStrain2EngineerStrain(std::log(1.5), 0), 0.5, 1e-15);
+  ExpectNearRows<double>(1e-15, {{ZmMathd::TrueStrain2EngineerStrain(ZmMathd::EngineerStrain2TrueStrain(0.2), 1), 0.2},
+                                 {ZmMathd::TrueStrain2EngineerStrain(std::log(1.5), 0), 0.5}});
   EXPECT_NEAR(ZmMathf::TrueStrain2EngineerStrain(ZmMathf::EngineerStrain2TrueStrain(0.2f), 1), 0.2f, 1e-6f);
   // Directional value in 3D: M (1,2,-1) = (3, 4.25, -3.5) for the tensor below, dot = 15.
-  EXPECT_EQ(ZmMathd::ComputeDirectionalTensorValue(1, 2, 3, 0.5, 0.25, -1, V(1, 2, -1)), 15.0);
-  EXPECT_EQ(ZmMathf::ComputeDirectionalTensorValue(1, 2, 3, 0.5, 0.25, -1, ZmVector3f(1, 2, -1)), 15.0f);
+  ExpectRows<double>({{ZmMathd::ComputeDirectionalTensorValue(1, 2, 3, 0.5, 0.25, -1, V(1, 2, -1)), 15.0},
+                      {ZmMathf::ComputeDirectionalTensorValue(1, 2, 3, 0.5, 0.25, -1, ZmVector3f(1, 2, -1)), 15.0}});
 }
 
 TEST(Tensors, BadInputPropagatesWithoutCrashing) {
@@ -234,10 +218,10 @@ TEST(Tensors, BadInputPropagatesWithoutCrashing) {
   }
   double s1, s2;
   ZmMathd::Tensor2DToMainValues(nan, 1, 0, &s1, &s2);
-  EXPECT_TRUE(std::isnan(s1));
   // A NaN strain has no mode: NaN, not the -90 of the zero tensor.
-  EXPECT_TRUE(std::isnan(ZmMathd::StrainTensor2DToMode(nan, 0, 0, nullptr)));
-  EXPECT_TRUE(std::isnan(ZmMathf::StrainTensor2DToMode(0, 0, std::nanf(""), nullptr)));
+  for (double v : {s1, ZmMathd::StrainTensor2DToMode(nan, 0, 0, nullptr),
+                   double(ZmMathf::StrainTensor2DToMode(0, 0, std::nanf(""), nullptr))})
+    EXPECT_TRUE(std::isnan(v));
 }
 
 TEST(Tensors, PlaneTensorsInAFrame) {
@@ -264,8 +248,7 @@ TEST(Tensors, PlaneTensorsInAFrame) {
   ZmMathd::Tensor2DToVectors3D(1, 1, 1e-7, identity, nullptr, nullptr, &d1, nullptr);
   EXPECT_EQ(d1, V(1, 0, 0));
   ZmMathd::Tensor2DToVectors3DForm(1, 1, 1e-7, identity, nullptr, nullptr, &d1, nullptr);
-  EXPECT_NEAR(d1.x, std::sqrt(0.5), 1e-9);
-  EXPECT_NEAR(d1.y, std::sqrt(0.5), 1e-9);
+  ExpectNearRows<double>(1e-9, {{d1.x, std::sqrt(0.5)}, {d1.y, std::sqrt(0.5)}});
   ZmVector3f f1;
   ZmMathf::Tensor2DToVectors3D(2, 1, 0, ZmFramef(turned), nullptr, nullptr, &f1, nullptr);
   EXPECT_EQ(f1, ZmVector3f(0, 1, 0));
