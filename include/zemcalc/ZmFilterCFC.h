@@ -17,8 +17,9 @@
 //   Y[t+1] = ((U[t+1] + b1 U[t]) + b1 b2 Y[t-2]) + (b1^2 + b2) Y[t-1]
 // (the recursion with Y[t] substituted; the same filter, rounded differently), the pairs
 // counted from the start of each stretch of a pass (left padding, samples, right padding),
-// a last odd value of a stretch by the recursion itself. The result stays within about 5e-13 of the signal's scale of the recursion computed
-// exactly (CFC 60 at 100 kHz, poles close to 1), and a constant signal passes unchanged.
+// a last odd value of a stretch by the recursion itself. The result stays within about 5e-13
+// of the signal's scale of the recursion computed exactly (CFC 60 at 100 kHz, poles close to
+// 1), and a constant signal passes unchanged.
 // Every product is rounded on its own (no fused multiply-add), so the result does not depend
 // on the processor or the optimiser.
 // The gain at 0 Hz is 1 (a0 + a1 + a2 = 1 - b1 - b2); the combined amplitude response is |H|^2 = 1 / (1 + (tan(pi f T) / wa)^4), -3 dB at
@@ -148,9 +149,8 @@ class ZMCALC_API ZmFilterCFCButterworthT : public Base {
 
  private:
   const WbErrObj* CheckSettings(double& secondsPerUnit) const;
-  // Tests the intervals from .. to-1 (interval i joins points i-1 and i; from >= 1) against
-  // the mean step.
-  const WbErrObj* CheckSteps(const Point* in, std::uint64_t from, std::uint64_t to, double step) const;
+  // Tests every interval (interval i joins points i-1 and i) against the mean step.
+  const WbErrObj* CheckSteps(const Point* in, std::uint64_t count, double step) const;
   // The checks of a call but the steps' and what they give: the mean step, the coefficients
   // and the samples added at each end.
   const WbErrObj* Prepare(const Point* in, std::uint64_t count, ZmCFCCoefficients& c,

@@ -184,10 +184,9 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::ComputeCoefficients(double step, 
 }
 
 template <class Base>
-const WbErrObj* ZmFilterCFCButterworthT<Base>::CheckSteps(const Point* p, std::uint64_t from, std::uint64_t to,
-                                                          double step) const {
+const WbErrObj* ZmFilterCFCButterworthT<Base>::CheckSteps(const Point* p, std::uint64_t count, double step) const {
   const double allowed = m_tolerance * step;
-  for (std::uint64_t i = from; i < to; ++i) {
+  for (std::uint64_t i = 1; i < count; ++i) {
     const double dt = static_cast<double>(p[i].x) - static_cast<double>(p[i - 1].x);
     if (!StepFits(dt, step, allowed)) {
       return Fail(kUneven, dt, static_cast<int>(i < 0x7fffffffu ? i : 0x7fffffffu), step, 100.0 * m_tolerance);
@@ -228,12 +227,12 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Run(const ZmCFCCoefficients& c, s
   constexpr bool kDouble = std::is_same<T, double>::value;
   const bool inPlace = source == target;
   if (inPlace) {
-    if (const WbErrObj* error = CheckSteps(source, 1, count, step)) return error;
+    if (const WbErrObj* error = CheckSteps(source, count, step)) return error;
   }
   const bool inWork = !kDouble && inPlace;
   double* w = static_cast<double*>(WbMemAlloc((2 * pad + (inWork ? count : 0) + 1) * sizeof(double)));
   if (!w) {
-    const WbErrObj* error = inPlace ? nullptr : CheckSteps(source, 1, count, step);
+    const WbErrObj* error = inPlace ? nullptr : CheckSteps(source, count, step);
     return error ? error : Fail(zm::filter::kNotEnoughMemory);
   }
   double* left = w;
@@ -274,7 +273,7 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Run(const ZmCFCCoefficients& c, s
   Recursion forward(c, atRest ? 0.0 : (pad > 0 ? left[0] : static_cast<double>(source[0].y)));
   forward.Run(pad, [left](std::uint64_t i) { return left[i]; }, [](std::uint64_t, double) {});
   if (!forward.Run(count, [source](std::uint64_t i) { return static_cast<double>(source[i].y); }, keep, fits)) {
-    if (const WbErrObj* error = CheckSteps(source, 1, count, step)) {
+    if (const WbErrObj* error = CheckSteps(source, count, step)) {
       WbMemFree(w);
       return error;
     }
