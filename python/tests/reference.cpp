@@ -28,7 +28,8 @@ void Put(const std::string& name, const T* v, std::size_t rows, std::size_t cols
 }
 template <class P>
 void PutCurve(const std::string& name, const WbArrayTempl<P>& c) {
-  Put(name, &c.GetData()->x, c.GetSize(), sizeof(P) / sizeof(c.GetData()->x));
+  using T = decltype(P::x);  // a point is its coordinates in a row: its address is its x's
+  Put(name, reinterpret_cast<const T*>(c.GetData()), c.GetSize(), sizeof(P) / sizeof(T));
 }
 
 // Puts the scalars and the coordinates of points and vectors given as one row.
