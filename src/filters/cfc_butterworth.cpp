@@ -51,16 +51,42 @@ double SecondsPerUnit(_ZmUnitTime unit) {
 #define ZM_KEEP_LOOP_WHOLE
 #endif
 
-// The recursion of one pass, started in the steady state of `start` (0 for a start at rest).
+// Two values worked on by one instruction of the processor where the compiler offers a vector
+// type; otherwise by two. Each lane is rounded as a double on its own, so both give the same bits.
+#if defined(__GNUC__)
+typedef double Lanes __attribute__((vector_size(2 * sizeof(double))));
+#else
+struct Lanes {
+  double v[2];
+  double operator[](int k) const { return v[k]; }
+  friend Lanes operator+(Lanes a, Lanes b) { return {{a.v[0] + b.v[0], a.v[1] + b.v[1]}}; }
+  friend Lanes operator*(double a, Lanes b) { return {{a * b.v[0], a * b.v[1]}}; }
+};
+#endif
+
+// The recursion of one pass, started in the steady state of `start` (0 for a start at rest),
+// over doubles or over two lanes (two stretches of a pass at once, Lanes).
 // Run over a stretch of values two at a time: the second output of a pair comes from the
 // recursion with the first one substituted, so that both wait only for the two outputs before
 // the pair and the processor works on them side by side. The pass waits on that chain of
 // multiplications and additions; a test of each sample (`check`, true when it passes) run in
 // the same loop costs next to nothing, where a pass of its own would cost a fifth of the filter.
+template <class V>
 class Recursion {
  public:
-  Recursion(const ZmCFCCoefficients& c, double start)
+  Recursion(const ZmCFCCoefficients& c, V start)
       : m_c(c), m_c2(c.b1 * c.b1 + c.b2), m_c3(c.b1 * c.b2), m_x1(start), m_x2(start), m_y1(start), m_y2(start) {}
+  // The two lanes carry the states of `a` and `b`.
+  Recursion(const Recursion<double>& a, const Recursion<double>& b)
+      : m_c(a.m_c), m_c2(a.m_c2), m_c3(a.m_c3), m_x1(Join(a.m_x1, b.m_x1)), m_x2(Join(a.m_x2, b.m_x2)),
+        m_y1(Join(a.m_y1, b.m_y1)), m_y2(Join(a.m_y2, b.m_y2)) {}
+  // The state of lane k.
+  Recursion<double> Lane(int k) const {
+    Recursion<double> r(m_c, 0.0);
+    r.m_x1 = m_x1[k], r.m_x2 = m_x2[k], r.m_y1 = m_y1[k], r.m_y2 = m_y2[k];
+    return r;
+  }
+  const ZmCFCCoefficients& Coefficients() const { return m_c; }
 
   // Replaces v[0 .. n-1] (read through `read`, written through `write`) by the outputs; true
   // when check(i) held for every i.
@@ -72,12 +98,12 @@ class Recursion {
     int passed = 1;  // and-ed without a branch
     std::uint64_t i = 0;
     for (; i + 1 < n; i += 2) {
-      const double x = read(i), xn = read(i + 1);
+      const V x = read(i), xn = read(i + 1);
       passed &= static_cast<int>(check(i)) & static_cast<int>(check(i + 1));
-      const double u = (c.a0 * x + c.a1 * m_x1) + c.a2 * m_x2;
-      const double un = (c.a0 * xn + c.a1 * x) + c.a2 * m_x1;
-      const double y = (u + c.b2 * m_y2) + c.b1 * m_y1;
-      const double yn = ((un + c.b1 * u) + m_c3 * m_y2) + m_c2 * m_y1;
+      const V u = (c.a0 * x + c.a1 * m_x1) + c.a2 * m_x2;
+      const V un = (c.a0 * xn + c.a1 * x) + c.a2 * m_x1;
+      const V y = (u + c.b2 * m_y2) + c.b1 * m_y1;
+      const V yn = ((un + c.b1 * u) + m_c3 * m_y2) + m_c2 * m_y1;
       write(i, y);
       write(i + 1, yn);
       m_x2 = x;
@@ -86,9 +112,9 @@ class Recursion {
       m_y1 = yn;
     }
     if (i < n) {
-      const double x = read(i);
+      const V x = read(i);
       passed &= static_cast<int>(check(i));
-      const double y = (((c.a0 * x + c.a1 * m_x1) + c.a2 * m_x2) + c.b2 * m_y2) + c.b1 * m_y1;
+      const V y = (((c.a0 * x + c.a1 * m_x1) + c.a2 * m_x2) + c.b2 * m_y2) + c.b1 * m_y1;
       write(i, y);
       m_x2 = m_x1;
       m_x1 = x;
@@ -103,10 +129,57 @@ class Recursion {
   }
 
  private:
-  const ZmCFCCoefficients m_c;
-  const double m_c2, m_c3;  // b1^2 + b2 and b1 b2: the weights of y[t-1], y[t-2] in y[t+1]
-  double m_x1, m_x2, m_y1, m_y2;
+  template <class>
+  friend class Recursion;
+  static Lanes Join(double a, double b) { return Lanes{a, b}; }
+
+  ZmCFCCoefficients m_c;
+  double m_c2, m_c3;  // b1^2 + b2 and b1 b2: the weights of y[t-1], y[t-2] in y[t+1]
+  V m_x1, m_x2, m_y1, m_y2;
 };
+
+// The samples after which the recursion has forgotten how it started: a difference in its
+// state dies out as |d| r^k / sin(theta) at most, with r e^(+-i theta) the poles (the roots
+// of z^2 = b1 z + b2, complex for every class and rate: b1^2 + 4 b2 = -8 wa^2 / D^2); k is
+// taken where that is 2^-70 of the difference. 0 when it cannot be told (poles on the circle).
+std::uint64_t MemoryLength(const ZmCFCCoefficients& c) {
+  const double r2 = -c.b2;
+  const double im = std::sqrt(-(c.b1 * c.b1 + 4.0 * c.b2));  // 2 r sin(theta)
+  const double logR = 0.5 * std::log1p(r2 - 1.0);
+  if (!(r2 > 0.0 && logR < 0.0 && im > 0.0)) return 0;
+  const double samples = (70.0 * std::log(2.0) + std::log(2.0 * std::sqrt(r2) / im)) / -logR;
+  return samples < 1.0e15 ? static_cast<std::uint64_t>(samples) + 1 : 0;
+}
+
+// One pass over n values, continuing `r`. A record longer than 4 memory lengths (and than 4096
+// samples) is cut at h = n / 2 and its halves run side by side in the two lanes: the second
+// half's lane starts `memory` samples before h, in the steady state of the value there, and
+// runs up to h without writing, by when its state is the one the first half's lane reaches at
+// h to within 2^-70 of the values' scale. The outputs differ from those of one pass over the
+// whole record only by rounding (the second half's are rounded along another path). `r` ends in
+// the state after value n-1.
+template <class Read, class Write, class Check>
+bool Pass(Recursion<double>& r, std::uint64_t n, std::uint64_t memory, Read read, Write write, Check check) {
+  if (memory == 0 || n < 4096 || n / 4 < memory) return r.Run(n, read, write, check);
+  const std::uint64_t h = n / 2;
+  Recursion<double> second(r.Coefficients(), read(h - memory));
+  second.Run(memory, [read, h, memory](std::uint64_t i) { return read(h - memory + i); }, [](std::uint64_t, double) {});
+  Recursion<Lanes> both(r, second);
+  const bool passed = both.Run(
+      h, [read, h](std::uint64_t i) { return Lanes{read(i), read(h + i)}; },
+      [write, h](std::uint64_t i, Lanes y) {
+        write(i, y[0]);
+        write(h + i, y[1]);
+      },
+      [check, h](std::uint64_t i) { return (static_cast<int>(check(i)) & static_cast<int>(check(h + i))) != 0; });
+  r = both.Lane(1);
+  const std::uint64_t done = 2 * h;
+  return r.Run(
+             n - done, [read, done](std::uint64_t i) { return read(done + i); },
+             [write, done](std::uint64_t i, double y) { write(done + i, y); },
+             [check, done](std::uint64_t i) { return check(done + i); }) &&
+         passed;
+}
 
 // The rule of one interval: NaN and infinite steps fail it.
 inline bool StepFits(double dt, double step, double allowed) { return std::fabs(dt - step) <= allowed; }
@@ -270,9 +343,11 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Run(const ZmCFCCoefficients& c, s
 
   // Forward over the left padding, the samples and the right padding; a sample is read before
   // its slot in target (which may be source) is written.
-  Recursion forward(c, atRest ? 0.0 : (pad > 0 ? left[0] : static_cast<double>(source[0].y)));
+  const std::uint64_t memory = MemoryLength(c);
+  Recursion<double> forward(c, atRest ? 0.0 : (pad > 0 ? left[0] : static_cast<double>(source[0].y)));
   forward.Run(pad, [left](std::uint64_t i) { return left[i]; }, [](std::uint64_t, double) {});
-  if (!forward.Run(count, [source](std::uint64_t i) { return static_cast<double>(source[i].y); }, keep, fits)) {
+  if (!Pass(forward, count, memory, [source](std::uint64_t i) { return static_cast<double>(source[i].y); }, keep,
+            fits)) {
     if (const WbErrObj* error = CheckSteps(source, count, step)) {
       WbMemFree(w);
       return error;
@@ -283,14 +358,16 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Run(const ZmCFCCoefficients& c, s
   // Backward from the end of the right padding; the left padding's results are never needed.
   // In the float class each point is written whole (abscissa, result) after its forward result
   // has been read; the double class has its abscissae from the forward pass.
-  Recursion backward(c, atRest ? 0.0 : (pad > 0 ? right[pad - 1] : kept(count - 1)));
+  Recursion<double> backward(c, atRest ? 0.0 : (pad > 0 ? right[pad - 1] : kept(count - 1)));
   backward.Run(pad, [right, pad](std::uint64_t i) { return right[pad - 1 - i]; }, [](std::uint64_t, double) {});
-  backward.Run(count, [&kept, count](std::uint64_t i) { return kept(count - 1 - i); },
-               [=](std::uint64_t i, double y) {
-                 const std::uint64_t j = count - 1 - i;
-                 if constexpr (!kDouble) target[j].x = source[j].x;
-                 target[j].y = static_cast<T>(y);
-               });
+  Pass(
+      backward, count, memory, [kept, count](std::uint64_t i) { return kept(count - 1 - i); },
+      [=](std::uint64_t i, double y) {
+        const std::uint64_t j = count - 1 - i;
+        if constexpr (!kDouble) target[j].x = source[j].x;
+        target[j].y = static_cast<T>(y);
+      },
+      [](std::uint64_t) { return true; });
   WbMemFree(w);
   return nullptr;
 }
