@@ -334,11 +334,12 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Run(const ZmCFCCoefficients& c, s
     }
     return y;
   };
-  // Interval i joins points i-1 and i; point 0 has none (it compares with itself, and passes).
+  // Interval i joins points i-1 and i; point 0 has none and tests interval 1 (count >= 2)
+  // instead. Filtering in place, the steps were tested already.
   const double allowed = m_tolerance * step;
-  const auto fits = [source, step, allowed, inPlace](std::uint64_t i) {
-    const double dt = static_cast<double>(source[i].x) - static_cast<double>(source[i - (i > 0)].x);
-    return (static_cast<int>(inPlace) | static_cast<int>(i == 0) | static_cast<int>(StepFits(dt, step, allowed))) != 0;
+  const auto fits = [source, step, allowed](std::uint64_t i) {
+    const std::uint64_t j = i + (i == 0);
+    return StepFits(static_cast<double>(source[j].x) - static_cast<double>(source[j - 1].x), step, allowed);
   };
 
   // Forward over the left padding, the samples and the right padding; a sample is read before
@@ -346,8 +347,10 @@ const WbErrObj* ZmFilterCFCButterworthT<Base>::Run(const ZmCFCCoefficients& c, s
   const std::uint64_t memory = MemoryLength(c);
   Recursion<double> forward(c, atRest ? 0.0 : (pad > 0 ? left[0] : static_cast<double>(source[0].y)));
   forward.Run(pad, [left](std::uint64_t i) { return left[i]; }, [](std::uint64_t, double) {});
-  if (!Pass(forward, count, memory, [source](std::uint64_t i) { return static_cast<double>(source[i].y); }, keep,
-            fits)) {
+  const auto samples = [source](std::uint64_t i) { return static_cast<double>(source[i].y); };
+  const bool passed = inPlace ? Pass(forward, count, memory, samples, keep, [](std::uint64_t) { return true; })
+                              : Pass(forward, count, memory, samples, keep, fits);
+  if (!passed) {
     if (const WbErrObj* error = CheckSteps(source, count, step)) {
       WbMemFree(w);
       return error;
