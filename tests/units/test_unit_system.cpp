@@ -163,10 +163,8 @@ TEST(UnitConverter, ScalarConversionInBothPrecisions) {
   ZmUnitConverter converter;
   unsigned char needed = 0;
   ASSERT_EQ(converter.InitFromTo(inches, kMmTS, needed, length), nullptr);
-  ZmUnitDim root;
-  root.SetTypeDimension(ZmUnitTypeLength, 1, 2);
   float rooted = 4.0f;
-  EXPECT_EQ(converter.ConvertScalar(root, rooted), 1);
+  EXPECT_EQ(converter.ConvertScalar(Dim(L"1/2 0 0 0 0"), rooted), 1);
   EXPECT_FLOAT_EQ(rooted, 4.0f * std::sqrt(kInch));
 }
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <zemcalc/zemcalc.h>
 
+#include <sstream>
 #include <string>
 
 namespace units_test {
@@ -24,6 +25,17 @@ inline std::wstring Describe(const ZmUnitDim& d) {
   }
   if (d.IsQuotient()) s += L" [" + Describe(*d.GetPerNumerator()) + L" / " + Describe(*d.GetPerDenominator()) + L"]";
   return s;
+}
+
+// A dimension from its exponents "num" or "num/den" in the order length, mass, time, temperature, angle.
+inline ZmUnitDim Dim(const wchar_t* exponents, const wchar_t* name = nullptr) {
+  ZmUnitDim d(name, 0, 0, 0, 0, 0);
+  std::wistringstream in(exponents);
+  for (int t = 0, num = 0, den = 1; t < 5; ++t, den = 1) {
+    if (in >> num && in.peek() == L'/') in.ignore() >> den;
+    d.SetTypeDimension(static_cast<_ZmUnitType>(t), num, den);
+  }
+  return d;
 }
 
 // The five unit indices "l m t k a" (-1 when unset).
