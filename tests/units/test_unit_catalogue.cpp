@@ -1,11 +1,6 @@
 // The unit catalogue: the tables pinned entry by entry, lookups, derived units, the solver
 // UNIT line both ways and systems from typed symbols, with every message.
-#include <vector>
-
 #include "units_test_support.h"
-
-namespace {
-using namespace units_test;
 
 // Each unit as "symbol|solver keyword|long name" and its factor; out of range (index or type)
 // there is no name, no keyword and the invalid factor. The pixel has no factor either.
@@ -238,5 +233,3 @@ TEST(UnitCatalogue, MessagesGoThroughTheLocalisationHook) {
   WbSetLocalizeHook(previous);
   EXPECT_EQ(parsed + L" | " + written, L"Masse inconnue : TONNE | Longueur inconnue");
 }
-
-}  // namespace

@@ -4,13 +4,8 @@
 #include <cmath>
 #include <cstdio>
 #include <thread>
-#include <tuple>
-#include <vector>
 
 #include "units_test_support.h"
-
-namespace {
-using namespace units_test;
 
 constexpr float kInch = 25.40005111694336f;  // float(1000 / float(39.37)) mm
 const wchar_t* const kNoError = L"<no error>";
@@ -257,26 +252,26 @@ TEST(UnitSystem, ValueListsAndRoundTrips) {
   }
 }
 
+// The catalogue units of a dimension that a system converts into, with the factor of 1 (float steps
+// of the conversion, numpy float32) and the index of the system's own unit (-1 without).
 TEST(UnitSystem, CompatibleDerivedUnits) {
   WbObjectArrayTempl<WbString> names;
   WbArrayTempl<float> factors;
-  int index = 99;
-  const auto units = [&](const ZmUnitSystem& system, const ZmUnitDim& dim, int* at) {
-    std::wstring out = std::to_wstring(system.GetCompatibleEquivUnits(dim, names, factors, 1.0f, at)) + L":";
+  const auto units = [&](const ZmUnitSystem& system, const ZmUnitDim& dim, bool withIndex) {
+    int index = 99;
+    const std::uint64_t count = system.GetCompatibleEquivUnits(dim, names, factors, 1.0f, withIndex ? &index : nullptr);
+    std::wstring out = std::to_wstring(count) + L":";
     for (std::uint64_t i = 0; i < names.GetSize(); ++i) out += L" " + Text(*names[i]);
-    return out;
+    return out + (withIndex ? L" @" + std::to_wstring(index) : L"");
   };
-  // 1 MPa in Pa, KPa, MPa, GPa, dyn/cm2, mmHg (float steps of the conversion, numpy float32).
-  EXPECT_EQ(units(kMmTS, ZmUnitDimPressure, &index), L"6: Pa KPa MPa GPa dyn/cm2 mmHg");
+  EXPECT_EQ(units(kMmTS, ZmUnitDimPressure, true), L"6: Pa KPa MPa GPa dyn/cm2 mmHg @2");
   EXPECT_EQ(std::vector<float>(factors.begin(), factors.end()),
             (std::vector<float>{999999.875f, 999.9999389648438f, 1.0f, 0.0009999999310821295f, 9999999.0f,
                                 7500.61474609375f}));
-  EXPECT_EQ(index, 2);
-  EXPECT_EQ(units(kNoLength, ZmUnitDimPressure, &index), L"0:");  // without a length nothing converts
-  EXPECT_EQ(index, -1);
+  // Without a length nothing converts; nothing converts into the pixel.
+  EXPECT_EQ(units(kNoLength, ZmUnitDimPressure, true), L"0: @-1");
   EXPECT_EQ(factors.GetSize(), 0u);
-  // Nothing converts into the pixel; the index pointer is optional.
-  EXPECT_EQ(units(kMmTS, ZmUnitDimLength, nullptr), L"5: m cm mm ft in");
+  EXPECT_EQ(units(kMmTS, ZmUnitDimLength, false), L"5: m cm mm ft in");
   EXPECT_EQ(factors[4], 0.03937000036239624f);  // float(39.37 / 1000)
 }
 
@@ -301,5 +296,3 @@ TEST(UnitSystem, ConcurrentConversionsOnTheSharedCatalogue) {
   for (std::thread& worker : workers) worker.join();
   EXPECT_EQ(mismatches, std::vector<int>(4, 0));
 }
-
-}  // namespace

@@ -7,8 +7,8 @@
 
 #include <sstream>
 #include <string>
-
-namespace units_test {
+#include <tuple>
+#include <vector>
 
 inline std::wstring Text(const WbString& s) { return s.Std(); }
 inline std::wstring Message(const WbErrObj* error) { return error ? error->GetMessage() : L"<no error>"; }
@@ -61,5 +61,3 @@ const ZmUnitSystem kMmKgMs = Sys(ZmUnitMillimeter, ZmUnitKilogram, ZmUnitMillise
 const ZmUnitSystem kPixels = Sys(ZmUnitPixel, ZmUnitTon, ZmUnitSecond);
 const ZmUnitSystem kNoLength = Sys(ZmUnitLengthUnset, ZmUnitTon, ZmUnitSecond);
 constexpr float kInvalid = -1e32f;
-
-}  // namespace units_test
