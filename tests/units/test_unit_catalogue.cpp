@@ -87,7 +87,7 @@ TEST(UnitCatalogue, NameAndKeywordLookups) {
 TEST(UnitCatalogue, EquivalentUnitOfADimensionInASystem) {
   const ZmUnitSystem cmGS = SysAt(1, 3, 0), mKgMs = SysAt(0, 0, 1), ftLbmS = SysAt(3, 7, 0),
                      mmTNoTime = SysAt(2, 4, -1);
-  const ZmUnitSystem mMKgS = Sys(ZmUnitMeter, ZmUnitMercureKg, ZmUnitSecond);
+  const ZmUnitSystem mMKgS = SysAt(0, 8, 0);
   // clang-format off
   const std::tuple<const ZmUnitDim&, const ZmUnitSystem&, float, const wchar_t*> rows[] = {
       {ZmUnitDimPressure, kMmTS, 1, L"MPa"}, {ZmUnitDimPressure, kMKgS, 1, L"Pa"},
@@ -154,21 +154,18 @@ TEST(UnitCatalogue, CopiesAreIndependentOfTheGlobalCatalogue) {
 // words after the fourth are ignored, the angle becomes radian and the indices are stored before
 // they are checked.
 TEST(UnitCatalogue, SolverUnitLineBothWays) {
-  const auto write = [](const ZmUnitSystem& system, unsigned char prefix) {
+  // clang-format off
+  const std::tuple<ZmUnitSystem, int, const wchar_t*> written[] = {
+      {kMmTS, 1, L"UNIT MM TON S KELVIN"}, {kMmTS, 0, L"MM TON S KELVIN"}, {SysAt(4, 7, 1, 3, -1), 1, L"UNIT INCH POUND MS RANK"},
+      {kPixels, 1, L"Unsupported length unit: kept"}, {SysAt(2, 8, 0), 1, L"Unsupported mass unit: kept"},
+      {SysAt(2, 4, -1), 1, L"Unsupported time unit: kept"}, {SysAt(2, 4, 0, 4), 1, L"Unsupported temperature unit: kept"},
+      {ZmUnitSystem(), 1, L"Unsupported length unit: kept"}};
+  // clang-format on
+  for (const auto& [system, prefix, expected] : written) {
     WbString text(L"kept");
-    const WbErrObj* error = ZmUnitMgr.FormatCSMSolverString(system, text, prefix);
-    return (error ? Message(error) + L": " : L"") + Text(text);
-  };
-  EXPECT_EQ(write(kMmTS, 1), L"UNIT MM TON S KELVIN");
-  EXPECT_EQ(write(kMmTS, 0), L"MM TON S KELVIN");
-  EXPECT_EQ(write(Sys(ZmUnitInch, ZmUnitPound, ZmUnitMillisecond, ZmUnitRankine, ZmUnitAngleUnset), 1),
-            L"UNIT INCH POUND MS RANK");
-  EXPECT_EQ(write(kPixels, 1), L"Unsupported length unit: kept");
-  EXPECT_EQ(write(Sys(ZmUnitMillimeter, ZmUnitMercureKg, ZmUnitSecond), 1), L"Unsupported mass unit: kept");
-  EXPECT_EQ(write(Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitTimeUnset), 1), L"Unsupported time unit: kept");
-  EXPECT_EQ(write(SysAt(2, 4, 0, 4), 1), L"Unsupported temperature unit: kept");
-  EXPECT_EQ(write(ZmUnitSystem(), 1), L"Unsupported length unit: kept");
-
+    const WbErrObj* error = ZmUnitMgr.FormatCSMSolverString(system, text, static_cast<unsigned char>(prefix));
+    EXPECT_EQ((error ? Message(error) + L": " : L"") + Text(text), expected);
+  }
   const auto read = [](const wchar_t* text, unsigned char prefix) {
     ZmUnitSystem system;
     const WbErrObj* error = ZmUnitMgr.CSMSolverStringToSystem(text, system, prefix);

@@ -136,7 +136,7 @@ TEST(UnitDim, ScaleValueInBothPrecisions) {
 // units, fractional exponents as "%d/%d" above the bar and "(den/num)" below it; display names (how
 // 2) add the unit in brackets when the system is complete (the angle is not needed).
 TEST(UnitDim, SymbolsAndDisplayNames) {
-  const ZmUnitSystem mmKgS = Sys(ZmUnitMillimeter, ZmUnitKilogram, ZmUnitSecond), ftLbmUs = SysAt(3, 7, 2);
+  const ZmUnitSystem mmKgS = SysAt(2, 0, 0), ftLbmUs = SysAt(3, 7, 2);
   const ZmUnitSystem noAngle = SysAt(2, 4, 0, 0, -1), noTemp = SysAt(2, 4, 0, -1), none;
   const ZmUnitDim halves = Dim(L"1/2 0 -1/2 0 0"), massHalves = Dim(L"0 -3/2 -1/2 0 0"), unnamed = Dim(L"1 0 0 0 0");
   const ZmUnitDim &pressure = ZmUnitDimPressure, &freq = ZmUnitDimFreq, &forcePerLength = ZmUnitDimForcePerLength;

@@ -12,7 +12,7 @@ const wchar_t* const kNoError = L"<no error>";
 const wchar_t* const kInternal = L"Internal error : can't process unit system conversion";
 
 TEST(UnitSystem, IndicesValidityAndNames) {
-  const ZmUnitSystem system = Sys(ZmUnitInch, ZmUnitSlug, ZmUnitMicrosecond, ZmUnitRankine, ZmUnitAngleUnset);
+  const ZmUnitSystem system = SysAt(4, 6, 2, 3, -1);  // in, slug, us, Ra, no angle
   EXPECT_EQ(Units(ZmUnitSystem()) + Text(ZmUnitSystem().GetUnitShortName(ZmUnitTypeLength)), L"-1 -1 -1 -1 -1");
   EXPECT_EQ(system.GetUnitIndex(static_cast<_ZmUnitType>(5)) + system.GetUnitIndex(static_cast<_ZmUnitType>(-1)), -2);
   EXPECT_EQ(Text(system.GetUnitLongName(ZmUnitTypeTime)) + Text(system.GetUnitShortName(ZmUnitTypeTemp)),
@@ -26,14 +26,11 @@ TEST(UnitSystem, IndicesValidityAndNames) {
   for (const auto& [s, ignoreAngle, valid] : validity) EXPECT_EQ(s.IsValid(ignoreAngle), valid) << Units(s);
   ZmUnitSystem metres = kMmTS;
   metres.Init(ZmUnitMeter, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitRadian);
-  EXPECT_EQ((metres == kMmTS) + 2 * (metres == Sys(ZmUnitMeter, ZmUnitTon, ZmUnitSecond)), 2);  // the length too
+  EXPECT_EQ((metres == kMmTS) + 2 * (metres == SysAt(0, 4, 0)), 2);  // the length too
 }
 
 TEST(UnitSystem, ConversionExamples) {
-  const ZmUnitSystem ftLbmS = Sys(ZmUnitFoot, ZmUnitPound, ZmUnitSecond, ZmUnitKelvin, ZmUnitDegree);
-  const ZmUnitSystem mmTMs = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitMillisecond);
-  const ZmUnitSystem celsius = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitCelsius);
-  const ZmUnitSystem fahrenheit = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitFahrenheit);
+  const ZmUnitSystem ftLbmSDeg = SysAt(3, 7, 0, 0, 0), mmTMs = SysAt(2, 4, 1), celsius = SysAt(2, 4, 0, 1);
   // 200000 MPa: / float(1/1000) * float(1/0.001) = 999.99994 -> 199999979520. Steel 7.85e-9 T/mm3: three
   // divisions by float(1/1000), one product by 999.99994. 10 ft = 10 * float(1000 / 3.281) mm; 1 m3 = 3.281^3
   // ft3 by repeated products (pow gives 35.3198356628418); g into mm/ms2: * 1000 / 1000 / 1000; 180 deg = 180 *
@@ -51,12 +48,12 @@ TEST(UnitSystem, ConversionExamples) {
       {kMmKgMs.ConvertTimeFrom(2.0f, ZmUnitSecond), 2000.0f},
       {kMmTS.ConvertLengthFrom(10.0f, ZmUnitFoot), 3047.851318359375f},
       {kMKgS.ConvertAreaFrom(2.0f, ZmUnitCentimeter), 0.00019999999494757503f},
-      {ftLbmS.ConvertVolumeFrom(1.0f, ZmUnitMeter), 35.31983184814453f},
+      {ftLbmSDeg.ConvertVolumeFrom(1.0f, ZmUnitMeter), 35.31983184814453f},
       {mmTMs.ConvertAccelerationFrom(9.80665f, kMKgS), 0.009806649759411812f},
       {kMmTS.ConvertAngleFrom(180.0f, ZmUnitDegree), 3.1415927410125732f},
-      {ftLbmS.ConvertAngleFrom(1.0f, ZmUnitRadian), 57.295780181884766f},
+      {ftLbmSDeg.ConvertAngleFrom(1.0f, ZmUnitRadian), 57.295780181884766f},
       {kMmTS.ConvertValueFrom(100.0f, celsius, ZmUnitDimTemp, nullptr), 100.0f},
-      {fahrenheit.ConvertValueFrom(-40.0f, celsius, ZmUnitDimTemp, nullptr), -40.0f},
+      {SysAt(2, 4, 0, 2).ConvertValueFrom(-40.0f, celsius, ZmUnitDimTemp, nullptr), -40.0f},
       {kMmKgMs.ConvertValueFrom(5.0f, kNoLength, ZmUnitDimTime, nullptr), 5000.0f},
       {kMmTS.ConvertLengthFrom(3.0f, ZmUnitPixel), 3000.0f},
       {kMmTS.ConvertLengthFrom(kInvalid, ZmUnitMeter), kInvalid}};
@@ -90,8 +87,7 @@ TEST(UnitSystem, CompatibilityOfTwoSystems) {
 // (all, length, velocity), IsUnitTypeToBeConverted for (length, time, type 7),
 // IsDimensionToBeConverted for (time, pressure).
 TEST(UnitConverter, PreparationFactorsAndFailures) {
-  const ZmUnitSystem mKgSCDeg = Sys(ZmUnitMeter, ZmUnitKilogram, ZmUnitSecond, ZmUnitCelsius, ZmUnitDegree);
-  const ZmUnitSystem noMass = Sys(ZmUnitMeter, ZmUnitMassUnset, ZmUnitSecond), beyond = SysAt(17, 4, 0);
+  const ZmUnitSystem mKgSCDeg = SysAt(0, 0, 0, 1, 0), noMass = SysAt(0, -1, 0), beyond = SysAt(17, 4, 0);
   const float x = kInvalid, mm = 0.0010000000474974513f;  // float(1 / 1000)
   const ZmUnitDim *length = &ZmUnitDimLength, *none = nullptr;
   using Factors = std::vector<float>;
@@ -130,8 +126,7 @@ TEST(UnitConverter, PreparationFactorsAndFailures) {
 // velocity is scaled, the time part is missing. A float result that rounds to the marker counts as
 // not converted: float(-1e29) * 1000 is -1e32f (Python struct); the double twin is an ordinary value.
 TEST(UnitConverter, ScalarConversionInBothPrecisions) {
-  const ZmUnitSystem inches = Sys(ZmUnitInch, ZmUnitTon, ZmUnitSecond);
-  const ZmUnitSystem celsius = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitCelsius);
+  const ZmUnitSystem inches = SysAt(4, 4, 0), celsius = SysAt(2, 4, 0, 1);
   const ZmUnitDim* length = &ZmUnitDimLength;
   const float nearMarker = -1.0000000150474662e+29f;
   // clang-format off
