@@ -1,15 +1,13 @@
 #!/usr/bin/python3
-"""Reference values of the CFC filter at any rate, computed with scipy (Debian's python3-scipy).
-
-Writes cfc_filter.txt beside this script, read by tests/filters/test_cfc_filter.cpp:
+"""Reference values of the CFC filter at any rate, computed with scipy (Debian's python3-scipy): run
+/usr/bin/python3 tests/reference/cfc_filter.py. It writes cfc_filter.txt beside it, read by
+tests/filters/test_cfc_filter.cpp:
   coef <k> <cfc> <fs> <b0> <b1> <b2> <a1> <a2>   scipy.signal.butter(2, k*cfc, fs=fs): b and a[1:]
   input <n> <fs> <y0> ... <yn-1>                 the reference signal, x_i = i / fs
   filtered <k> <cfc> <fs> <ends> <pad> <n> <y0> ... <yn-1>
-where ends is odd/even/constant (sosfiltfilt's padtype with padlen = pad) or none (sosfilt
-forward from rest, then sosfilt over the reversed result from rest, reversed back).
-It also prints where the fixed 10 kHz FIR kernels sit against the J211/1 corridor.
-
-Run: /usr/bin/python3 tests/reference/cfc_filter.py
+where ends is odd/even/constant (sosfiltfilt's padtype with padlen = pad) or none (sosfilt forward from rest, then
+sosfilt over the reversed result from rest, reversed back). It also prints where the fixed 10 kHz FIR kernels sit
+against the J211/1 corridor.
 """
 import math
 
@@ -38,8 +36,7 @@ def reference_signal(n, fs):
 def filtered(k, cfc, fs, ends, pad, y):
     sos = design(k, cfc, fs, output="sos")
     if ends == "none":
-        forward = signal.sosfilt(sos, y)
-        return signal.sosfilt(sos, forward[::-1])[::-1]
+        return signal.sosfilt(sos, signal.sosfilt(sos, y)[::-1])[::-1]
     return signal.sosfiltfilt(sos, y, padtype=ends, padlen=pad)
 
 
@@ -47,12 +44,7 @@ def corridor(cfc, f):
     """(lower, upper) in dB of the J211/1 CFC corridor at frequency f (Hz)."""
     fh, fn = cfc, cfc * 5.0 / 3.0
     upper = 0.5 if f <= fn else max(0.5 - 9.0 * math.log2(f / fn), -30.0)
-    if f <= fh:
-        lower = -0.5
-    elif f <= fn:
-        lower = -1.0 - 3.0 * math.log(f / fh) / math.log(fn / fh)
-    else:
-        lower = -math.inf
+    lower = -0.5 if f <= fh else -1.0 - 3.0 * math.log(f / fh) / math.log(fn / fh) if f <= fn else -math.inf
     return lower, upper
 
 
@@ -75,13 +67,11 @@ def fixed_kernel_report():
     for cfc, half in FIXED.items():
         c = np.array(half, dtype=np.float32).astype(np.float64)
         h = len(c) - 1  # centre last
-        s = 2.0 * c[:h].sum() + c[h]
-        c = c / s
+        c = c / (2.0 * c[:h].sum() + c[h])
         resp = c[h] + 2.0 * sum(c[k] * np.cos(2 * np.pi * f * (h - k) / fs) for k in range(h))
         db = 20 * np.log10(np.maximum(np.abs(resp), 1e-300))
         lo, up = zip(*(corridor(cfc, x) for x in f))
-        lo = np.maximum(np.array(lo), -1e300)
-        below = np.array(lo) - db
+        below = np.maximum(np.array(lo), -1e300) - db
         above = db - np.array(up)
         out = f[(below > 0) | (above > 0)]
         f3 = f[np.argmax(db < -3.0)]

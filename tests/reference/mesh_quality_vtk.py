@@ -1,15 +1,12 @@
 #!/usr/bin/python3
-"""Reference values of the element quality metrics, for tests/mesh: writes mesh_quality_vtk.txt,
-per element type a line "columns <type> <metric> ..." and one line per element, "<type>
-<coordinates as float32> <values, 17 digits>" ('nan': no value).
-
-Values: VTK 9.1's vtkMeshQuality (Verdict's metrics; Debian python3-vtk9, /usr/bin/python3) and,
-for wedges, libvtkverdict-9.1.so.1's Verdict functions through ctypes. What VTK 9.1 lacks (the
-equiangle skews, the tet mean ratio, the pyramid metrics, the true hex edge ratio over all twelve
-edges, exact hex, wedge and pyramid volumes by Gauss integration of the Jacobian determinant;
-VTK 9.1's hex volume is the one-point centre value) is computed here with numpy from the
-definitions. Elements: Verdict's golden test elements, then per type random elements around the
-ideal one, from mildly to wildly distorted, inverted and collapsed ones among them.
+"""Reference values of the element quality metrics, for tests/mesh: writes mesh_quality_vtk.txt, per element type
+a line "columns <type> <metric> ..." and one line per element, "<type> <coordinates as float32> <values, 17 digits>"
+('nan': no value). Values: VTK 9.1's vtkMeshQuality (Verdict's metrics; Debian python3-vtk9, /usr/bin/python3) and,
+for wedges, libvtkverdict-9.1.so.1's Verdict functions through ctypes. What VTK 9.1 lacks (the equiangle skews, the
+tet mean ratio, the pyramid metrics, the true hex edge ratio over all twelve edges, exact hex, wedge and pyramid
+volumes by Gauss integration of the Jacobian determinant; VTK 9.1's hex volume is the one-point centre value) is
+computed here with numpy from the definitions. Elements: Verdict's golden test elements, then per type random
+elements around the ideal one, from mildly to wildly distorted, inverted and collapsed ones among them.
 """
 import ctypes
 import itertools
@@ -33,15 +30,10 @@ IDEAL = {
 }
 
 GOLDEN = {
-    "tri": [
-        [[0, 0, 0], [5, 0, 0], [2.5, 4.330127, 0]],
-        [[0, 0, 0], [0.5, 0.8660254037, 0], [1, 0, 0]],
-        [[0, 0, 0], [1, 0, 0], [2, 0, 0]],
-        [[0, 0, 0], [0, 0, 0], [1, 1, 0]],
-    ],
+    "tri": [[[0, 0, 0], [5, 0, 0], [2.5, 4.330127, 0]], [[0, 0, 0], [0.5, 0.8660254037, 0], [1, 0, 0]],
+            [[0, 0, 0], [1, 0, 0], [2, 0, 0]], [[0, 0, 0], [0, 0, 0], [1, 1, 0]]],
     "quad": [
-        [[0, 0, 0], [1, 0, 0], [1, 7, 0], [0, 7, 0]],
-        [[2, 0, 0], [1, 1, 2], [0, 1, 0], [0, 0, 0]],
+        [[0, 0, 0], [1, 0, 0], [1, 7, 0], [0, 7, 0]], [[2, 0, 0], [1, 1, 2], [0, 1, 0], [0, 0, 0]],
         [[1, 1, 1], [3, 1, 2], [5, 0.8, 1.3], [2, 1.1, 3.7]],  # chevron
         [[3, 1, 1], [6, 1, 2], [12, 1, 4], [9, 1, 3]],  # collapsed onto a line
         [[-1, -1, -1], [6, 2, -1.1], [3, -2.5, -1.15], [4.5, 4.3, -0.9]],  # bow-tie
@@ -50,17 +42,14 @@ GOLDEN = {
         [[0, 0, 0], [0, 1, 0], [1, 1, 0], [1, 0, 0]],  # inside out
     ],
     "tet": [
-        [[-5, -5, -5], [-5, 5, -5], [-5, -5, 5], [5, -5, -5]],
-        [[0, 0, 0], [0, 0, 0], [0, 0, 0], [0, 0, 0]],
+        [[-5, -5, -5], [-5, 5, -5], [-5, -5, 5], [5, -5, -5]], [[0, 0, 0], [0, 0, 0], [0, 0, 0], [0, 0, 0]],
         [[0, 0, 0], [1, 0, 0], [0, 1, 0], [0.5, 0.5, 0]],  # flat
         [[0, 0, 0], [1, 0, 0], [0, 1, 0], [0, 0, -1]],  # inverted
-        [[12, 44, 13.3], [17, 0.003, 66], [3, 33, 234], [14, -123, 21]],
-        [[0, 0, 0], [1, 0, 0], [0, 1, 0], [0, 0, 1]],
+        [[12, 44, 13.3], [17, 0.003, 66], [3, 33, 234], [14, -123, 21]], [[0, 0, 0], [1, 0, 0], [0, 1, 0], [0, 0, 1]],
     ],
     "hex": [
         [[-.3, -.5, .5], [-.2, -.7, -.3], [-.7, .4, -.6], [-.5, .5, .3],
-         [.5, -.3, .8], [.5, -.8, -.2], [.4, .4, -.6], [.2, .5, .2]],
-        IDEAL["hex"],
+         [.5, -.3, .8], [.5, -.8, -.2], [.4, .4, -.6], [.2, .5, .2]], IDEAL["hex"],
         [[0, 0, 0], [1, 0, 0], [1, 1, 0], [0, 1, 0], [0.1, 0.1, 0], [0.9, 0.1, 0], [0.9, 0.9, 0], [0.1, 0.9, 0]],
         [[0, 0, 1], [1, 0, 1], [1, 1, 1], [0, 1, 1], [0, 0, 0], [1, 0, 0], [1, 1, 0], [0, 1, 0]],  # inside out
         [[0, 0, 0], [2, 0, 0], [2, 1, 0], [0, 1, 0], [0.5, 0, 1], [1.5, 0, 1], [1.5, 1, 1], [0.5, 1, 1]],  # tapered
@@ -80,10 +69,9 @@ GOLDEN = {
 }
 
 
-def vtk_metrics(prefix, names, vtk_names=None):
+def vtk_metrics(prefix, names, vtk_names=()):
     """(column, vtkMeshQuality function prefix + name), the column renamed where VTK's name differs."""
-    vtk_names = dict(vtk_names or {})
-    return [(name, getattr(vtk.vtkMeshQuality, prefix + vtk_names.get(name, name))) for name in names.split()]
+    return [(name, getattr(vtk.vtkMeshQuality, prefix + dict(vtk_names).get(name, name))) for name in names.split()]
 
 
 VTK_METRICS = {
@@ -103,8 +91,7 @@ VERDICT = ctypes.CDLL("libvtkverdict-9.1.so.1")
 
 def verdict(name):
     function = getattr(VERDICT, "vtkverdict__" + name)
-    function.restype = ctypes.c_double
-    function.argtypes = [ctypes.c_int, ctypes.POINTER(ctypes.c_double)]
+    function.restype, function.argtypes = ctypes.c_double, [ctypes.c_int, ctypes.POINTER(ctypes.c_double)]
 
     def call(p):
         flat = np.ascontiguousarray(p, dtype=np.float64).ravel()
@@ -113,21 +100,12 @@ def verdict(name):
 
 
 def wedge_shape(p, vtk_shape=verdict("wedge_shape"), jacobian=verdict("wedge_jacobian")):
-    """VTK 9.1's wedge shape passes over a non-positive corner (an inverted wedge scores 1);
-    current Verdict returns 0 as soon as a corner is not positive, and so does the library."""
+    """VTK 9.1's wedge shape passes over a non-positive corner (an inverted wedge scores 1); current Verdict returns 0
+    as soon as a corner is not positive, and so does the library."""
     return 0.0 if jacobian(p) <= 1e-30 else vtk_shape(p)
 
 
-# Wedge and pyramid metrics of libvtkverdict (VTK's vtkMeshQuality does not offer them); its
-# wedge order is this library's (0 1 2 counter-clockwise seen from 3 4 5).
-CTYPES_METRICS = {
-    "wedge": [("Jacobian", verdict("wedge_jacobian")), ("ScaledJacobian", verdict("wedge_scaled_jacobian")),
-              ("Shape", wedge_shape), ("EdgeRatio", verdict("wedge_edge_ratio"))],
-}
-
-
-# ---- numpy definitions of the metrics VTK 9.1 lacks -------------------------------------------
-
+# Numpy definitions of the metrics VTK 9.1 lacks.
 def degrees(cosine):
     return math.degrees(math.acos(max(-1.0, min(1.0, cosine))))
 
@@ -135,12 +113,8 @@ def degrees(cosine):
 def corner_angles(poly):
     """Interior angles of a polygon in degrees."""
     n = len(poly)
-    out = []
-    for i in range(n):
-        u = poly[(i - 1) % n] - poly[i]
-        v = poly[(i + 1) % n] - poly[i]
-        out.append(degrees(np.dot(u, v) / (np.linalg.norm(u) * np.linalg.norm(v))))
-    return out
+    sides = [(poly[(i - 1) % n] - poly[i], poly[(i + 1) % n] - poly[i]) for i in range(n)]
+    return [degrees(np.dot(u, v) / (np.linalg.norm(u) * np.linalg.norm(v))) for u, v in sides]
 
 
 def has_zero_edge(poly):
@@ -153,36 +127,26 @@ def mean_normal(q):
     return n / np.linalg.norm(n) if np.linalg.norm(n) > 0 else n
 
 
-def quad_min_max(q):
-    """Verdict's quad angles: a reflex corner (a negative corner area about the mean normal)
-    turns the largest angle into 360 minus it; nodes 2 = 3 make it the triangle 0 1 2 (whose
-    angles are still judged against 90)."""
-    if np.array_equal(q[2], q[3]):
-        a = corner_angles(q[:3])
-        return min(a), max(a), 90.0
-    a = corner_angles(q)
-    n = mean_normal(q)
-    reflex = any(np.dot(n, np.cross(q[i] - q[i - 1], q[(i + 1) % 4] - q[i])) < 0 for i in range(4))
-    hi = max(a)
-    return min(a), (360.0 - hi if reflex else hi), 90.0
-
-
-def equiangle(lo, hi, ideal):
-    return max((hi - ideal) / (180.0 - ideal), (ideal - lo) / ideal)
+def equiangle(angles, ideal, hi=None):
+    """Verdict's equiangle skew of corner angles against the ideal angle (hi: the largest angle, when not the max)."""
+    hi = max(angles) if hi is None else hi
+    return max((hi - ideal) / (180.0 - ideal), (ideal - min(angles)) / ideal)
 
 
 def tri_equiangle_skew(p):
-    if has_zero_edge(p):
-        return 1.0
-    a = corner_angles(p)
-    return equiangle(min(a), max(a), 60.0)
+    return 1.0 if has_zero_edge(p) else equiangle(corner_angles(p), 60.0)
 
 
-def quad_equiangle_skew(p):
-    if has_zero_edge(p[:3]) or (not np.array_equal(p[2], p[3]) and has_zero_edge(p)):
+def quad_equiangle_skew(q):
+    """Verdict's quad angles: a reflex corner (a negative corner area about the mean normal) turns the largest angle
+    into 360 minus it; nodes 2 = 3 make it the triangle 0 1 2 (whose angles are still judged against 90)."""
+    if has_zero_edge(q[:3]) or (not np.array_equal(q[2], q[3]) and has_zero_edge(q)):
         return 1.0
-    lo, hi, ideal = quad_min_max(p)
-    return equiangle(lo, hi, ideal)
+    if np.array_equal(q[2], q[3]):
+        return equiangle(corner_angles(q[:3]), 90.0)
+    a, n = corner_angles(q), mean_normal(q)
+    reflex = any(np.dot(n, np.cross(q[i] - q[i - 1], q[(i + 1) % 4] - q[i])) < 0 for i in range(4))
+    return equiangle(a, 90.0, 360.0 - max(a) if reflex else max(a))
 
 
 HEX_FACES = [[0, 1, 5, 4], [1, 2, 6, 5], [2, 3, 7, 6], [3, 0, 4, 7], [4, 5, 6, 7], [3, 2, 1, 0]]
@@ -199,8 +163,7 @@ GAUSS = (-1.0 / math.sqrt(3.0), 1.0 / math.sqrt(3.0))
 
 
 def hex_volume(p):
-    """2x2x2 Gauss integration of the trilinear map's Jacobian determinant (exact: it is a
-    polynomial of degree 2 in each natural coordinate)."""
+    """2x2x2 Gauss integration of the trilinear map's Jacobian determinant (exact: degree 2 in each coordinate)."""
     a, b, c = HEX_SIGNS.T
     volume = 0.0
     for r, s, t in itertools.product(GAUSS, repeat=3):
@@ -218,12 +181,8 @@ def tet_det(p):
     return np.dot(p[3] - p[0], np.cross(p[1] - p[0], p[2] - p[0]))
 
 
-def tet_volume(p):
-    return tet_det(p) / 6.0
-
-
 def tet_mean_ratio(p):
-    v = tet_volume(p)
+    v = tet_det(p) / 6.0
     if v == 0:
         return 0.0
     s = sum(np.dot(p[b] - p[a], p[b] - p[a]) for a, b in TET_EDGES)
@@ -231,12 +190,11 @@ def tet_mean_ratio(p):
 
 
 def tet_equiangle_skew(p):
-    """Dihedral angles (between outward face normals, as 180 minus their angle) against
-    acos(1/3), and the face angles against 60."""
+    """Dihedral angles (180 minus the angle of outward face normals) against acos(1/3), face angles against 60."""
     if any(np.linalg.norm(p[b] - p[a]) == 0 for a, b in TET_EDGES):
         return 1.0
     faces = [[0, 2, 1], [0, 1, 3], [1, 2, 3], [0, 3, 2]]
-    sign = 1.0 if tet_volume(p) >= 0 else -1.0
+    sign = 1.0 if tet_det(p) >= 0 else -1.0
     normals = []
     for f in faces:
         n = sign * np.cross(p[f[1]] - p[f[0]], p[f[2]] - p[f[0]])
@@ -244,12 +202,8 @@ def tet_equiangle_skew(p):
             return 1.0
         normals.append(n / np.linalg.norm(n))
     dihedral = [180.0 - degrees(np.dot(normals[i], normals[j])) for i in range(4) for j in range(i + 1, 4)]
-    theta = math.degrees(math.acos(1.0 / 3.0))
-    skew = max((max(dihedral) - theta) / (180.0 - theta), (theta - min(dihedral)) / theta)
-    for f in faces:
-        a = corner_angles(p[f])
-        skew = max(skew, equiangle(min(a), max(a), 60.0))
-    return skew
+    return max([equiangle(dihedral, math.degrees(math.acos(1.0 / 3.0)))] +
+               [equiangle(corner_angles(p[f]), 60.0) for f in faces])
 
 
 WEDGE_FACES = [[0, 2, 1], [3, 4, 5], [0, 1, 4, 3], [1, 2, 5, 4], [2, 0, 3, 5]]
@@ -312,8 +266,7 @@ def pyramid_scaled_jacobian(p):
 
 
 def quad_shape(q):
-    """Verdict: twice the smallest corner area (about the mean normal) over the sum of the two
-    squared edges at that corner."""
+    """Verdict: twice the smallest corner area (about the mean normal) over the two squared edges at that corner."""
     n = mean_normal(q)
     best = None
     for i in range(4):
@@ -326,12 +279,8 @@ def quad_shape(q):
 
 
 def pyramid_shape(p):
-    base = quad_shape(p[:4])
-    if base == 0.0:
-        return 0.0
-    normal = np.cross(p[1] - p[0], p[3] - p[0])
-    to_apex = p[4] - p[:4].mean(axis=0)
-    if np.linalg.norm(normal) == 0 or np.linalg.norm(to_apex) == 0:
+    base, normal, to_apex = quad_shape(p[:4]), np.cross(p[1] - p[0], p[3] - p[0]), p[4] - p[:4].mean(axis=0)
+    if base == 0.0 or np.linalg.norm(normal) == 0 or np.linalg.norm(to_apex) == 0:
         return 0.0
     height = np.dot(to_apex, normal) / np.linalg.norm(normal)
     cosine = height / np.linalg.norm(to_apex)
@@ -342,27 +291,24 @@ def pyramid_shape(p):
     return base * cosine * (height / ideal if height < ideal else ideal / height)
 
 
+# Per type, the metrics vtkMeshQuality lacks: (column, function of the nodes).
 EXTRA = {
     "tri": [("EquiangleSkew", tri_equiangle_skew)],
     "quad": [("EquiangleSkew", quad_equiangle_skew)],
     "tet": [("MeanRatio", tet_mean_ratio), ("EquiangleSkew", tet_equiangle_skew)],
     "hex": [("EquiangleSkew", lambda p: faces_equiangle_skew(p, HEX_FACES)), ("EdgeRatio", hex_edge_ratio), ("Volume", hex_volume)],
-    "wedge": [("Volume", wedge_volume), ("EquiangleSkew", lambda p: faces_equiangle_skew(p, WEDGE_FACES))],
+    # libvtkverdict's wedge metrics (vtkMeshQuality does not offer them; its wedge order is this library's,
+    # 0 1 2 counter-clockwise seen from 3 4 5), then numpy's.
+    "wedge": [("Jacobian", verdict("wedge_jacobian")), ("ScaledJacobian", verdict("wedge_scaled_jacobian")),
+              ("Shape", wedge_shape), ("EdgeRatio", verdict("wedge_edge_ratio")), ("Volume", wedge_volume),
+              ("EquiangleSkew", lambda p: faces_equiangle_skew(p, WEDGE_FACES))],
     "pyramid": [("Volume", pyramid_volume), ("Jacobian", pyramid_jacobian), ("ScaledJacobian", pyramid_scaled_jacobian),
                 ("Shape", pyramid_shape), ("EquiangleSkew", lambda p: faces_equiangle_skew(p, PYRAMID_FACES))],
 }
 
 
-# ---- elements ---------------------------------------------------------------------------------
-
-def random_rotation():
-    q, r = np.linalg.qr(RNG.standard_normal((3, 3)))
-    return q * np.sign(np.diag(r))
-
-
 def random_elements(kind):
     ideal = np.array(IDEAL[kind], dtype=float)
-    out = []
     for i in range(COUNT):
         scale = 10.0 ** RNG.uniform(-2, 3)
         # amplitudes from nearly ideal to wildly distorted (inverted elements among them)
@@ -372,9 +318,8 @@ def random_elements(kind):
             p[:, 2] = 0.0  # flat shells besides warped ones
         if i % 50 == 7:
             p[1] = p[0]  # coincident nodes
-        p = scale * (p @ random_rotation().T) + RNG.uniform(-100, 100, 3) * scale
-        out.append(p)
-    return out
+        q, r = np.linalg.qr(RNG.standard_normal((3, 3)))  # a random rotation
+        yield scale * (p @ (q * np.sign(np.diag(r))).T) + RNG.uniform(-100, 100, 3) * scale
 
 
 def as_float32(p):
@@ -393,12 +338,10 @@ def main():
             "# mesh_quality_vtk.py; 'nan' marks an element where the metric has no value.\n"
             % vtk.vtkVersion.GetVTKVersion())
     for kind in ("tri", "quad", "tet", "hex", "wedge", "pyramid"):
-        direct = CTYPES_METRICS.get(kind, [])
-        metrics = VTK_METRICS.get(kind, []) + direct + EXTRA[kind]
+        metrics = VTK_METRICS.get(kind, []) + EXTRA[kind]
         text += "columns %s %s\n" % (kind, " ".join(name for name, _ in metrics))
         for p in [as_float32(g) for g in GOLDEN[kind]] + [as_float32(p) for p in random_elements(kind)]:
-            values = ([vtk_value(kind, f, p) for _, f in VTK_METRICS.get(kind, [])] + [f(p) for _, f in direct] +
-                      [f(p) for _, f in EXTRA[kind]])
+            values = [vtk_value(kind, f, p) for _, f in VTK_METRICS.get(kind, [])] + [f(p) for _, f in EXTRA[kind]]
             coords = " ".join("%.9g" % c for c in np.asarray(p, dtype=np.float32).ravel())
             text += "%s %s %s\n" % (kind, coords, fmt(values))
     write_beside(__file__, "mesh_quality_vtk.txt", text)

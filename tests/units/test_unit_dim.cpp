@@ -1,13 +1,9 @@
 // Dimensions: the global dimensions, exponent arithmetic with its kept asymmetries, ownership
-// of quotient components, value scaling, symbols and the search of a system from a symbol.
+// of quotient components, value scaling, names and symbols, and a system from a symbol.
 #include <climits>
 #include <limits>
-#include <tuple>
 
 #include "units_test_support.h"
-
-namespace {
-using namespace units_test;
 
 TEST(UnitDim, GlobalDimensionsHaveTheirNamesAndExponents) {
   // clang-format off
@@ -27,17 +23,13 @@ TEST(UnitDim, GlobalDimensionsHaveTheirNamesAndExponents) {
   EXPECT_NE(ZmUnitDimForcePerLength.GetPerNumerator(), &ZmUnitDimForce);
 }
 
-// Sum and difference both add exponents; the quotient constructor subtracts integer exponents
-// but adds fractional ones (kept as established).
+// Sum and difference both add exponents (the result has no name); the quotient constructor
+// subtracts integer exponents but adds fractional ones (kept as established).
 TEST(UnitDim, SumDifferenceAndQuotient) {
-  ZmUnitDim root, a(L"A", 0, 1, 3, 0, 0), b(L"B", 0, 2, 1, 0, 0);
-  root.SetTypeDimension(ZmUnitTypeLength, 1, 2);
-  a.SetTypeDimension(ZmUnitTypeLength, 1, 2);
-  b.SetTypeDimension(ZmUnitTypeLength, 1, 2);
+  const ZmUnitDim root = Dim(L"1/2 0 0 0 0"), a = Dim(L"1/2 1 3 0 0", L"A"), b = Dim(L"1/2 2 1 0 0", L"B");
   const ZmUnitDim quotientSum = ZmUnitDimForcePerLength + ZmUnitDimTime;
   const std::pair<std::wstring, const wchar_t*> rows[] = {
-      {Describe(ZmUnitDimForce - ZmUnitDimLength), L": 2 1 -2 0 0"},  // the result has no name
-      {Describe(ZmUnitDimForce + ZmUnitDimLength), L": 2 1 -2 0 0"},
+      {Describe(ZmUnitDimForce - ZmUnitDimLength), L": 2 1 -2 0 0"},
       {Describe(ZmUnitDimTime + ZmUnitDimFreq), L": 0 0 0 0 0"},
       {Describe(root + ZmUnitDimArea), L": 3/2 0 0 0 0"},  // denominators are untouched
       // A quotient operand contributes its numerator component: Length + Force.
@@ -52,9 +44,8 @@ TEST(UnitDim, SumDifferenceAndQuotient) {
 }
 
 // Exponents that would leave the int range saturate instead of wrapping (a wrapped INT_MAX + 1
-// would read as a huge negative exponent), and scaling by a saturated exponent stays cheap.
-// Columns: a (num, den), b (num, den), then the quotient's num and den and the sum's num.
-// Fractions: num a.num * b.den + a.den * b.num, den a.den * b.den.
+// would read as a huge negative exponent). Columns: a (num, den), b (num, den), then the
+// quotient's num and den and the sum's num; num a.num * b.den + a.den * b.num, den a.den * b.den.
 TEST(UnitDim, ExponentArithmeticSaturates) {
   // clang-format off
   const int rows[][7] = {
@@ -64,71 +55,61 @@ TEST(UnitDim, ExponentArithmeticSaturates) {
       {-3, 2, INT_MAX, 2, INT_MAX, 4, INT_MAX - 3},                     // -6 + 2 INT_MAX saturates, -3 + INT_MAX fits
       {INT_MIN, INT_MIN, INT_MIN, INT_MIN, INT_MAX, INT_MAX, INT_MIN}};  // 2^62 + 2^62 passes even 64 bits
   // clang-format on
+  const _ZmUnitType t = ZmUnitTypeTime;
   for (const auto& r : rows) {
     ZmUnitDim a, b;
-    a.SetTypeDimension(ZmUnitTypeTime, r[0], r[1]);
-    b.SetTypeDimension(ZmUnitTypeTime, r[2], r[3]);
+    a.SetTypeDimension(t, r[0], r[1]);
+    b.SetTypeDimension(t, r[2], r[3]);
     const ZmUnitDim q(a, b), sum = a + b;
-    EXPECT_EQ(std::make_tuple(q.GetNumerator(ZmUnitTypeTime), q.GetDenominator(ZmUnitTypeTime),
-                              sum.GetNumerator(ZmUnitTypeTime)),
+    EXPECT_EQ(std::make_tuple(q.GetNumerator(t), q.GetDenominator(t), sum.GetNumerator(t)),
               std::make_tuple(r[4], r[5], r[6]))
         << r[0] << "/" << r[1] << " with " << r[2] << "/" << r[3];
   }
-  ZmUnitDim huge;
-  huge.SetTypeDimension(ZmUnitTypeLength, INT_MAX, 1);
-  EXPECT_EQ(huge.ScaleValue(3.0, 1.0, ZmUnitTypeLength), 3.0);
-  EXPECT_EQ(huge.ScaleValue(3.0f, 2.0f, ZmUnitTypeLength), std::numeric_limits<float>::infinity());
-  huge.SetTypeDimension(ZmUnitTypeLength, INT_MIN, 1);
-  EXPECT_EQ(huge.ScaleValue(3.0, 2.0, ZmUnitTypeLength), 0.0);
-  EXPECT_EQ(huge.ScaleValue(3.0, -1.0, ZmUnitTypeLength), 3.0);  // (-1)^(-2^31) = 1
 }
 
+// A copy has no quotient components; an assignment gives the target components of its own, which
+// each destructor releases (the sanitizers catch a double free or a leak).
 TEST(UnitDim, CopyDropsComponentsAssignmentDuplicatesThem) {
-  const wchar_t* const kForcePerLength = L"Force per Length: 0 1 -2 0 0 [Force: 1 1 -2 0 0 / Length: 1 0 0 0 0]";
+  const std::wstring forcePerLength = Describe(ZmUnitDimForcePerLength);
   EXPECT_EQ(Describe(ZmUnitDim(ZmUnitDimForcePerLength)), L"Force per Length: 0 1 -2 0 0");
   {
-    ZmUnitDim assigned(L"old", 1, 1, 1, 1, 1);
-    assigned = ZmUnitDimForcePerLength;
-    EXPECT_EQ(Describe(assigned), kForcePerLength);
-    // Own components: each destructor releases its own.
+    ZmUnitDim assigned(L"old", 1, 1, 1, 1, 1), chain;
+    chain = assigned = ZmUnitDimForcePerLength;
+    EXPECT_EQ(Describe(assigned) + Describe(chain), forcePerLength + forcePerLength);
     EXPECT_NE(assigned.GetPerNumerator(), ZmUnitDimForcePerLength.GetPerNumerator());
     const ZmUnitDim& self = assigned;
     assigned = self;  // self-assignment keeps the components alive
-    EXPECT_EQ(Describe(assigned), kForcePerLength);
+    EXPECT_EQ(Describe(assigned), forcePerLength);
     assigned = ZmUnitDimLength;  // a plain source releases the old components
     EXPECT_EQ(Describe(assigned), L"Length: 1 0 0 0 0");
-    ZmUnitDim chain;
-    chain = assigned = ZmUnitDimForcePerLength;
-    EXPECT_EQ(Describe(chain), kForcePerLength);
   }
-  // The global's components survive the copies above (the sanitizers catch a double free).
-  EXPECT_EQ(Describe(ZmUnitDimForcePerLength), kForcePerLength);
+  EXPECT_EQ(Describe(ZmUnitDimForcePerLength), forcePerLength);
 }
 
+// Names are not compared, denominators are (0/2 is neutral but not Ratio's 0/1); the angle is not
+// neutral; an out-of-range type is refused rather than written past the exponents.
 TEST(UnitDim, ComparisonAndNeutrality) {
-  EXPECT_EQ(ZmUnitDim(L"Stress", -1, 1, -2, 0, 0) == ZmUnitDimPressure, 1);  // names are not compared
-  ZmUnitDim half(ZmUnitDimPressure);
-  half.SetTypeDimension(ZmUnitTypeLength, -1, 2);
-  EXPECT_EQ(half == ZmUnitDimPressure, 0);  // denominators are
-  ZmUnitDim zeroOverTwo;
-  zeroOverTwo.SetTypeDimension(ZmUnitTypeMass, 0, 2);
-  EXPECT_EQ(zeroOverTwo.IsNeutral(), 1);
-  EXPECT_EQ(zeroOverTwo == ZmUnitDimNone, 0);
-  EXPECT_EQ(ZmUnitDimAngle.IsNeutral(), 0);
-  // Out-of-range types are refused rather than written past the exponents.
-  ZmUnitDim d;
-  d.SetTypeDimension(static_cast<_ZmUnitType>(5), 7, 7);
-  EXPECT_EQ(d, ZmUnitDimNone);
+  ZmUnitDim outOfRange;
+  outOfRange.SetTypeDimension(static_cast<_ZmUnitType>(5), 7, 7);
+  // clang-format off
+  const std::tuple<ZmUnitDim, const ZmUnitDim&, int, int> rows[] = {  // a, b, a == b, a neutral
+      {Dim(L"-1 1 -2 0 0", L"Stress"), ZmUnitDimPressure, 1, 0}, {Dim(L"-1/2 1 -2 0 0"), ZmUnitDimPressure, 0, 0},
+      {Dim(L"0 0/2 0 0 0"), ZmUnitDimNone, 0, 1}, {ZmUnitDimAngle, ZmUnitDimAngle, 1, 0}, {outOfRange, ZmUnitDimNone, 1, 1}};
+  // clang-format on
+  for (const auto& [a, b, equal, neutral] : rows) {
+    EXPECT_EQ((a == b) * 10 + a.IsNeutral(), equal * 10 + neutral) << Describe(a);
+  }
 }
 
 // Integer powers are repeated multiplications or divisions, not pow; fractional ones use pow;
 // a factor that is the invalid marker, a neutral dimension or a type out of range keep the value.
 TEST(UnitDim, ScaleValueInBothPrecisions) {
-  ZmUnitDim halfTime, minusThreeQuarters;
-  halfTime.SetTypeDimension(ZmUnitTypeTime, 1, 2);
-  minusThreeQuarters.SetTypeDimension(ZmUnitTypeTime, -3, 4);
+  const ZmUnitDim halfTime = Dim(L"0 0 1/2 0 0"), minusThreeQuarters = Dim(L"0 0 -3/4 0 0");
+  // Saturated exponents: 3 * 2^(2^31 - 1) overflows, 3 * 2^(-2^31) underflows, (-1)^(-2^31) = 1.
+  const ZmUnitDim up = Dim(L"2147483647 0 0 0 0"), down = Dim(L"-2147483648 0 0 0 0");
   const ZmUnitDim* area = &ZmUnitDimArea;
   const int length = ZmUnitTypeLength;
+  const float inf = std::numeric_limits<float>::infinity();
   // clang-format off
   const std::tuple<const ZmUnitDim*, float, double, int, float, double> rows[] = {
       {area, 5.0f, 1000.0, length, 5.0e6f, 5.0e6}, {area, 5.0f, double(kInvalid), length, 5.0f, 5.0},
@@ -141,7 +122,8 @@ TEST(UnitDim, ScaleValueInBothPrecisions) {
       // ((1 / 10) / 10) / 10 = 0.0009999999310821295 in float, not float(0.001); 0.001 in double.
       {&ZmUnitDimDensity, 1.0f, 10.0, length, 0.0009999999310821295f, 0.001},
       {&halfTime, 4.0f, 9.0, ZmUnitTypeTime, 12.0f, 12.0},
-      {&minusThreeQuarters, 8.0f, 16.0, ZmUnitTypeTime, 1.0f, 1.0}};
+      {&minusThreeQuarters, 8.0f, 16.0, ZmUnitTypeTime, 1.0f, 1.0}, {&up, 3.0f, 1.0, length, 3.0f, 3.0},
+      {&up, 3.0f, 2.0, length, inf, inf}, {&down, 3.0f, 2.0, length, 0.0f, 0.0}, {&down, 3.0f, -1.0, length, 3.0f, 3.0}};
   // clang-format on
   for (const auto& [dim, value, factor, t, expectedF, expectedD] : rows) {
     const auto type = static_cast<_ZmUnitType>(t);
@@ -150,46 +132,34 @@ TEST(UnitDim, ScaleValueInBothPrecisions) {
   }
 }
 
-TEST(UnitDim, ComposedSymbols) {
-  const ZmUnitSystem mmKgS = Sys(ZmUnitMillimeter, ZmUnitKilogram, ZmUnitSecond);
-  const ZmUnitSystem ftLbmUs = Sys(ZmUnitFoot, ZmUnitPound, ZmUnitMicrosecond);
-  // Fractional exponents: "%d/%d" above the bar, "(den/num)" below it.
-  ZmUnitDim halves, massHalves;
-  halves.SetTypeDimension(ZmUnitTypeLength, 1, 2);
-  halves.SetTypeDimension(ZmUnitTypeTime, -1, 2);
-  massHalves = halves;
-  massHalves.SetTypeDimension(ZmUnitTypeLength, 0, 1);
-  massHalves.SetTypeDimension(ZmUnitTypeMass, -3, 2);
+// Symbols (how 0) and symbols with their catalogue equivalent (how 1) are composed from the base
+// units, fractional exponents as "%d/%d" above the bar and "(den/num)" below it; display names (how
+// 2) add the unit in brackets when the system is complete (the angle is not needed).
+TEST(UnitDim, SymbolsAndDisplayNames) {
+  const ZmUnitSystem mmKgS = SysAt(2, 0, 0), ftLbmUs = SysAt(3, 7, 2);
+  const ZmUnitSystem noAngle = SysAt(2, 4, 0, 0, -1), noTemp = SysAt(2, 4, 0, -1), none;
+  const ZmUnitDim halves = Dim(L"1/2 0 -1/2 0 0"), massHalves = Dim(L"0 -3/2 -1/2 0 0"), unnamed = Dim(L"1 0 0 0 0");
+  const ZmUnitDim &pressure = ZmUnitDimPressure, &freq = ZmUnitDimFreq, &forcePerLength = ZmUnitDimForcePerLength;
   // clang-format off
-  const std::tuple<const ZmUnitDim&, const ZmUnitSystem&, float, unsigned char, const wchar_t*> rows[] = {
-      {ZmUnitDimPressure, kMmTS, 1.0f, 0, L"T/mm.s2"}, {ZmUnitDimPressure, kMmTS, 1.0f, 1, L"MPa"},
-      {ZmUnitDimVelocity, kMKgS, 1.0f, 1, L"m/s"}, {ZmUnitDimFreq, kMKgS, 1.0f, 0, L"1/s"},
-      {ZmUnitDimFreq, kMKgS, 2.0f, 0, L"2/s"}, {ZmUnitDimFreq, kMKgS, 1.0f, 1, L"Hz"},
+  const std::tuple<const ZmUnitDim&, const ZmUnitSystem&, float, int, const wchar_t*> rows[] = {
+      {pressure, kMmTS, 1.0f, 0, L"T/mm.s2"}, {pressure, kMmTS, 1.0f, 1, L"MPa"}, {ZmUnitDimVelocity, kMKgS, 1.0f, 1, L"m/s"},
+      {freq, kMKgS, 1.0f, 0, L"1/s"}, {freq, kMKgS, 2.0f, 0, L"2/s"}, {freq, kMKgS, 1.0f, 1, L"Hz"},
       {ZmUnitDimMoment, mmKgS, 1.0f, 1, L"mm2.Kg/s2"},  // no catalogue moment fits
       {ZmUnitDimArea, mmKgS, 2.5f, 0, L"mm2* 2.5"}, {ZmUnitDimNone, mmKgS, 1.0f, 1, L""},
       {ZmUnitDimDensity, ftLbmUs, 1.0f, 1, L"lbm/ft3"}, {halves, kMKgS, 1.0f, 0, L"m1/2/s(2/-1)"},
       {massHalves, kMKgS, 1.0f, 0, L"1/Kg(2/-3).s(2/-1)"},
       // A quotient writes its components, each with its catalogue equivalent.
-      {ZmUnitDimForcePerLength, kMmTS, 1.0f, 1, L"N/mm"}, {ZmUnitDimForcePerLength, kMKgS, 1.0f, 0, L"N/m"}};
+      {forcePerLength, kMmTS, 1.0f, 1, L"N/mm"}, {forcePerLength, kMKgS, 1.0f, 0, L"N/m"},
+      {pressure, none, 1.0f, 2, L"Pressure"}, {pressure, kMmTS, 1.0f, 2, L"Pressure [MPa]"},
+      {forcePerLength, kMmTS, 1.0f, 2, L"Force [N] per Length [mm]"}, {forcePerLength, none, 1.0f, 2, L"Force per Length"},
+      {ZmUnitDimLength, noAngle, 1.0f, 2, L"Length [mm]"}, {ZmUnitDimLength, noTemp, 1.0f, 2, L"Length"},
+      {unnamed, kMmTS, 1.0f, 2, L" [mm]"}};
   // clang-format on
-  for (const auto& [dim, system, factor, equivalent, expected] : rows) {
-    EXPECT_EQ(Text(dim.GetShortName(system, factor, equivalent)), expected);
+  for (const auto& [dim, system, factor, how, expected] : rows) {
+    const WbString name = how == 2 ? dim.GetDimName(&system == &none ? nullptr : &system)
+                                   : dim.GetShortName(system, factor, static_cast<unsigned char>(how));
+    EXPECT_EQ(Text(name), expected);
   }
-}
-
-TEST(UnitDim, DisplayNames) {
-  // The angle is not tested; an incomplete system gives no unit.
-  const ZmUnitSystem noAngle = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitKelvin, ZmUnitAngleUnset);
-  const ZmUnitSystem noTemp = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond, ZmUnitTempUnset);
-  const ZmUnitDim unnamed(nullptr, 1, 0, 0, 0, 0);
-  // clang-format off
-  const std::tuple<const ZmUnitDim&, const ZmUnitSystem*, const wchar_t*> rows[] = {
-      {ZmUnitDimPressure, nullptr, L"Pressure"}, {ZmUnitDimPressure, &kMmTS, L"Pressure [MPa]"},
-      {ZmUnitDimForcePerLength, &kMmTS, L"Force [N] per Length [mm]"},
-      {ZmUnitDimForcePerLength, nullptr, L"Force per Length"}, {ZmUnitDimLength, &noAngle, L"Length [mm]"},
-      {ZmUnitDimLength, &noTemp, L"Length"}, {unnamed, &kMmTS, L" [mm]"}};
-  // clang-format on
-  for (const auto& [dim, system, expected] : rows) EXPECT_EQ(Text(dim.GetDimName(system)), expected);
 }
 
 TEST(UnitDim, AllSymbolsOfADimension) {
@@ -199,16 +169,15 @@ TEST(UnitDim, AllSymbolsOfADimension) {
     for (std::uint64_t i = 0; i < names.GetSize(); ++i) joined += L" " + Text(*names[i]);
     return joined;
   };
-  EXPECT_EQ(all(ZmUnitDimFreq), L"6: Hz KHz MHz 1/s 1/ms 1/us");
+  EXPECT_EQ(all(ZmUnitDimFreq) + all(ZmUnitDimNone), L"6: Hz KHz MHz 1/s 1/ms 1/us0:");
   EXPECT_EQ(all(ZmUnitDimLength), L"6: m cm mm ft in px");  // the composed ones repeat the catalogue
-  EXPECT_EQ(all(ZmUnitDimNone), L"0:");
   // Pressure: 6 catalogue units, then 6 lengths x 9 masses x 3 times composed symbols.
   ASSERT_EQ(ZmUnitDimPressure.GetAllShortNames(names), 6u + 162u);
   EXPECT_EQ(Text(*names[0]) + Text(*names[5]) + Text(*names[6]) + Text(*names[167]), L"PammHgKg/m.s2mKg/px.us2");
 }
 
+// Types not involved: -1 for length, mass and time, 0 for the others (the angle in degrees).
 TEST(UnitDim, SystemFromSymbol) {
-  // Types not involved: -1 for length, mass and time, 0 for the others (the angle in degrees).
   // clang-format off
   const std::tuple<const ZmUnitDim&, const wchar_t*, const wchar_t*> rows[] = {
       {ZmUnitDimPressure, L"MPa", L"2 4 0 0 0"}, {ZmUnitDimPressure, L"lbm/ft.s2", L"3 7 0 0 0"},
@@ -225,5 +194,3 @@ TEST(UnitDim, SystemFromSymbol) {
     EXPECT_EQ(error ? Message(error) : Units(system), expected);
   }
 }
-
-}  // namespace

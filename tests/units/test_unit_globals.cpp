@@ -6,7 +6,6 @@
 #include "units_test_support.h"
 
 namespace {
-using namespace units_test;
 
 // The unit classes look their messages up with the context 0 of the library's messages. This
 // hook, installed for the whole program, marks any other context, so that every message check

@@ -5,9 +5,10 @@
 #include <gtest/gtest.h>
 #include <zemcalc/zemcalc.h>
 
+#include <sstream>
 #include <string>
-
-namespace units_test {
+#include <tuple>
+#include <vector>
 
 inline std::wstring Text(const WbString& s) { return s.Std(); }
 inline std::wstring Message(const WbErrObj* error) { return error ? error->GetMessage() : L"<no error>"; }
@@ -26,6 +27,17 @@ inline std::wstring Describe(const ZmUnitDim& d) {
   return s;
 }
 
+// A dimension from its exponents "num" or "num/den" in the order length, mass, time, temperature, angle.
+inline ZmUnitDim Dim(const wchar_t* exponents, const wchar_t* name = nullptr) {
+  ZmUnitDim d(name, 0, 0, 0, 0, 0);
+  std::wistringstream in(exponents);
+  for (int t = 0, num = 0, den = 1; t < 5; ++t, den = 1) {
+    if (in >> num && in.peek() == L'/') in.ignore() >> den;
+    d.SetTypeDimension(static_cast<_ZmUnitType>(t), num, den);
+  }
+  return d;
+}
+
 // The five unit indices "l m t k a" (-1 when unset).
 inline std::wstring Units(const ZmUnitSystem& s) {
   std::wstring out;
@@ -33,21 +45,14 @@ inline std::wstring Units(const ZmUnitSystem& s) {
   return out;
 }
 
-inline ZmUnitSystem Sys(_ZmUnitLength l, _ZmUnitMass m, _ZmUnitTime t, _ZmUnitTemp k = ZmUnitKelvin,
-                        _ZmUnitAngle a = ZmUnitRadian) {
-  return ZmUnitSystem(l, m, t, k, a);
-}
-// A system from raw indices, in range or not.
+// A system from its unit indices (length, mass, time, temperature, angle), in range or not;
+// the default temperature and angle are Kelvin and radian.
 inline ZmUnitSystem SysAt(int l, int m, int t, int k = 0, int a = 1) {
   return ZmUnitSystem(static_cast<_ZmUnitLength>(l), static_cast<_ZmUnitMass>(m), static_cast<_ZmUnitTime>(t),
                       static_cast<_ZmUnitTemp>(k), static_cast<_ZmUnitAngle>(a));
 }
 
-const ZmUnitSystem kMmTS = Sys(ZmUnitMillimeter, ZmUnitTon, ZmUnitSecond);
-const ZmUnitSystem kMKgS = Sys(ZmUnitMeter, ZmUnitKilogram, ZmUnitSecond);
-const ZmUnitSystem kMmKgMs = Sys(ZmUnitMillimeter, ZmUnitKilogram, ZmUnitMillisecond);
-const ZmUnitSystem kPixels = Sys(ZmUnitPixel, ZmUnitTon, ZmUnitSecond);
-const ZmUnitSystem kNoLength = Sys(ZmUnitLengthUnset, ZmUnitTon, ZmUnitSecond);
+// (mm, T, s), (m, Kg, s), (mm, Kg, ms), pixels instead of a length, and no length at all.
+const ZmUnitSystem kMmTS = SysAt(2, 4, 0), kMKgS = SysAt(0, 0, 0), kMmKgMs = SysAt(2, 0, 1), kPixels = SysAt(5, 4, 0),
+                   kNoLength = SysAt(-1, 4, 0);
 constexpr float kInvalid = -1e32f;
-
-}  // namespace units_test

@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <random>
+#include <tuple>
 #include <vector>
 
 using K = CGAL::Simple_cartesian<double>;
@@ -16,28 +17,25 @@ int main() {
   std::mt19937_64 rng(20261125);
   std::normal_distribution<double> gauss(0.0, 1.0);
   // Spreads along three orthogonal directions, the cloud's offset from the origin, its size.
-  struct Shape {
-    double sx, sy, sz, offset;
-    int n;
-  };
-  const Shape shapes[] = {{10, 5, 0.1, 0, 20},   {10, 5, 0.1, 1e4, 30}, {3, 2, 1, 5, 12},      {8, 0.2, 0.1, -50, 25},
-                          {1, 1, 1e-3, 1e5, 40}, {5, 4, 3, 0, 8},       {20, 0.5, 0.5, 7, 16}, {2, 1.9, 0.01, -3, 10}};
+  const std::tuple<double, double, double, double, int> shapes[] = {
+      {10, 5, 0.1, 0, 20},   {10, 5, 0.1, 1e4, 30}, {3, 2, 1, 5, 12},      {8, 0.2, 0.1, -50, 25},
+      {1, 1, 1e-3, 1e5, 40}, {5, 4, 3, 0, 8},       {20, 0.5, 0.5, 7, 16}, {2, 1.9, 0.01, -3, 10}};
   std::printf("# cloud <n>, then n lines of x y z, then\n");
   std::printf("# plane <nx ny nz> <px py pz> <quality> and line <dx dy dz> <px py pz> <quality>\n");
-  for (const Shape& s : shapes) {
+  for (const auto& [sx, sy, sz, offset, count] : shapes) {
     // A random rotation: orthonormalised random columns.
     K::Vector_3 a(gauss(rng), gauss(rng), gauss(rng)), b(gauss(rng), gauss(rng), gauss(rng));
     a = a / std::sqrt(a.squared_length());
     b = b - (b * a) * a;
     b = b / std::sqrt(b.squared_length());
     const K::Vector_3 c = CGAL::cross_product(a, b);
-    const K::Vector_3 shift(s.offset, -0.5 * s.offset, 0.25 * s.offset);
+    const K::Vector_3 shift(offset, -0.5 * offset, 0.25 * offset);
     std::vector<K::Point_3> points;
-    for (int i = 0; i < s.n; ++i) {
-      const K::Vector_3 v = s.sx * gauss(rng) * a + s.sy * gauss(rng) * b + s.sz * gauss(rng) * c + shift;
+    for (int i = 0; i < count; ++i) {
+      const K::Vector_3 v = sx * gauss(rng) * a + sy * gauss(rng) * b + sz * gauss(rng) * c + shift;
       points.push_back(K::Point_3(v.x(), v.y(), v.z()));
     }
-    std::printf("cloud %d\n", s.n);
+    std::printf("cloud %d\n", count);
     for (const K::Point_3& p : points) std::printf("%.17g %.17g %.17g\n", p.x(), p.y(), p.z());
     K::Plane_3 plane;
     K::Line_3 line;

@@ -1,10 +1,9 @@
 #!/usr/bin/python3
-"""Writes shape_fits.txt: noisy arcs, caps, mantles and ellipses with the shapes fitted to them
-by independent code: the direct ellipse fit with numpy, the algebraic circle fits as the generalised eigenproblem
-M A = eta N A on the raw (uncentred) moments, Kasa by linear least squares, and the geometric
-fits by scipy.optimize.least_squares (trust-region reflective, stopped on the gradient). Run by hand when the
-cases change (CI reads the committed table and does not need scipy):
-    /usr/bin/python3 scipy_shape_fits.py > shape_fits.txt
+"""Writes shape_fits.txt: noisy arcs, caps, mantles and ellipses with the shapes fitted to them by independent code:
+the direct ellipse fit with numpy, the algebraic circle fits as the generalised eigenproblem M A = eta N A on the raw
+(uncentred) moments, Kasa by linear least squares, and the geometric fits by scipy.optimize.least_squares
+(trust-region reflective, stopped on the gradient). Run by hand when the cases change (CI reads the committed table
+and does not need scipy): /usr/bin/python3 scipy_shape_fits.py > shape_fits.txt
 """
 import os
 import sys
@@ -51,36 +50,23 @@ def algebraic(points, method):
             "hyper": [[8 * mz, 4 * mx, 4 * my, 2], [4 * mx, 1, 0, 0], [4 * my, 0, 1, 0], [2, 0, 0, 0]],
         }[method]
         values, vectors = scipy.linalg.eig(m, np.array(n, dtype=float))
-        best = None
-        for k, value in enumerate(values):
-            if np.isfinite(value) and abs(value.imag) < 1e-12 and value.real >= 0:
-                if best is None or value.real < values[best].real:
-                    best = k
-        a, b, c, d = vectors[:, best].real
+        # The smallest real non-negative eigenvalue (the first of equal ones).
+        usable = [k for k, v in enumerate(values) if np.isfinite(v) and abs(v.imag) < 1e-12 and v.real >= 0]
+        a, b, c, d = vectors[:, min(usable, key=lambda k: values[k].real)].real
     cx, cy = -b / (2 * a), -c / (2 * a)
     return cx, cy, np.sqrt(b * b + c * c - 4 * a * d) / (2 * abs(a))
 
 
 def geometric_ball(points, seed):
     # The analytic Jacobian: finite differences leave a gradient of 1e-9.
-    def residual(p):
-        return np.linalg.norm(points - p[:-1], axis=1) - p[-1]
-
     def jacobian(p):
         d = np.linalg.norm(points - p[:-1], axis=1)
         return np.column_stack([-(points - p[:-1]) / d[:, None], -np.ones(len(points))])
 
-    return solve(residual, seed, jacobian)
-
-
-def plane_basis(points):
-    mean = points.mean(axis=0)
-    _, _, vt = np.linalg.svd(points - mean)
-    return mean, vt[0], vt[1], vt[2]
+    return solve(lambda p: np.linalg.norm(points - p[:-1], axis=1) - p[-1], seed, jacobian)
 
 
 def record(kind, points):
-    """The header line of a record and its points."""
     print("%s %d" % (kind, len(points)))
     print("\n".join(fmt(p) for p in points))
 
@@ -94,7 +80,8 @@ def circle2_case(points):
 
 def circle3_case(points):
     record("circle3", points)
-    mean, u, v, n = plane_basis(points)
+    mean = points.mean(axis=0)
+    _, _, (u, v, n) = np.linalg.svd(points - mean)
     flat = np.column_stack([(points - mean) @ u, (points - mean) @ v])
     cx, cy, r = geometric_ball(flat, np.array(algebraic(flat, "taubin")))
     print("geometric", fmt(list(mean + cx * u + cy * v) + list(n) + [r]))
@@ -102,8 +89,7 @@ def circle3_case(points):
 
 def sphere_case(points):
     record("sphere", points)
-    design = np.column_stack([points, np.ones(len(points))])
-    b = np.linalg.lstsq(design, -(points * points).sum(axis=1), rcond=None)[0]
+    b = np.linalg.lstsq(np.column_stack([points, np.ones(len(points))]), -(points * points).sum(axis=1), rcond=None)[0]
     center = -b[:3] / 2
     kasa = list(center) + [np.sqrt(center @ center - b[3])]
     print("kasa", fmt(kasa))
@@ -124,9 +110,8 @@ def cylinder_case(points, seed_axis):
         q = points - c
         return np.linalg.norm(q - np.outer(q @ d, d), axis=1) - r
 
-    t0 = np.arccos(seed_axis[2])
-    f0 = np.arctan2(seed_axis[1], seed_axis[0])
-    c, d, r = unpack(solve(residual, [0.0, 0.0, t0, f0, 1.0], "3-point"))
+    seed = [0.0, 0.0, np.arccos(seed_axis[2]), np.arctan2(seed_axis[1], seed_axis[0]), 1.0]
+    c, d, r = unpack(solve(residual, seed, "3-point"))
     foot = c + d * ((mean - c) @ d)
     print("geometric", fmt(list(foot) + list(d) + [r]))
 
