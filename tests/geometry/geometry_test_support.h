@@ -13,6 +13,7 @@ namespace geomtest {
 
 constexpr double kMarker = -1.0000000331813535e+32;  // -1.0e32f widened
 using Scalars = ::testing::Types<double, float>;
+using Ints = std::vector<int>;
 
 template <class T>
 constexpr bool kIsFloat = sizeof(T) == sizeof(float);
@@ -67,3 +68,9 @@ struct Lcg {
 };
 
 }  // namespace geomtest
+
+// A typed test suite run once per twin.
+#define GEOM_TWIN_SUITE(Name)             \
+  template <class T>                      \
+  class Name : public ::testing::Test {}; \
+  TYPED_TEST_SUITE(Name, ::geomtest::Scalars)

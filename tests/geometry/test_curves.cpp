@@ -10,9 +10,7 @@ namespace {
 
 using namespace geomtest;
 
-template <class T>
-class CurveTwins : public ::testing::Test {};
-TYPED_TEST_SUITE(CurveTwins, Scalars);
+GEOM_TWIN_SUITE(CurveTwins);
 
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 const XY kLine = {{0, 0}, {1, 10}, {2, 20}};
@@ -125,6 +123,7 @@ const XY kRamp = {{0, 0}, {1, 10}, {2, 20}, {3, 30}}, kEdge = {{0, 0}, {1, 2}}, 
 const XY kBumps = {{0, 1}, {1, 3}, {2, 2}, {3, 4}}, kSix = {{0, 1}, {1, 5}, {2, 2}, {3, 4}, {4, 3}, {5, 6}};
 const XY kWave = {{0, 0.5}, {1, 3},   {2, 1},   {3, -1}, {4, -3}, {5, -0.5},
                   {6, 2.5}, {7, 2.5}, {8, 1.2}, {9, -2}, {10, -1}};
+const XY kCloud = {{2, 2}, {1, 0}, {0, 0}, {1, 1}, {2, 0}, {0, 2}, {2, 0}, {kNaN, 5}, {1, 2}};
 const CurveRow kCurveRows[] = {
     {kCrossings, {{0, 0}, {1, 2}, {2, 0}, {3, 2}}, 1, 0, 0, {{0.5, 1}, {1.5, 1}, {2.5, 1}}},
     {kCrossings, {{0, 0}, {1, 1}, {2, 0}}, 1, 0, 0, {{1, 1}, {1, 1}}},
@@ -188,13 +187,7 @@ const CurveRow kCurveRows[] = {
     {kSinusoid, {}, 1, 0, 0, {}, {}},
     {kSinusoid, {{0, kNaN}, {1, kNaN}}, 1, 0, 0, {}, {}},
     {kSinusoid, {{0, kNaN}, {1, 3}, {2, -3}, {3, kNaN}, {4, 3}}, 1, 0, 0, {{1, 3}}, {1}},
-    {kHull,
-     {{2, 2}, {1, 0}, {0, 0}, {1, 1}, {2, 0}, {0, 2}, {2, 0}, {kNaN, 5}, {1, 2}},
-     0,
-     0,
-     0,
-     {{0, 0}, {2, 0}, {2, 2}, {0, 2}},
-     {2, 4, 0, 5}},
+    {kHull, kCloud, 0, 0, 0, {{0, 0}, {2, 0}, {2, 2}, {0, 2}}, {2, 4, 0, 5}},
     {kHull, {{2, 2}, {0, 0}, {1, 1}, {3, 3}}, 0, 0, 0, {{0, 0}, {3, 3}}, {1, 3}},
     {kHull, {{4, 5}, {4, 5}}, 0, 0, 0, {{4, 5}}, {0}},
     {kHull, {}, 0, 0, 0, {}, {}},

@@ -10,9 +10,7 @@ namespace {
 
 using namespace geomtest;
 
-template <class T>
-class MatrixTwins : public ::testing::Test {};
-TYPED_TEST_SUITE(MatrixTwins, Scalars);
+GEOM_TWIN_SUITE(MatrixTwins);
 
 static_assert(std::has_virtual_destructor<ZmMatrix3d>::value && std::has_virtual_destructor<ZmMatrix4f>::value, "");
 static_assert(sizeof(ZmMatrix3d) == sizeof(void*) + 9 * sizeof(double), "");
@@ -122,8 +120,7 @@ TYPED_TEST(MatrixTwins, EqualityIsExactOrWithinAnInclusiveTolerance) {
   ZmMatrix3T<T> b = a;
   b[2][1] += T(0.5);
   EXPECT_TRUE(a != b);
-  EXPECT_EQ((std::vector<int>{a.Equals(b, T(0.5)), a.Equals(b, T(-0.5)), a.Equals(b, T(0.25))}),
-            (std::vector<int>{1, 1, 0}));
+  EXPECT_EQ((Ints{a.Equals(b, T(0.5)), a.Equals(b, T(-0.5)), a.Equals(b, T(0.25))}), (Ints{1, 1, 0}));
   b[0][0] = std::numeric_limits<T>::quiet_NaN();
   EXPECT_EQ(a.Equals(b, T(1e30)), 0);
 }
@@ -146,9 +143,9 @@ TYPED_TEST(MatrixTwins, AffineTransformsCarryTheTranslationInColumnThree) {
   edited.SetTranslation(ZmVector3T<T>(-1, -2, -3));
   edited.Set3x3Matrix(quarter);
   edited[3][0] = 2;
-  EXPECT_EQ((std::vector<int>{m.IsAffine(), ZmMatrix4T<T>::ZEROAFFINE.IsAffine(), ZmMatrix4T<T>::ZERO.IsAffine(),
-                              edited.IsAffine()}),
-            (std::vector<int>{1, 1, 0, 0}));
+  EXPECT_EQ(
+      (Ints{m.IsAffine(), ZmMatrix4T<T>::ZEROAFFINE.IsAffine(), ZmMatrix4T<T>::ZERO.IsAffine(), edited.IsAffine()}),
+      (Ints{1, 1, 0, 0}));
   EXPECT_TRUE(edited.GetTranslation() == ZmVector3T<T>(-1, -2, -3) && edited * P(2, 0, 5) == P(-1, 0, 2));
 }
 

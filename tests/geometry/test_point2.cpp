@@ -9,11 +9,7 @@ namespace {
 
 using namespace geomtest;
 
-template <class T>
-class Point2Twins : public ::testing::Test {};
-TYPED_TEST_SUITE(Point2Twins, Scalars);
-
-using Ints = std::vector<int>;
+GEOM_TWIN_SUITE(Point2Twins);
 
 static_assert(sizeof(ZmPoint2d) == 2 * sizeof(double) && sizeof(ZmVector2f) == 2 * sizeof(float), "");
 static_assert(std::is_standard_layout<ZmPoint2d>::value && std::is_standard_layout<ZmVector2f>::value, "");

@@ -8,9 +8,7 @@ namespace {
 
 using namespace geomtest;
 
-template <class T>
-class Point3Twins : public ::testing::Test {};
-TYPED_TEST_SUITE(Point3Twins, Scalars);
+GEOM_TWIN_SUITE(Point3Twins);
 
 static_assert(sizeof(ZmPoint3d) == 3 * sizeof(double) && sizeof(ZmPoint3f) == 3 * sizeof(float) &&
                   sizeof(ZmVector3d) == 3 * sizeof(double) && std::is_trivially_copyable<ZmPoint3d>::value &&
@@ -45,8 +43,8 @@ TEST(Point3, ConversionsAndOperators) {
   EXPECT_EQ(12.0 / a, ZmPoint3d(12, 6, 4));
   // Ordering compares the distances from the origin: |(3, 4, 0)| = |(0, 0, 5)| < |(0, 0, 6)|.
   const ZmPoint3d p(3, 4, 0), q(0, 0, 5), r(0, 0, 6);
-  EXPECT_EQ((std::vector<int>{(p < q), (p > q), (p <= q), (p >= q), (p == q), (p != q), (p < r), (r > p)}),
-            (std::vector<int>{0, 0, 1, 1, 0, 1, 1, 1}));
+  EXPECT_EQ((Ints{(p < q), (p > q), (p <= q), (p >= q), (p == q), (p != q), (p < r), (r > p)}),
+            (Ints{0, 0, 1, 1, 0, 1, 1, 1}));
   EXPECT_EQ(ZmPoint3d(1, 2.5, -3).GetString(L"%.2f", L";"), WbString(L"1.00;2.50;-3.00"));
 }
 
@@ -79,15 +77,14 @@ TYPED_TEST(Point3Twins, CylindricalAndSphericalCoordinates) {
 // 1.0e-5 as a double exceeds the float 1.0e-5 (9.999999747378752e-06): distinct, strictly.
 TEST(Point3, PredicatesOnBoundaries) {
   const ZmPoint3d origin, p(1, 2, 3);
-  EXPECT_EQ(
-      (std::vector<int>{origin.IsDistinctFrom(ZmPoint3d(1.0e-5, 0, 0)), origin.IsDistinctFrom(ZmPoint3d(0.99e-5, 0, 0)),
-                        origin.IsDistinctFrom(ZmPoint3d(9.999999747378752e-06, 0, 0)),
-                        ZmPoint3f().IsDistinctFrom(ZmPoint3f(1.0e-5f, 0, 0))}),
-      (std::vector<int>{1, 0, 0, 0}));
+  EXPECT_EQ((Ints{origin.IsDistinctFrom(ZmPoint3d(1.0e-5, 0, 0)), origin.IsDistinctFrom(ZmPoint3d(0.99e-5, 0, 0)),
+                  origin.IsDistinctFrom(ZmPoint3d(9.999999747378752e-06, 0, 0)),
+                  ZmPoint3f().IsDistinctFrom(ZmPoint3f(1.0e-5f, 0, 0))}),
+            (Ints{1, 0, 0, 0}));
   // Closed intervals; NaN is inside nothing.
-  EXPECT_EQ((std::vector<int>{p.IsInside(1, 2, 2, 3, 3, 4), p.IsInside(1.0000001, 2, 0, 3, 0, 4),
-                              p.IsInside(0, 2, 0, 3, 0, 2.9999), ZmPoint3d(NAN, 0, 0).IsInside(-1, 1, -1, 1, -1, 1)}),
-            (std::vector<int>{1, 0, 0, 0}));
+  EXPECT_EQ((Ints{p.IsInside(1, 2, 2, 3, 3, 4), p.IsInside(1.0000001, 2, 0, 3, 0, 4), p.IsInside(0, 2, 0, 3, 0, 2.9999),
+                  ZmPoint3d(NAN, 0, 0).IsInside(-1, 1, -1, 1, -1, 1)}),
+            (Ints{1, 0, 0, 0}));
   EXPECT_EQ(ZmPoint3d::ComparePoints(ZmPoint3d(1, 2, 3), ZmPoint3d(1, 2, 4)), -1);
   EXPECT_EQ(ZmPoint3d::ComparePoints(ZmPoint3d(1, 3, 0), ZmPoint3d(1, 2, 4)), 1);
   EXPECT_EQ(ZmPoint3d::ComparePoints(ZmPoint3d(1, 2, 3), ZmPoint3d(1, 2, 3)), 0);

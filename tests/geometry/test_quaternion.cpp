@@ -13,9 +13,7 @@ namespace {
 
 using namespace geomtest;
 
-template <class T>
-class QuaternionTwins : public ::testing::Test {};
-TYPED_TEST_SUITE(QuaternionTwins, Scalars);
+GEOM_TWIN_SUITE(QuaternionTwins);
 
 template <class T>
 using Radian = ZmAngleT<T, zm::AngleUnit::Radian>;
@@ -124,11 +122,10 @@ TYPED_TEST(QuaternionTwins, EqualsInverseNormaliseAndSlerp) {
   Q a, b;
   a.FromAngleAxis(Radian<T>(T(0.7)), ZmVector3T<T>(1, 1, 0));
   b.FromAngleAxis(Radian<T>(T(0.71)), ZmVector3T<T>(1, 1, 0));
-  EXPECT_EQ((std::vector<int>{a.Equals(b, Radian<T>(T(0.0101))), a.Equals(b, Radian<T>(T(-0.0101))),
-                              a.Equals(b, Radian<T>(T(0.0099))), a.Equals(-a, Radian<T>(T(0))),
-                              a.Equals(a * T(4), Radian<T>(tol)), a == -a, Q::ZERO.Equals(a, Radian<T>(T(10))),
-                              Q::ZERO.Equals(Q::ZERO, Radian<T>(T(0)))}),
-            (std::vector<int>{1, 1, 0, 1, 1, 0, 0, 1}));
+  EXPECT_EQ((Ints{a.Equals(b, Radian<T>(T(0.0101))), a.Equals(b, Radian<T>(T(-0.0101))),
+                  a.Equals(b, Radian<T>(T(0.0099))), a.Equals(-a, Radian<T>(T(0))), a.Equals(a * T(4), Radian<T>(tol)),
+                  a == -a, Q::ZERO.Equals(a, Radian<T>(T(10))), Q::ZERO.Equals(Q::ZERO, Radian<T>(T(0)))}),
+            (Ints{1, 1, 0, 1, 1, 0, 0, 1}));
 
   EXPECT_TRUE(Q() == Q::IDENTITY && Q::IDENTITY == Q(1, 0, 0, 0) && Q::ZERO == Q(0, 0, 0, 0));
   EXPECT_TRUE(ZmQuaternionf(ZmQuaterniond(0.1, 0.2, 0.3, 0.4)) == ZmQuaternionf(0.1f, 0.2f, 0.3f, 0.4f));

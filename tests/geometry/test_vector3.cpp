@@ -8,11 +8,7 @@ namespace {
 
 using namespace geomtest;
 
-template <class T>
-class Vector3Twins : public ::testing::Test {};
-TYPED_TEST_SUITE(Vector3Twins, Scalars);
-
-using Ints = std::vector<int>;
+GEOM_TWIN_SUITE(Vector3Twins);
 
 TEST(Vector3, UnitizeSetLengthAndTheNullTest) {
   // Double divides by the length, float multiplies by its reciprocal: 5 / sqrt(27) in double;
