@@ -14,6 +14,10 @@ namespace geomtest {
 constexpr double kMarker = -1.0000000331813535e+32;  // -1.0e32f widened
 using Scalars = ::testing::Types<double, float>;
 using Ints = std::vector<int>;
+// Short names for the double twin where a test is not typed.
+using P2 = ZmPoint2d;
+using P3 = ZmPoint3d;
+using V3 = ZmVector3d;
 
 template <class T>
 constexpr bool kIsFloat = sizeof(T) == sizeof(float);

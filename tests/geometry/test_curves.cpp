@@ -258,8 +258,8 @@ TEST(Curves, SampleXBoundsItsOutput) {
               {{{1e20, 0}, {1e20 + 1e6, 1}}, 65536.0, 16},
               {{{0, 0}, {INFINITY, 1}}, 1.0, 0}};
   for (const auto& r : rows) {
-    WbArrayTempl<ZmPoint2d> out{ZmPoint2d(7, 7)};
-    EXPECT_EQ(ZmPoint2d::SampleX(Curve<double>(r.curve).GetData(), r.curve.size(), r.step, out), r.count) << r.step;
+    WbArrayTempl<P2> out{P2(7, 7)};
+    EXPECT_EQ(P2::SampleX(Curve<double>(r.curve).GetData(), r.curve.size(), r.step, out), r.count) << r.step;
     EXPECT_EQ(out.GetSize(), r.count);
   }
 }
@@ -268,10 +268,10 @@ TEST(Curves, SampleXBoundsItsOutput) {
 // 0.7999999999999999 as the 9th double sample (8*0.1 is 0.8), and 11 samples up to 1; in float
 // the 11th sum is 1.0000001 > 1, so only 10 samples (10*0.1f would be exactly 1).
 TEST(Curves, SampleXCountsAndPlacesByTheAccumulatedStep) {
-  const ZmPoint2d d[2] = {ZmPoint2d(0, 0), ZmPoint2d(1, 1)};
-  WbArrayTempl<ZmPoint2d> out;
-  ASSERT_EQ(ZmPoint2d::SampleX(d, 2, 0.1, out), 11u);
-  EXPECT_EQ(out[8], ZmPoint2d(0.7999999999999999, 0.7999999999999999));
+  const P2 d[2] = {P2(0, 0), P2(1, 1)};
+  WbArrayTempl<P2> out;
+  ASSERT_EQ(P2::SampleX(d, 2, 0.1, out), 11u);
+  EXPECT_EQ(out[8], P2(0.7999999999999999, 0.7999999999999999));
   EXPECT_EQ(out[10].x, 0.9999999999999999);
   const ZmPoint2f f[2] = {ZmPoint2f(0, 0), ZmPoint2f(1, 1)};
   WbArrayTempl<ZmPoint2f> outf;
@@ -332,17 +332,17 @@ TYPED_TEST(CurveTwins, SampleXMatchesTheRestartingSearchOnEveryKindOfCurve) {
 TEST(Curves, ConvexShapeEnclosesRandomClouds) {
   Lcg random{777};
   for (int trial = 0; trial < 20; ++trial) {
-    WbArrayTempl<ZmPoint2d> cloud, hull;
+    WbArrayTempl<P2> cloud, hull;
     for (int i = 0; i < 20 + trial * 15; ++i)
-      cloud.Add(ZmPoint2d(std::floor(random.Next() * 20), std::floor(random.Next() * 20)));
+      cloud.Add(P2(std::floor(random.Next() * 20), std::floor(random.Next() * 20)));
     WbArrayTempl<int> indices;
-    const std::uint64_t m = ZmPoint2d::EvaluateConvexShape(cloud, hull, &indices);
+    const std::uint64_t m = P2::EvaluateConvexShape(cloud, hull, &indices);
     ASSERT_GE(m, 3u);
     for (std::uint64_t k = 0; k < m; ++k) {
-      const ZmPoint2d &a = hull[k], &b = hull[(k + 1) % m], &next = hull[(k + 2) % m];
+      const P2 &a = hull[k], &b = hull[(k + 1) % m], &next = hull[(k + 2) % m];
       EXPECT_EQ(cloud[std::uint64_t(indices[k])], a);
       EXPECT_GT(ZmVector2d(b - a).cross(ZmVector2d(next - b)), 0.0);
-      for (const ZmPoint2d& p : cloud) EXPECT_GE(ZmVector2d(b - a).cross(ZmVector2d(p - a)), 0.0);
+      for (const P2& p : cloud) EXPECT_GE(ZmVector2d(b - a).cross(ZmVector2d(p - a)), 0.0);
     }
   }
 }
