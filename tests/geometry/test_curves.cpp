@@ -33,47 +33,38 @@ const Twin kAt048(0.8066666666666666, 0.8066667318344116f);
 struct InterpolationRow {
   const XY* curve;
   std::uint64_t n;
-  bool onY;
   double at;
   int start;
   Twin expected;
   int index;
 };
-const InterpolationRow kInterpolations[] = {{&kLine, 3, false, 1, 0, 10, 0},
-                                            {&kLine, 3, false, 1.5, 0, 15, 1},
-                                            {&kLine, 3, false, 0, 0, 0, 0},
-                                            {&kLine, 3, false, 1, 1, 10, 1},
-                                            {&kLine, 3, false, 2, 0, 20, 1},
-                                            {&kLine, 3, false, 3, 0, kMarker, -1},
-                                            {&kLine, 3, false, 0.5, 1, kMarker, -1},
-                                            {&kLine, 3, false, 5, 2, kMarker, -1},
-                                            {&kLine, 3, false, 1, 3, kMarker, 99},
-                                            {&kLine, 3, false, 1, -1, kMarker, 99},
-                                            {&kLine, 0, false, 1, 0, kMarker, 99},
-                                            {nullptr, 0, false, 1, 0, kMarker, 99},
-                                            {&kLine, 3, false, kNaN, 0, kMarker, -1},
-                                            {&kHoled, 3, false, 1, 0, kMarker, -1},
-                                            {&kHoled, 3, false, 2, 0, 2, 1},
-                                            {&kBack, 3, false, 1, 0, 1, 0},
-                                            {&kBack, 3, false, 1, 1, 3, 1},
-                                            {&kBack, 3, true, 3, 0, 1, 1},
-                                            {&kBack, 3, true, 2, 0, 2, 0},
-                                            {&kBack, 3, true, 5, 0, kMarker, -1},
-                                            {&kOrderX, 2, false, 0.48, 0, kAt048, 0},
-                                            {&kOrderY, 2, true, 0.48, 0, kAt048, 0}};
+const std::vector<InterpolationRow> kOnX = {
+    {&kLine, 3, 1, 0, 10, 0},          {&kLine, 3, 1.5, 0, 15, 1},      {&kLine, 3, 0, 0, 0, 0},
+    {&kLine, 3, 1, 1, 10, 1},          {&kLine, 3, 2, 0, 20, 1},        {&kLine, 3, 3, 0, kMarker, -1},
+    {&kLine, 3, 0.5, 1, kMarker, -1},  {&kLine, 3, 5, 2, kMarker, -1},  {&kLine, 3, 1, 3, kMarker, 99},
+    {&kLine, 3, 1, -1, kMarker, 99},   {&kLine, 0, 1, 0, kMarker, 99},  {nullptr, 0, 1, 0, kMarker, 99},
+    {&kLine, 3, kNaN, 0, kMarker, -1}, {&kHoled, 3, 1, 0, kMarker, -1}, {&kHoled, 3, 2, 0, 2, 1},
+    {&kBack, 3, 1, 0, 1, 0},           {&kBack, 3, 1, 1, 3, 1},         {&kOrderX, 2, 0.48, 0, kAt048, 0},
+};
+const std::vector<InterpolationRow> kOnY = {{&kBack, 3, 3, 0, 1, 1},
+                                            {&kBack, 3, 2, 0, 2, 0},
+                                            {&kBack, 3, 5, 0, kMarker, -1},
+                                            {&kOrderY, 2, 0.48, 0, kAt048, 0}};
 
 TYPED_TEST(CurveTwins, InterpolationTable) {
   using P = ZmPoint2T<TypeParam>;
-  int row = 0;
-  for (const InterpolationRow& r : kInterpolations) {
-    const auto c = r.curve ? Curve<TypeParam>(*r.curve) : WbArrayTempl<P>();
-    const P* data = r.curve ? c.GetData() : nullptr;
-    int index = 99;
-    const TypeParam at = TypeParam(r.at);
-    const TypeParam y =
-        r.onY ? P::InterpolateOnY(data, r.n, at, index, r.start) : P::InterpolateOnX(data, r.n, at, index, r.start);
-    EXPECT_EQ(y, r.expected.Get<TypeParam>()) << "row " << row;
-    EXPECT_EQ(index, r.index) << "row " << row++;
+  for (const bool onY : {false, true}) {
+    int row = 0;
+    for (const InterpolationRow& r : onY ? kOnY : kOnX) {
+      const auto c = r.curve ? Curve<TypeParam>(*r.curve) : WbArrayTempl<P>();
+      const P* data = r.curve ? c.GetData() : nullptr;
+      int index = 99;
+      const TypeParam at = TypeParam(r.at);
+      const TypeParam y =
+          onY ? P::InterpolateOnY(data, r.n, at, index, r.start) : P::InterpolateOnX(data, r.n, at, index, r.start);
+      EXPECT_EQ(y, r.expected.Get<TypeParam>()) << onY << " row " << row;
+      EXPECT_EQ(index, r.index) << onY << " row " << row++;
+    }
   }
 }
 
