@@ -68,37 +68,34 @@ TYPED_TEST(CurveTwins, InterpolationTable) {
   }
 }
 
-// The statics that turn a curve into a curve (or a point set into its hull), one row each:
-// the input, the operation's arguments a, b, c, the points it gives and, for the sinusoid
-// envelope and the hull, their indices. Every row but the sinusoid's also runs in place.
-//
-// InterpolateOnYn (a level; the crossings as points (x, level)): a crossing on a point is found
-// as the end of one segment and again as the next start; on a level run every point is an exact
-// hit on its own start and is reported once.
-// SampleX (a step, b startX): from max(startX, x0); a NaN startX counts as not given. One point
+// The statics that turn a curve into a curve (or a point set into its hull), one row each: the
+// input, the arguments a, b, c, the points given and, for the sinusoid envelope and the hull,
+// their indices. Every row but the sinusoid's also runs in place.
+// InterpolateOnYn (a level; crossings as points (x, level)): a crossing on a point ends one
+// segment and starts the next; on a level run each point is an exact hit, reported once.
+// SampleX (a step, b startX): from max(startX, x0); a NaN startX counts as not given; one point
 // is its own sample; on a decreasing run x0 is the largest abscissa. Out, back and out again (by
-// hand): 2 is an exact hit on point 1; 2.5 is beyond the first segment, not on the way back
-// (2 -> 1), but on (1 -> 3): 3 + (2.5 - 1)/(3 - 1)*(5 - 3) = 4.5; 3.5 is beyond every point.
-// ExtrapolateOnX (a x, b floor, c linear): linear on (0, 0), (1, 2) gives before 0 - 2/1*(0 -
-// (-1)) = -2 (raised to a floor of -1.5) and after 2 + 2/1*(3 - 1) = 6 (above a floor of 5); the
-// floor counts only in the linear case; linear needs two points and a non-vertical end segment.
+// hand): 2 hits point 1; 2.5 is beyond the first segment, not on the way back (2 -> 1), but on
+// (1 -> 3): 3 + (2.5 - 1)/(3 - 1)*(5 - 3) = 4.5; 3.5 is beyond every point.
+// ExtrapolateOnX (a x, b floor, c linear): linear on (0, 0), (1, 2) gives before 0 - 2*(0 + 1)
+// = -2 (raised to a floor of -1.5), after 2 + 2*(3 - 1) = 6 (above a floor of 5); the floor
+// counts only when linear; linear needs two points and a non-vertical end segment.
 // ExtractXRange (a xmin, b xmax, c tol): points within |tol| outside the bounds are kept as they
-// are, and a kept point within tol of a bound stands for it. Out and back, each pass keeps its
-// own bound points: segment (4, 4) -> (0, 8) at 3 gives 4 + (3 - 4)/(0 - 4)*4 = 5, at 1 gives
-// 4 + 0.75*4 = 7. A NaN point is dropped and makes no bound point.
+// are; a kept point within tol of a bound stands for it. Out and back, each pass keeps its own
+// bound points: (4, 4) -> (0, 8) at 3 gives 4 + (3 - 4)/(0 - 4)*4 = 5, at 1 gives 7. A NaN point
+// is dropped and makes no bound point.
 // EvaluateEnvelop (a upper, b width): without width a falling first point is an upper extreme
 // (reached from below), a rising one a lower; the last point is never a lower extreme; a plateau
 // is not a fall. Width 2 (spans of 1) over y = 1, 5, 2, 4, 3, 6 at x = 0..5, by hand: upper:
 // candidate 0 -> 1 (higher); x3 - x1 = 2 > 1 keeps (1, 5); x5 - x3 = 2 keeps (3, 4); the last
-// candidate (5, 6) closes. Lower: x2 - x0 = 2 keeps (0, 1); x4 - x2 = 2 keeps (2, 2); the last
-// candidate is (4, 3). Ties do not replace the candidate; a span never closes on equality.
-// EvaluateSinusoidEnvelop (a upper) on y = 0.5, 3, 1, -1, -3, -0.5, 2.5, 2.5, 1.2, -2, -1 at
-// x = 0..10: min -3, max 3, mid 0, half amplitude 1.5 either way. The crossings of 0 close
-// segments 2 (1 -> -1), 5 (-0.5 -> 2.5) and 8 (1.2 -> -2). Pieces 0..2, 3..5, 6..8:
-//   upper: 3 at 1 (kept), -0.5 at 5 (no), 2.5 at 6 (kept: earliest of the tie 6, 7)
-//   lower: 0.5 at 0 (no), -3 at 4 (kept), 1.2 at 8 (no)
-// The trough -2 at 9 lies after the last crossing. No peak on a constant curve (amplitude 0), a
-// monotone, an empty or an all-NaN one; NaN values take no part in the extremes or the pieces.
+// candidate (5, 6) closes. Lower: (0, 1), (2, 2) by the same spans, then the last candidate
+// (4, 3). Ties do not replace the candidate; a span never closes on equality.
+// EvaluateSinusoidEnvelop (a upper) on kWave: min -3, max 3, mid 0, half amplitude 1.5. The
+// crossings of 0 close segments 2 (1 -> -1), 5 (-0.5 -> 2.5) and 8 (1.2 -> -2); pieces 0..2,
+// 3..5, 6..8 give upper 3 at 1 (kept), -0.5 at 5 (no), 2.5 at 6 (kept: earliest of the tie 6, 7);
+// lower 0.5 at 0 (no), -3 at 4 (kept), 1.2 at 8 (no). The trough -2 at 9 is after the last
+// crossing. No peak on a constant (amplitude 0), monotone, empty or all-NaN curve; NaN values
+// take no part in the extremes or the pieces.
 // EvaluateConvexShape: a square with a point on an edge, one inside, a duplicate corner (the
 // first is named) and a NaN point; collinear points give their two ends, equal points one.
 enum Op { kCrossings, kSample, kExtrapolate, kRange, kEnvelope, kSinusoid, kHull };

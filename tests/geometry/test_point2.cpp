@@ -11,11 +11,12 @@ using namespace geomtest;
 
 GEOM_TWIN_SUITE(Point2Twins);
 
-static_assert(sizeof(P2) == 2 * sizeof(double) && sizeof(ZmVector2f) == 2 * sizeof(float), "");
-static_assert(std::is_standard_layout<P2>::value && std::is_standard_layout<ZmVector2f>::value, "");
-static_assert(!std::is_polymorphic<P2>::value && std::is_trivially_copyable<ZmPoint2f>::value, "");
-static_assert(std::is_base_of<WbCoord2Dd, P2>::value && std::is_base_of<WbCoord2Df, ZmVector2f>::value, "");
-static_assert(std::is_same<decltype(P2() - P2()), ZmVector2d>::value, "");
+static_assert(sizeof(P2) == 2 * sizeof(double) && sizeof(ZmVector2f) == 2 * sizeof(float) &&
+                  std::is_standard_layout<P2>::value && std::is_standard_layout<ZmVector2f>::value &&
+                  !std::is_polymorphic<P2>::value && std::is_trivially_copyable<ZmPoint2f>::value &&
+                  std::is_base_of<WbCoord2Dd, P2>::value && std::is_base_of<WbCoord2Df, ZmVector2f>::value &&
+                  std::is_same<decltype(P2() - P2()), ZmVector2d>::value,
+              "a 2D point or vector is exactly its two scalars on the base coordinate");
 
 // Quadrant by quadrant with the exact double factor 180/pi; atan(1/sqrt(3)) = 30 degrees gives
 // 120 in the second quadrant (atan(-x/y) + 90) and 330 in the fourth (atan(sqrt 3) + 270).
