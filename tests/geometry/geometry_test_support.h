@@ -62,15 +62,6 @@ std::vector<T> Values(const WbArrayTempl<T>& a) {
   return std::vector<T>(a.begin(), a.end());
 }
 
-// Deterministic pseudo-random numbers in [0, 1).
-struct Lcg {
-  std::uint64_t state;
-  double Next() {
-    state = state * 6364136223846793005ULL + 1442695040888963407ULL;
-    return double(state >> 11) * (1.0 / 9007199254740992.0);
-  }
-};
-
 }  // namespace geomtest
 
 // A typed test suite run once per twin.

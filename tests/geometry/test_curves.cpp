@@ -1,7 +1,6 @@
 // The curve statics of the 2D point: interpolation in both directions, crossings, resampling,
 // extrapolation, range extraction, envelopes, sinusoid peaks and the convex hull.
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 #include "geometry_test_support.h"
@@ -267,54 +266,6 @@ TEST(Curves, SampleXCountsAndPlacesByTheAccumulatedStep) {
   WbArrayTempl<ZmPoint2f> outf;
   ASSERT_EQ(ZmPoint2f::SampleX(f, 2, 0.1f, outf), 10u);
   EXPECT_EQ(outf[9].x, 0.9000000953674316f);
-}
-
-// The stated algorithm, searching from the first point for every sample.
-template <class T>
-WbArrayTempl<ZmPoint2T<T>> ReferenceSamples(const WbArrayTempl<ZmPoint2T<T>>& c, T step, T startX) {
-  WbArrayTempl<ZmPoint2T<T>> out;
-  if (c.GetSize() == 0 || !(step > 0)) return out;
-  T x = c[0].x;
-  if (startX != T(kMarker) && startX > x) x = startX;
-  for (int index = 0;; x = x + step) {
-    const T y = ZmPoint2T<T>::InterpolateOnX(c.GetData(), c.GetSize(), x, index, 0);
-    if (index < 0 || y == T(kMarker)) return out;
-    out.Add(ZmPoint2T<T>(x, y));
-  }
-}
-
-// Increasing, decreasing, wandering (back and forth, with repeated abscissas) and holed (NaN
-// abscissas) curves, several steps and starts: the one-pass sampler must match the stated
-// algorithm sample for sample, bit for bit.
-TYPED_TEST(CurveTwins, SampleXMatchesTheRestartingSearchOnEveryKindOfCurve) {
-  using T = TypeParam;
-  using P = ZmPoint2T<T>;
-  Lcg random{12345};
-  for (int kind = 0; kind < 4; ++kind) {
-    for (int trial = 0; trial < 25; ++trial) {
-      WbArrayTempl<P> c;
-      const int n = 1 + int(random.Next() * 300);
-      T x = T(random.Next() * 10 - 5);
-      for (int i = 0; i < n; ++i) {
-        c.Add(P(x, T(random.Next() * 100 - 50)));
-        const double r = random.Next();
-        if (kind == 0) x += T(r);
-        if (kind == 1) x -= T(r);
-        if (kind >= 2) x += T(r < 0.1 ? 0.0 : (r - 0.45) * 2);  // wandering, sometimes repeated
-        if (kind == 3 && r < 0.03) x = T(NAN);
-        if (kind == 3 && x != x && r > 0.5) x = T(random.Next() * 50);
-      }
-      const T step = T(0.01 + random.Next() * (trial % 3 == 0 ? 0.1 : 2.0));
-      const T startX = trial % 4 == 0 ? T(kMarker) : T(random.Next() * 20 - 5);
-      WbArrayTempl<P> fast;
-      const std::uint64_t count = P::SampleX(c.GetData(), c.GetSize(), step, fast, startX);
-      const auto reference = ReferenceSamples(c, step, startX);
-      ASSERT_EQ(count, reference.GetSize()) << "kind " << kind << " trial " << trial;
-      // NaN values compare unequal: compare the bits.
-      EXPECT_TRUE(count == 0 || std::memcmp(fast.GetData(), reference.GetData(), count * sizeof(P)) == 0)
-          << "kind " << kind << " trial " << trial;
-    }
-  }
 }
 
 }  // namespace
