@@ -13,6 +13,11 @@ namespace geomtest {
 
 constexpr double kMarker = -1.0000000331813535e+32;  // -1.0e32f widened
 using Scalars = ::testing::Types<double, float>;
+using Ints = std::vector<int>;
+// Short names for the double twin where a test is not typed.
+using P2 = ZmPoint2d;
+using P3 = ZmPoint3d;
+using V3 = ZmVector3d;
 
 template <class T>
 constexpr bool kIsFloat = sizeof(T) == sizeof(float);
@@ -57,13 +62,10 @@ std::vector<T> Values(const WbArrayTempl<T>& a) {
   return std::vector<T>(a.begin(), a.end());
 }
 
-// Deterministic pseudo-random numbers in [0, 1).
-struct Lcg {
-  std::uint64_t state;
-  double Next() {
-    state = state * 6364136223846793005ULL + 1442695040888963407ULL;
-    return double(state >> 11) * (1.0 / 9007199254740992.0);
-  }
-};
-
 }  // namespace geomtest
+
+// A typed test suite run once per twin.
+#define GEOM_TWIN_SUITE(Name)             \
+  template <class T>                      \
+  class Name : public ::testing::Test {}; \
+  TYPED_TEST_SUITE(Name, ::geomtest::Scalars)

@@ -8,9 +8,7 @@ namespace {
 
 using namespace geomtest;
 
-template <class T>
-class ExtentsTwins : public ::testing::Test {};
-TYPED_TEST_SUITE(ExtentsTwins, Scalars);
+GEOM_TWIN_SUITE(ExtentsTwins);
 
 TYPED_TEST(ExtentsTwins, GrowthIgnoresBadSamples) {
   using T = TypeParam;

@@ -10,13 +10,12 @@ namespace {
 
 using namespace geomtest;
 
-template <class T>
-class MatrixTwins : public ::testing::Test {};
-TYPED_TEST_SUITE(MatrixTwins, Scalars);
+GEOM_TWIN_SUITE(MatrixTwins);
 
 static_assert(std::has_virtual_destructor<ZmMatrix3d>::value && std::has_virtual_destructor<ZmMatrix4f>::value, "");
-static_assert(sizeof(ZmMatrix3d) == sizeof(void*) + 9 * sizeof(double), "");
-static_assert(sizeof(ZmMatrix4d) == sizeof(void*) + 16 * sizeof(double), "");
+static_assert(sizeof(ZmMatrix3d) == sizeof(void*) + 9 * sizeof(double) &&
+                  sizeof(ZmMatrix4d) == sizeof(void*) + 16 * sizeof(double),
+              "");
 
 // A non-symmetric matrix with determinant 4, so that its inverse (adjugate / 4) is exact in
 // both precisions; the adjugate was computed with numpy (round(inv(A) * 4)).
@@ -38,8 +37,7 @@ TEST(Matrix, ConstantsCoefficientsAndConversions) {
 
   const double rows[3][3] = {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
   ZmMatrix3d m(rows);
-  EXPECT_EQ(m[0][2], 3.0);  // row 0, column 2
-  EXPECT_TRUE(m == ZmMatrix3d(1, 2, 3, 4, 5, 6, 7, 8, 9));
+  EXPECT_TRUE(m[0][2] == 3.0 && m == ZmMatrix3d(1, 2, 3, 4, 5, 6, 7, 8, 9));  // row 0, column 2
   m[1][2] = -6;
   EXPECT_TRUE(m.GetRow(1) == ZmVector3d(4, 5, -6) && m.GetColumn(2) == ZmVector3d(3, -6, 9));
   m.SetColumn(0, ZmVector3d(-1, -2, -3));
@@ -70,8 +68,8 @@ TYPED_TEST(MatrixTwins, ProductsWithMatricesAndVectorsInBothOrders) {
   // With the other precision's matrix the result keeps the left operand's class.
   static_assert(std::is_same<decltype(ZmVector3f(1, 2, 3) * SampleA<double>()), ZmVector3f>::value, "");
   static_assert(std::is_same<decltype(ZmPoint3d(1, 2, 3) * SampleA<float>()), ZmPoint3d>::value, "");
-  EXPECT_TRUE(ZmVector3f(1, 2, 3) * SampleA<double>() == ZmVector3f(-6, 5, 6));
-  EXPECT_TRUE(ZmPoint3d(1, 2, 3) * SampleA<float>() == ZmPoint3d(-6, 5, 6));
+  EXPECT_TRUE(ZmVector3f(1, 2, 3) * SampleA<double>() == ZmVector3f(-6, 5, 6) &&
+              ZmPoint3d(1, 2, 3) * SampleA<float>() == ZmPoint3d(-6, 5, 6));
   EXPECT_TRUE(a * T(2) == a + a && T(2) * a - a == a && -a + a == ZmMatrix3T<T>::ZERO);
 }
 
@@ -79,8 +77,7 @@ TYPED_TEST(MatrixTwins, DeterminantAndInverse) {
   using T = TypeParam;
   const ZmMatrix3T<T> a = SampleA<T>();
   ZmMatrix3T<T> inv;
-  EXPECT_EQ(a.Determinant(), T(4));
-  EXPECT_EQ(a.Transpose().Determinant(), T(4));
+  EXPECT_TRUE(a.Determinant() == T(4) && a.Transpose().Determinant() == T(4));
   ASSERT_EQ(a.Inverse(inv), 1);
   // adjugate (numpy) [[-3, 1, 2], [2, -2, 0], [-4, 4, 4]] divided by 4
   EXPECT_TRUE(inv == ZmMatrix3T<T>(-0.75, 0.25, 0.5, 0.5, -0.5, 0, -1, 1, 1) && a.Inverse() == inv);
@@ -88,8 +85,7 @@ TYPED_TEST(MatrixTwins, DeterminantAndInverse) {
   // [[-4,-4,-4,-2],[16,16,24,-4],[4,8,12,-4],[-8,-4,-8,-2]] (numpy).
   const ZmMatrix4T<T> m(1, 2, -3, 1, -3, 1, -1, 3, 1, -2, 3, -3, -2, -2, 2, -2);
   ZmMatrix4T<T> minv;
-  EXPECT_EQ(m.Determinant(), T(-8));
-  EXPECT_EQ(m.Transpose().Determinant(), T(-8));
+  EXPECT_TRUE(m.Determinant() == T(-8) && m.Transpose().Determinant() == T(-8));
   ASSERT_EQ(m.Inverse(minv), 1);
   EXPECT_TRUE(minv == ZmMatrix4T<T>(-0.5, -0.5, -0.5, -0.25, 2, 2, 3, -0.5, 0.5, 1, 1.5, -0.5, -1, -0.5, -1, -0.25));
   EXPECT_TRUE(m.Transpose() == ZmMatrix4T<T>(1, -3, 1, -2, 2, 1, -2, -2, -3, -1, 3, 2, 1, 3, -3, -2));
@@ -99,9 +95,9 @@ TYPED_TEST(MatrixTwins, DeterminantAndInverse) {
   const ZmMatrix3T<T> marker(9, 9, 9, 9, 9, 9, 9, 9, 9);
   ZmMatrix3T<T> out = marker;
   const T nan = std::numeric_limits<T>::quiet_NaN();
-  EXPECT_EQ(ZmMatrix3T<T>(1, 2, 3, 4, 5, 6, 5, 7, 9).Inverse(out), 0);
-  EXPECT_EQ(ZmMatrix3T<T>::ZERO.Inverse(out), 0);
-  EXPECT_EQ(ZmMatrix3T<T>(nan, 0, 0, 0, 1, 0, 0, 0, 1).Inverse(out), 0);
+  EXPECT_EQ((Ints{ZmMatrix3T<T>(1, 2, 3, 4, 5, 6, 5, 7, 9).Inverse(out), ZmMatrix3T<T>::ZERO.Inverse(out),
+                  ZmMatrix3T<T>(nan, 0, 0, 0, 1, 0, 0, 0, 1).Inverse(out)}),
+            Ints(3, 0));
   EXPECT_TRUE(out == marker && ZmMatrix3T<T>(1, 2, 3, 4, 5, 6, 5, 7, 9).Inverse() == ZmMatrix3T<T>::ZERO);
   EXPECT_EQ(ZmMatrix4T<T>::ZEROAFFINE.Inverse().Determinant(), T(0));
   // The tolerance is relative to the rows' lengths: a small but well-conditioned matrix (det
@@ -110,8 +106,7 @@ TYPED_TEST(MatrixTwins, DeterminantAndInverse) {
   ASSERT_EQ((ZmMatrix3T<T>::IDENTITY * T(1e-3)).Inverse(out), 1);
   EXPECT_NEAR(out[1][1], T(1000), T(1e-3));
   const ZmMatrix3T<T> nearly(1, 0, 0, 0, 1, 0, 1, 1, T(1e-7));
-  EXPECT_EQ(nearly.Inverse(out), 0);
-  ASSERT_EQ(nearly.Inverse(out, T(1e-8)), 1);
+  ASSERT_EQ(nearly.Inverse(out) * 2 + nearly.Inverse(out, T(1e-8)), 1);
   EXPECT_NEAR(out[2][2], T(1e7), T(1e7) * T(1e-5));
 }
 
@@ -121,9 +116,7 @@ TYPED_TEST(MatrixTwins, EqualityIsExactOrWithinAnInclusiveTolerance) {
   const ZmMatrix3T<T> a = SampleA<T>();
   ZmMatrix3T<T> b = a;
   b[2][1] += T(0.5);
-  EXPECT_TRUE(a != b);
-  EXPECT_EQ((std::vector<int>{a.Equals(b, T(0.5)), a.Equals(b, T(-0.5)), a.Equals(b, T(0.25))}),
-            (std::vector<int>{1, 1, 0}));
+  EXPECT_EQ((Ints{a != b, a.Equals(b, T(0.5)), a.Equals(b, T(-0.5)), a.Equals(b, T(0.25))}), (Ints{1, 1, 1, 0}));
   b[0][0] = std::numeric_limits<T>::quiet_NaN();
   EXPECT_EQ(a.Equals(b, T(1e30)), 0);
 }
@@ -146,9 +139,9 @@ TYPED_TEST(MatrixTwins, AffineTransformsCarryTheTranslationInColumnThree) {
   edited.SetTranslation(ZmVector3T<T>(-1, -2, -3));
   edited.Set3x3Matrix(quarter);
   edited[3][0] = 2;
-  EXPECT_EQ((std::vector<int>{m.IsAffine(), ZmMatrix4T<T>::ZEROAFFINE.IsAffine(), ZmMatrix4T<T>::ZERO.IsAffine(),
-                              edited.IsAffine()}),
-            (std::vector<int>{1, 1, 0, 0}));
+  EXPECT_EQ(
+      (Ints{m.IsAffine(), ZmMatrix4T<T>::ZEROAFFINE.IsAffine(), ZmMatrix4T<T>::ZERO.IsAffine(), edited.IsAffine()}),
+      (Ints{1, 1, 0, 0}));
   EXPECT_TRUE(edited.GetTranslation() == ZmVector3T<T>(-1, -2, -3) && edited * P(2, 0, 5) == P(-1, 0, 2));
 }
 

@@ -9,17 +9,14 @@ namespace {
 
 using namespace geomtest;
 
-template <class T>
-class Point2Twins : public ::testing::Test {};
-TYPED_TEST_SUITE(Point2Twins, Scalars);
+GEOM_TWIN_SUITE(Point2Twins);
 
-using Ints = std::vector<int>;
-
-static_assert(sizeof(ZmPoint2d) == 2 * sizeof(double) && sizeof(ZmVector2f) == 2 * sizeof(float), "");
-static_assert(std::is_standard_layout<ZmPoint2d>::value && std::is_standard_layout<ZmVector2f>::value, "");
-static_assert(!std::is_polymorphic<ZmPoint2d>::value && std::is_trivially_copyable<ZmPoint2f>::value, "");
-static_assert(std::is_base_of<WbCoord2Dd, ZmPoint2d>::value && std::is_base_of<WbCoord2Df, ZmVector2f>::value, "");
-static_assert(std::is_same<decltype(ZmPoint2d() - ZmPoint2d()), ZmVector2d>::value, "");
+static_assert(sizeof(P2) == 2 * sizeof(double) && sizeof(ZmVector2f) == 2 * sizeof(float) &&
+                  std::is_standard_layout<P2>::value && std::is_standard_layout<ZmVector2f>::value &&
+                  !std::is_polymorphic<P2>::value && std::is_trivially_copyable<ZmPoint2f>::value &&
+                  std::is_base_of<WbCoord2Dd, P2>::value && std::is_base_of<WbCoord2Df, ZmVector2f>::value &&
+                  std::is_same<decltype(P2() - P2()), ZmVector2d>::value,
+              "a 2D point or vector is exactly its two scalars on the base coordinate");
 
 // Quadrant by quadrant with the exact double factor 180/pi; atan(1/sqrt(3)) = 30 degrees gives
 // 120 in the second quadrant (atan(-x/y) + 90) and 330 in the fourth (atan(sqrt 3) + 270).
@@ -57,21 +54,19 @@ TYPED_TEST(Point2Twins, PolarAngleScalingAndAxes) {
 // 1.0e-5 as a double is above the float 1.0e-5 (9.999999747378752e-06); 6e-6, 8e-6 is 1.0e-5 by
 // Pythagoras. The float point is compared in double: 0.1f is 0.10000000149011612, above 0.1.
 TEST(Point2, PredicatesAndComparators) {
-  const ZmPoint2d o, p(1, 2);
+  const P2 o, p(1, 2);
   const ZmPoint2f f(0.1f, 2.0f);
-  EXPECT_EQ((Ints{o.IsDistinctFrom(ZmPoint2d(0, 1.0e-5)), o.IsDistinctFrom(ZmPoint2d(0, 9.999999747378752e-06)),
-                  o.IsDistinctFrom(ZmPoint2d(6e-6, 8e-6)), ZmPoint2f().IsDistinctFrom(ZmPoint2f(1.0e-5f, 0)),
+  EXPECT_EQ((Ints{o.IsDistinctFrom(P2(0, 1.0e-5)), o.IsDistinctFrom(P2(0, 9.999999747378752e-06)),
+                  o.IsDistinctFrom(P2(6e-6, 8e-6)), ZmPoint2f().IsDistinctFrom(ZmPoint2f(1.0e-5f, 0)),
                   ZmPoint2f().IsDistinctFrom(ZmPoint2f(std::nextafter(1.0e-5f, 1.0f), 0)), p.IsInside(1, 1, 2, 2),
-                  p.IsInside(1.0000001, 3, 0, 3), ZmPoint2d(NAN, 0).IsInside(-1, 1, -1, 1)}),
+                  p.IsInside(1.0000001, 3, 0, 3), P2(NAN, 0).IsInside(-1, 1, -1, 1)}),
             (Ints{1, 0, 1, 0, 1, 1, 0, 0}));
-  EXPECT_EQ(
-      (Ints{ZmPoint2f::CompareX(f, ZmPoint2d(0.1, 2.0)), ZmPoint2f::CompareY(f, ZmPoint2d(0.1, 2.0)),
-            ZmPoint2f::CompareY(f, ZmPoint2d(0.1, 2.5)), ZmPoint2d::ComparePoints(ZmPoint2d(1, 5), ZmPoint2d(2, 0)),
-            ZmPoint2d::ComparePoints(ZmPoint2d(1, 5), ZmPoint2d(1, 0)),
-            ZmPoint2d::ComparePoints(ZmPoint2d(1, 5), ZmPoint2d(1, 5))}),
-      (Ints{1, 0, -1, -1, 1, 0}));
-  EXPECT_EQ(ZmPoint2d::ComputeCenter(ZmPoint2d(1, 5), ZmPoint2d(2, -1)), ZmPoint2d(1.5, 2));
-  EXPECT_EQ(ZmPoint2d(ZmPoint3d(1, 2, 3)), ZmPoint2d(1, 2));  // z dropped
+  EXPECT_EQ((Ints{ZmPoint2f::CompareX(f, P2(0.1, 2.0)), ZmPoint2f::CompareY(f, P2(0.1, 2.0)),
+                  ZmPoint2f::CompareY(f, P2(0.1, 2.5)), P2::ComparePoints(P2(1, 5), P2(2, 0)),
+                  P2::ComparePoints(P2(1, 5), P2(1, 0)), P2::ComparePoints(P2(1, 5), P2(1, 5))}),
+            (Ints{1, 0, -1, -1, 1, 0}));
+  EXPECT_EQ(P2::ComputeCenter(P2(1, 5), P2(2, -1)), P2(1.5, 2));
+  EXPECT_EQ(P2(P3(1, 2, 3)), P2(1, 2));  // z dropped
 }
 
 // Sine and cosine are rounded to float in both twins. Expected values from Python/numpy:

@@ -1,8 +1,6 @@
 // Quaternions: angle-axis, rotation-matrix and Euler-angle round trips, rotation of vectors,
 // the Hamilton product, equality within an angle, inverse, normalisation and interpolation.
-//
-// Reference values come from scipy.spatial.transform.Rotation (quaternions printed there as
-// x, y, z, w).
+// Reference values from scipy.spatial.transform.Rotation (which prints x, y, z, w).
 #include <algorithm>
 #include <cmath>
 #include <type_traits>
@@ -13,9 +11,7 @@ namespace {
 
 using namespace geomtest;
 
-template <class T>
-class QuaternionTwins : public ::testing::Test {};
-TYPED_TEST_SUITE(QuaternionTwins, Scalars);
+GEOM_TWIN_SUITE(QuaternionTwins);
 
 template <class T>
 using Radian = ZmAngleT<T, zm::AngleUnit::Radian>;
@@ -25,6 +21,12 @@ static_assert(sizeof(ZmQuaterniond) == 4 * sizeof(double) && !std::is_polymorphi
 template <class T>
 T Tol() {
   return kIsFloat<T> ? T(2e-6) : T(1e-14);
+}
+template <class T>
+ZmQuaternionT<T> Turn(double radians, const ZmVector3T<T>& axis) {
+  ZmQuaternionT<T> q;
+  EXPECT_EQ(q.FromAngleAxis(Radian<T>(T(radians)), axis), 1);
+  return q;
 }
 
 // The largest difference of the components from the expected w, x, y, z (or x, y, z).
@@ -41,23 +43,20 @@ TYPED_TEST(QuaternionTwins, AngleAxisMatrixAndVectorRotation) {
   using T = TypeParam;
   using V = ZmVector3T<T>;
   const T tol = Tol<T>(), h = T(std::sqrt(0.5));
-  // A quarter turn about Z (the axis need not be of unit length): X onto Y, Y onto -X.
-  ZmQuaternionT<T> q;
-  ASSERT_EQ(q.FromAngleAxis(Radian<T>(T(M_PI / 2)), V(0, 0, 2)), 1);
+  // A quarter turn about Z (the axis need not be of unit length): X onto Y, Y onto -X. A zero or
+  // invalid axis is refused and the quaternion is kept.
+  ZmQuaternionT<T> q = Turn<T>(M_PI / 2, V(0, 0, 2));
   EXPECT_LE(Off(q, {h, 0, 0, h}), tol);
   EXPECT_EQ(q.x, T(0));
   EXPECT_LE(Off(q * V(1, 0, 0), {0, 1, 0}) + Off(q * V(0, 1, 0), {-1, 0, 0}) + Off(q * V(0, 0, 3), {0, 0, 3}), tol);
   EXPECT_LE(Off(q * ZmPoint3T<T>(2, 0, 1), {0, 2, 1}), tol);
   EXPECT_EQ(q.ToRotationMatrix().Equals(ZmMatrix3T<T>(0, -1, 0, 1, 0, 0, 0, 0, 1), tol), 1);
-  // A zero or invalid axis is refused and the quaternion is kept.
   EXPECT_EQ(q.FromAngleAxis(Radian<T>(T(1)), V(0, 0, 0)) + q.FromAngleAxis(Radian<T>(T(1)), V(WbCoord3DT<T>::INVALID)),
             0);
   EXPECT_LE(Off(q, {h, 0, 0, h}), tol);
 
-  // 2 rad about (1, 2, 2) / 3: scipy gives q = (0.5403023058681398; 0.2804903282692988,
-  // 0.5609806565385976, 0.5609806565385976), the matrix below, and rotates (0.5, -1, 2) to
-  // (2.003895556640887, 0.8997959367981051, -0.6517437151185488), by quaternion and matrix alike.
-  ASSERT_EQ(q.FromAngleAxis(Radian<T>(T(2)), V(1, 2, 2)), 1);
+  // 2 rad about (1, 2, 2) / 3 (scipy): the quaternion, its matrix, and (0.5, -1, 2) turned by both.
+  q = Turn<T>(2, V(1, 2, 2));
   EXPECT_LE(Off(q, {0.5403023058681398, 0.2804903282692988, 0.5609806565385976, 0.5609806565385976}), tol);
   const ZmMatrix3T<T> r = q.ToRotationMatrix();
   EXPECT_EQ(r.Equals(ZmMatrix3T<T>(-0.25879718804190427, -0.2914989875399784, 0.9208975815609305,  //
@@ -76,9 +75,8 @@ TYPED_TEST(QuaternionTwins, AngleAxisMatrixAndVectorRotation) {
   ZmQuaternionT<T>::IDENTITY.ToAngleAxis(angle, axis);
   EXPECT_TRUE(T(angle) == T(0) && axis == V(1, 0, 0));
 
-  // Matrix -> quaternion, on the positive-trace branch and on the largest-diagonal one: 3 rad
-  // about (1, 1, 1) / sqrt 3 has trace -0.98 (scipy: q = (0.07073720166770268; 0.575903999031153
-  // three times)); half turns have trace -1.
+  // Matrix -> quaternion on the positive-trace branch and on the largest-diagonal one: 3 rad
+  // about (1, 1, 1) / sqrt 3 has trace -0.98 (scipy), half turns have trace -1.
   EXPECT_EQ(ZmQuaternionT<T>(r).Equals(q, Radian<T>(4 * tol)), 1);
   const ZmMatrix3T<T> threeRad(-0.326661664400297, 0.5818551575587422, 0.7448065068415547,  //
                                0.7448065068415547, -0.326661664400297, 0.5818551575587422,  //
@@ -87,32 +85,27 @@ TYPED_TEST(QuaternionTwins, AngleAxisMatrixAndVectorRotation) {
   EXPECT_LE(Off(fromThree * sign.w, {0.07073720166770268, 0.575903999031153, 0.575903999031153, 0.575903999031153}),
             4 * tol);
   for (const V& a : {V(1, 0, 0), V(0, 1, 0), V(0, 0, 1)}) {
-    ZmQuaternionT<T> half;
-    half.FromAngleAxis(Radian<T>(T(M_PI)), a);
-    const ZmQuaternionT<T> back(half.ToRotationMatrix());
+    const ZmQuaternionT<T> half = Turn<T>(M_PI, a), back(half.ToRotationMatrix());
     EXPECT_EQ(back.Equals(half, Radian<T>(4 * tol)), 1);
     EXPECT_NEAR(back.Norm(), 1, tol);
   }
 }
 
+// scipy Rotation.from_euler('ZYX', [1.2, -0.5, 0.3]) is Rz Ry Rx. The product applies its
+// right-hand factor first; scale does not change the angles; a single rotation shows up in its
+// own angle only.
 TYPED_TEST(QuaternionTwins, PitchYawRollDecomposeRzRyRx) {
   using T = TypeParam;
+  using V = ZmVector3T<T>;
   const T tol = Tol<T>();
-  ZmQuaternionT<T> qx, qy, qz;
-  qx.FromAngleAxis(Radian<T>(T(0.3)), ZmVector3T<T>(1, 0, 0));
-  qy.FromAngleAxis(Radian<T>(T(-0.5)), ZmVector3T<T>(0, 1, 0));
-  qz.FromAngleAxis(Radian<T>(T(1.2)), ZmVector3T<T>(0, 0, 1));
-  // scipy Rotation.from_euler('ZYX', [1.2, -0.5, 0.3]) = Rz Ry Rx: q = (0.7698226806613265;
-  // 0.25762853798958335, -0.12014247631977643, 0.5714598517275828).
+  const ZmQuaternionT<T> qx = Turn<T>(0.3, V(1, 0, 0)), qy = Turn<T>(-0.5, V(0, 1, 0)), qz = Turn<T>(1.2, V(0, 0, 1));
   const ZmQuaternionT<T> q = qz * qy * qx;
   EXPECT_LE(Off(q, {0.7698226806613265, 0.25762853798958335, -0.12014247631977643, 0.5714598517275828}), tol);
-  EXPECT_LE(Off(ZmVector3T<T>(T(q.GetPitch()), T(q.GetYaw()), T(q.GetRoll())), {0.3, -0.5, 1.2}), 4 * tol);
-  // The product applies its right-hand factor first.
-  const ZmVector3T<T> v(0.25, 2, -1), stepwise = qz * (qy * (qx * v));
+  EXPECT_LE(Off(V(T(q.GetPitch()), T(q.GetYaw()), T(q.GetRoll())), {0.3, -0.5, 1.2}), 4 * tol);
+  const V v(0.25, 2, -1), stepwise = qz * (qy * (qx * v));
   EXPECT_LE(Off(q * v, {stepwise.x, stepwise.y, stepwise.z}), tol);
-  // Scale does not change the angles; a single rotation shows up in its own angle only.
   EXPECT_NEAR(T((q * T(3)).GetYaw()), -0.5, 4 * tol);
-  EXPECT_LE(Off(ZmVector3T<T>(T(qy.GetPitch()), T(qy.GetYaw()), T(qx.GetRoll())), {0, -0.5, 0}), tol);
+  EXPECT_LE(Off(V(T(qy.GetPitch()), T(qy.GetYaw()), T(qx.GetRoll())), {0, -0.5, 0}), tol);
 }
 
 TYPED_TEST(QuaternionTwins, EqualsInverseNormaliseAndSlerp) {
@@ -121,14 +114,11 @@ TYPED_TEST(QuaternionTwins, EqualsInverseNormaliseAndSlerp) {
   const T tol = Tol<T>();
   // Two rotations 0.01 rad apart; the tolerance's sign is ignored; q and -q are the same
   // rotation and the length does not matter; a zero quaternion equals only another zero one.
-  Q a, b;
-  a.FromAngleAxis(Radian<T>(T(0.7)), ZmVector3T<T>(1, 1, 0));
-  b.FromAngleAxis(Radian<T>(T(0.71)), ZmVector3T<T>(1, 1, 0));
-  EXPECT_EQ((std::vector<int>{a.Equals(b, Radian<T>(T(0.0101))), a.Equals(b, Radian<T>(T(-0.0101))),
-                              a.Equals(b, Radian<T>(T(0.0099))), a.Equals(-a, Radian<T>(T(0))),
-                              a.Equals(a * T(4), Radian<T>(tol)), a == -a, Q::ZERO.Equals(a, Radian<T>(T(10))),
-                              Q::ZERO.Equals(Q::ZERO, Radian<T>(T(0)))}),
-            (std::vector<int>{1, 1, 0, 1, 1, 0, 0, 1}));
+  const Q a = Turn<T>(0.7, ZmVector3T<T>(1, 1, 0)), b = Turn<T>(0.71, ZmVector3T<T>(1, 1, 0));
+  EXPECT_EQ((Ints{a.Equals(b, Radian<T>(T(0.0101))), a.Equals(b, Radian<T>(T(-0.0101))),
+                  a.Equals(b, Radian<T>(T(0.0099))), a.Equals(-a, Radian<T>(T(0))), a.Equals(a * T(4), Radian<T>(tol)),
+                  a == -a, Q::ZERO.Equals(a, Radian<T>(T(10))), Q::ZERO.Equals(Q::ZERO, Radian<T>(T(0)))}),
+            (Ints{1, 1, 0, 1, 1, 0, 0, 1}));
 
   EXPECT_TRUE(Q() == Q::IDENTITY && Q::IDENTITY == Q(1, 0, 0, 0) && Q::ZERO == Q(0, 0, 0, 0));
   EXPECT_TRUE(ZmQuaternionf(ZmQuaterniond(0.1, 0.2, 0.3, 0.4)) == ZmQuaternionf(0.1f, 0.2f, 0.3f, 0.4f));
@@ -136,23 +126,20 @@ TYPED_TEST(QuaternionTwins, EqualsInverseNormaliseAndSlerp) {
   EXPECT_EQ(q.Norm(), T(5));
   EXPECT_TRUE(q.Conjugate() == Q(1, -2, 2, -4) && q.Inverse() == Q(0.04, -0.08, 0.08, -0.16));
   EXPECT_LE(Off(q * q.Inverse(), {1, 0, 0, 0}), tol);
-  EXPECT_TRUE(Q::ZERO.Inverse() == Q::ZERO);
   Q n(0, 3, 0, 4), zero = Q::ZERO;
-  ASSERT_EQ(n.Normalise(), 1);
-  EXPECT_EQ(zero.Normalise(), 0);
-  EXPECT_TRUE(n == Q(0, 0.6, 0, 0.8) && zero == Q::ZERO);
+  EXPECT_EQ(n.Normalise() * 2 + zero.Normalise(), 2);
+  EXPECT_TRUE(n == Q(0, 0.6, 0, 0.8) && zero == Q::ZERO && Q::ZERO.Inverse() == Q::ZERO);
 
-  // Halfway from no rotation to a quarter turn about Z is an eighth turn: (cos(pi/8), 0, 0,
-  // sin(pi/8)) = (0.9238795325112867, 0, 0, 0.3826834323650898), also towards -quarter (the
-  // same rotation) by the shortest path. The long way runs over the 4D angle 3 pi/4 between
-  // (1, 0, 0, 0) and -quarter; halfway both weights are sin(3 pi/8) / sin(3 pi/4) =
-  // 1.3065629648763766, so w = 1.30656 (1 - cos(pi/4)) = 0.3826834323650898 and z = -1.30656
-  // sin(pi/4) = -0.9238795325112867. The ends are the inputs; equal inputs give the input back.
-  Q quarter;
-  quarter.FromAngleAxis(Radian<T>(T(M_PI / 2)), ZmVector3T<T>(0, 0, 1));
-  EXPECT_LE(Off(Q::Slerp(T(0.5), Q::IDENTITY, quarter), {0.9238795325112867, 0, 0, 0.3826834323650898}), tol);
-  EXPECT_LE(Off(Q::Slerp(T(0.5), Q::IDENTITY, -quarter), {0.9238795325112867, 0, 0, 0.3826834323650898}), 4 * tol);
-  EXPECT_LE(Off(Q::Slerp(T(0.5), Q::IDENTITY, -quarter, 0), {0.3826834323650898, 0, 0, -0.9238795325112867}), tol);
+  // Halfway to a quarter turn about Z is an eighth turn (cos(pi/8), 0, 0, sin(pi/8)), also
+  // towards -quarter (the same rotation) by the shortest path. The long way spans the 4D angle
+  // 3 pi/4; halfway both weights are sin(3 pi/8) / sin(3 pi/4) = 1.3065629648763766, so
+  // w = 1.30656 (1 - cos(pi/4)) = sin(pi/8) and z = -1.30656 sin(pi/4) = -cos(pi/8). The ends are
+  // the inputs; equal inputs give the input back.
+  const double c8 = 0.9238795325112867, s8 = 0.3826834323650898;
+  const Q quarter = Turn<T>(M_PI / 2, ZmVector3T<T>(0, 0, 1));
+  EXPECT_LE(Off(Q::Slerp(T(0.5), Q::IDENTITY, quarter), {c8, 0, 0, s8}), tol);
+  EXPECT_LE(Off(Q::Slerp(T(0.5), Q::IDENTITY, -quarter), {c8, 0, 0, s8}), 4 * tol);
+  EXPECT_LE(Off(Q::Slerp(T(0.5), Q::IDENTITY, -quarter, 0), {s8, 0, 0, -c8}), tol);
   EXPECT_EQ(Q::Slerp(T(1), Q::IDENTITY, quarter).Equals(quarter, Radian<T>(tol)), 1);
   EXPECT_EQ(Q::Slerp(T(0.3), quarter, quarter).Equals(quarter, Radian<T>(tol)), 1);
   // Rotations less than 2e-6 rad apart are blended linearly, and the end is still the input.

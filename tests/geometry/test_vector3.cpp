@@ -8,47 +8,40 @@ namespace {
 
 using namespace geomtest;
 
-template <class T>
-class Vector3Twins : public ::testing::Test {};
-TYPED_TEST_SUITE(Vector3Twins, Scalars);
-
-using Ints = std::vector<int>;
+GEOM_TWIN_SUITE(Vector3Twins);
 
 TEST(Vector3, UnitizeSetLengthAndTheNullTest) {
   // Double divides by the length, float multiplies by its reciprocal: 5 / sqrt(27) in double;
   // in float 3 * (1 / sqrt(11)) = 0.9045340418815613, where 3 / sqrt(11) = 0.9045339822769165.
-  ZmVector3d d(1, 1, 5);
+  V3 d(1, 1, 5);
   ZmVector3f f(1, 1, 3);
   ASSERT_EQ(d.unitize(0.0) + f.unitize(0.0f), 2);
   EXPECT_EQ(d.z, 0.9622504486493763);
   EXPECT_EQ(f.z, 0.9045340418815613f);
   // The length must exceed |tol| strictly; a refused vector is left alone.
-  ZmVector3d v(3, 4, 0), invalid = ZmNonValV3d, zero, w(0, 3, 4);
+  V3 v(3, 4, 0), invalid = ZmNonValV3d, zero, w(0, 3, 4);
   EXPECT_EQ((Ints{v.unitize(5.0), v.unitize(-5.0), invalid.unitize(0.0), zero.setLength(2.0)}), (Ints{0, 0, 0, 0}));
-  EXPECT_TRUE(v == ZmVector3d(3, 4, 0) && invalid == ZmNonValV3d);
+  EXPECT_TRUE(v == V3(3, 4, 0) && invalid == ZmNonValV3d);
   EXPECT_EQ(v.unitize(-4.999) + w.setLength(10.0), 2);
-  EXPECT_TRUE(v == ZmVector3d(0.6, 0.8, 0) && w == ZmVector3d(0, 6, 8));
-  EXPECT_EQ(ZmVector3d(0, 0, 0).GetDirection(), ZmNonValV3d);
-  EXPECT_EQ(ZmVector3d(0, 0, -2).GetDirection(), ZmVector3d(0, 0, -1));
+  EXPECT_TRUE(v == V3(0.6, 0.8, 0) && w == V3(0, 6, 8));
+  EXPECT_TRUE(V3(0, 0, 0).GetDirection() == ZmNonValV3d && V3(0, 0, -2).GetDirection() == V3(0, 0, -1));
   // The length is rounded to float before the comparison: 1e-300 rounds to 0, and
   // float(1e-6) = 9.999999974752427e-07 <= 1e-6.
-  EXPECT_EQ(
-      (Ints{ZmVector3d(0, 0, 0).isNull(0.0), ZmVector3d(1e-300, 0, 0).isNull(0.0), ZmVector3d(1e-30, 0, 0).isNull(0.0),
-            ZmVector3d(1e-6, 0, 0).isNull(1e-6), ZmVector3d(1e-6, 0, 0).isNull(9.99e-7)}),
-      (Ints{1, 1, 0, 1, 0}));
+  EXPECT_EQ((Ints{V3(0, 0, 0).isNull(0.0), V3(1e-300, 0, 0).isNull(0.0), V3(1e-30, 0, 0).isNull(0.0),
+                  V3(1e-6, 0, 0).isNull(1e-6), V3(1e-6, 0, 0).isNull(9.99e-7)}),
+            (Ints{1, 1, 0, 1, 0}));
 }
 
 // The main direction is -1 when all three magnitudes tie; otherwise ties go to the later axis.
 // Aligned axes: 0.01 off the y axis is 0.57 degrees, 0.1 off is 5.7.
 TEST(Vector3, MainDirectionAndAlignedAxis) {
-  const ZmVector3d main[] = {{1, 1, 1}, {2, 2, 1}, {1, 0, 1}, {-3, 1, 2}, {1, -2, 2}};
-  Ints got;
-  for (const ZmVector3d& v : main) got.push_back(v.GetMainDirection());
-  EXPECT_EQ(got, (Ints{-1, 1, 2, 0, 2}));
-  EXPECT_EQ((Ints{ZmVector3d(0, 0, 1).GetAlignedAxis(1, 1.0), ZmVector3d(0, 0, -1).GetAlignedAxis(1, 1.0),
-                  ZmVector3d(0, 0, -1).GetAlignedAxis(0, 1.0), ZmVector3d(0.01, 1, 0).GetAlignedAxis(1, 1.0),
-                  ZmVector3d(0.1, 1, 0).GetAlignedAxis(1, 1.0), ZmVector3d(1, 1, 0).GetAlignedAxis(0, 10.0),
-                  ZmVector3d(0, 0, 0).GetAlignedAxis(0, 10.0)}),
+  EXPECT_EQ((Ints{V3(1, 1, 1).GetMainDirection(), V3(2, 2, 1).GetMainDirection(), V3(1, 0, 1).GetMainDirection(),
+                  V3(-3, 1, 2).GetMainDirection(), V3(1, -2, 2).GetMainDirection()}),
+            (Ints{-1, 1, 2, 0, 2}));
+  EXPECT_EQ((Ints{V3(0, 0, 1).GetAlignedAxis(1, 1.0), V3(0, 0, -1).GetAlignedAxis(1, 1.0),
+                  V3(0, 0, -1).GetAlignedAxis(0, 1.0), V3(0.01, 1, 0).GetAlignedAxis(1, 1.0),
+                  V3(0.1, 1, 0).GetAlignedAxis(1, 1.0), V3(1, 1, 0).GetAlignedAxis(0, 10.0),
+                  V3(0, 0, 0).GetAlignedAxis(0, 10.0)}),
             (Ints{2, -1, 2, 1, -1, -1, -1}));
 }
 
@@ -78,33 +71,30 @@ TYPED_TEST(Vector3Twins, ParallelTest) {
 
 // Without a tolerance |dot| must be below float(1e-6) = 9.999999974752427e-07, strictly.
 TEST(Vector3, OrthogonalTestUsesTheWidenedFloatThreshold) {
-  const ZmVector3d x(1, 0, 0);
-  EXPECT_EQ((Ints{x.IsOrthogonalTo(ZmVector3d(0, 1, 0)), x.IsOrthogonalTo(ZmVector3d(9.999999974752427e-07, 1, 0)),
-                  x.IsOrthogonalTo(ZmVector3d(9.99999998e-07, 1, 0)), x.IsOrthogonalTo(ZmVector3d(9.9999999e-07, 1, 0)),
-                  x.IsOrthogonalTo(ZmVector3d(1, 1, 0), 44.0), x.IsOrthogonalTo(ZmVector3d(0, 1e-7, 0))}),
+  const V3 x(1, 0, 0);
+  EXPECT_EQ((Ints{x.IsOrthogonalTo(V3(0, 1, 0)), x.IsOrthogonalTo(V3(9.999999974752427e-07, 1, 0)),
+                  x.IsOrthogonalTo(V3(9.99999998e-07, 1, 0)), x.IsOrthogonalTo(V3(9.9999999e-07, 1, 0)),
+                  x.IsOrthogonalTo(V3(1, 1, 0), 44.0), x.IsOrthogonalTo(V3(0, 1e-7, 0))}),
             (Ints{1, 0, 0, 1, 0, 0}));
   double offset = -1;
-  EXPECT_EQ(x.IsOrthogonalTo(ZmVector3d(1, 1, 0), 46.0, &offset), 1);
+  EXPECT_EQ(x.IsOrthogonalTo(V3(1, 1, 0), 46.0, &offset), 1);
   EXPECT_NEAR(offset, 45.0, 1e-12);
 }
 
 TEST(Vector3, RotationToATargetAndAboutAnAxis) {
-  ZmVector3d axis;
-  EXPECT_NEAR(ZmVector3d(2, 0, 0).GetRotationTo(ZmVector3d(0, 3, 0), axis), 90.0, 1e-12);
-  EXPECT_EQ(axis, ZmVector3d(0, 0, 1));
+  V3 axis;
+  EXPECT_NEAR(V3(2, 0, 0).GetRotationTo(V3(0, 3, 0), axis), 90.0, 1e-12);
+  EXPECT_EQ(axis, V3(0, 0, 1));
   // Opposite vectors: any unit axis perpendicular to them.
-  EXPECT_NEAR(ZmVector3d(1, 0, 0).GetRotationTo(ZmVector3d(-1, 0, 0), axis), 180.0, 1e-12);
-  EXPECT_NEAR(axis.length(), 1.0, 1e-15);
-  EXPECT_EQ(axis.dot(ZmVector3d(1, 0, 0)), 0.0);
-  EXPECT_EQ(ZmVector3d(0, 0, 0).GetRotationTo(ZmVector3d(1, 0, 0), axis), kMarker);
+  EXPECT_NEAR(V3(1, 0, 0).GetRotationTo(V3(-1, 0, 0), axis), 180.0, 1e-12);
+  EXPECT_TRUE(std::fabs(axis.length() - 1) <= 1e-15 && axis.dot(V3(1, 0, 0)) == 0);
+  EXPECT_EQ(V3(0, 0, 0).GetRotationTo(V3(1, 0, 0), axis), kMarker);
   EXPECT_EQ(axis, ZmNonValV3d);
 
   // A quarter turn of x about z: (cos(pi/2), 1, 0) with cos(pi/2) = 6.123233995736766e-17.
-  ZmVector3d v(1, 0, 0), w(1, 2, 3);
-  ASSERT_EQ(v.Rotate(ZmVector3d(0, 0, 5), 90.0), 1);
-  EXPECT_EQ(v, ZmVector3d(6.123233995736766e-17, 1, 0));
-  EXPECT_EQ(w.Rotate(ZmVector3d(0, 0, 0), 45.0), 0);
-  EXPECT_EQ(w, ZmVector3d(1, 2, 3));
+  V3 v(1, 0, 0), w(1, 2, 3);
+  EXPECT_EQ(v.Rotate(V3(0, 0, 5), 90.0) * 2 + w.Rotate(V3(0, 0, 0), 45.0), 2);
+  EXPECT_TRUE(v == V3(6.123233995736766e-17, 1, 0) && w == V3(1, 2, 3));
   // A third of a turn about the diagonal permutes the axes.
   ZmVector3f p(1, 0, 0);
   ASSERT_EQ(p.Rotate(ZmVector3f(1, 1, 1), 120.0f), 1);
@@ -114,14 +104,13 @@ TEST(Vector3, RotationToATargetAndAboutAnAxis) {
 // Step 90: 2 rows x 4 columns; cell 0 is centred on latitude -45, longitude -135. trunc(180/200)
 // = 0 rows; a step of 1e-12 gives more cells than an int holds.
 TEST(Vector3, DirectionGridCountsCellsAndNeighbours) {
-  EXPECT_EQ((Ints{ZmVector3d::GetIndexedNormalsCount(7.0), ZmVector3f::GetIndexedNormalsCount(7.0f),
-                  ZmVector3d::GetIndexedNormalsCount(0.0), ZmVector3d::GetIndexedNormalsCount(-5.0),
-                  ZmVector3d::GetIndexedNormalsCount(200.0), ZmVector3d::GetIndexedNormalsCount(1e-12)}),
-            (Ints{25 * 51, 25 * 51, 0, 0, 0, 0}));
-  const ZmVector3d first = ZmVector3d::GetIndexedNormal(90.0, 0);
-  EXPECT_NEAR(ZmVector3d(first - ZmVector3d(-0.5, -0.5, -std::sqrt(0.5))).length(), 0.0, 1e-15);
-  EXPECT_EQ(ZmVector3d::GetIndexedNormal(90.0, 8), ZmNonValV3d);
-  EXPECT_EQ(ZmVector3d::GetIndexedNormal(0.0, 0), ZmNonValV3d);
+  EXPECT_EQ(
+      (Ints{V3::GetIndexedNormalsCount(7.0), ZmVector3f::GetIndexedNormalsCount(7.0f), V3::GetIndexedNormalsCount(0.0),
+            V3::GetIndexedNormalsCount(-5.0), V3::GetIndexedNormalsCount(200.0), V3::GetIndexedNormalsCount(1e-12)}),
+      (Ints{25 * 51, 25 * 51, 0, 0, 0, 0}));
+  const V3 first = V3::GetIndexedNormal(90.0, 0);
+  EXPECT_NEAR(V3(first - V3(-0.5, -0.5, -std::sqrt(0.5))).length(), 0.0, 1e-15);
+  EXPECT_TRUE(V3::GetIndexedNormal(90.0, 8) == ZmNonValV3d && V3::GetIndexedNormal(0.0, 0) == ZmNonValV3d);
   // Neighbours wrap around both ways (step 90, cell 3 is the last column of row 0: the next
   // column is 0). Step 30: 6 rows x 12 columns, cell 29 is row 2, column 5.
   const struct {
@@ -135,7 +124,7 @@ TEST(Vector3, DirectionGridCountsCellsAndNeighbours) {
               {30, -1, {}}};
   for (const auto& r : rows) {
     int out[8] = {};
-    ASSERT_EQ(ZmVector3d::GetNormalNeighbourIndexes(r.step, r.index, out), r.neighbours.empty() ? 0 : 1);
+    ASSERT_EQ(V3::GetNormalNeighbourIndexes(r.step, r.index, out), r.neighbours.empty() ? 0 : 1);
     EXPECT_EQ(Ints(out, out + 8), r.neighbours.empty() ? Ints(8, 0) : r.neighbours) << r.index;  // untouched if refused
   }
 }
@@ -163,17 +152,16 @@ TYPED_TEST(Vector3Twins, DirectionGridIndexInvertsTheNormal) {
 
 // 0.1 < float(0.1) when compared in double.
 TEST(Vector3, ComparatorsAndConstants) {
-  EXPECT_EQ((Ints{ZmVector3d::CompareX(ZmVector3d(0.1, 0, 0), ZmVector3f(0.1f, 0, 0)),
-                  ZmVector3f::CompareX(ZmVector3f(0.1f, 0, 0), ZmVector3d(0.1, 0, 0)),
-                  ZmVector3d::CompareVectors(ZmVector3d(1, 2, 3), ZmVector3d(1, 2, 3)),
-                  ZmVector3d::CompareVectors(ZmVector3d(1, 2, 3), ZmVector3d(1, 2, 4)),
-                  ZmVector3d::CompareZ(ZmVector3d(0, 0, 3), ZmVector3f(0, 0, 2))}),
-            (Ints{-1, 1, 0, -1, 1}));
+  EXPECT_EQ(
+      (Ints{V3::CompareX(V3(0.1, 0, 0), ZmVector3f(0.1f, 0, 0)),
+            ZmVector3f::CompareX(ZmVector3f(0.1f, 0, 0), V3(0.1, 0, 0)), V3::CompareVectors(V3(1, 2, 3), V3(1, 2, 3)),
+            V3::CompareVectors(V3(1, 2, 3), V3(1, 2, 4)), V3::CompareZ(V3(0, 0, 3), ZmVector3f(0, 0, 2))}),
+      (Ints{-1, 1, 0, -1, 1}));
   using V = ZmVector3f;
   EXPECT_TRUE(V::UNIT_X == V(1, 0, 0) && V::UNIT_Y == V(0, 1, 0) && V::UNIT_Z == V(0, 0, 1));
   EXPECT_TRUE(V::NEGATIVE_UNIT_X == V(-1, 0, 0) && V::NEGATIVE_UNIT_Y == V(0, -1, 0) &&
               V::NEGATIVE_UNIT_Z == V(0, 0, -1));
-  EXPECT_EQ(ZmV3dX, ZmVector3d::UNIT_X);
+  EXPECT_EQ(ZmV3dX, V3::UNIT_X);
 }
 
 }  // namespace
