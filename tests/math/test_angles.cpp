@@ -34,10 +34,7 @@ TEST(Angles, DegreesUseTheFloatValueOf180OverPiAndTheCosineIsClamped) {
 }
 
 TYPED_TEST(AngleTwins, VertexAngleAndTheZeroVectorSentinel) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+  MATH_TWIN_TYPES;
   EXPECT_EQ(M::AngleDeg(P(1, 1, 0), P(3, 1, 0), P(1, 4, 0)), RightAngle<T>());
   // Marker results are passed through unscaled by the degree conversion; coincident points and
   // vectors shorter than 1e-6f cannot be normalised.
@@ -50,11 +47,7 @@ TYPED_TEST(AngleTwins, VertexAngleAndTheZeroVectorSentinel) {
 }
 
 TYPED_TEST(AngleTwins, RotationAngleSignsAndNormals) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using V = ZmVector3T<T>;
-  using V2 = ZmVector2T<T>;
-  using P = ZmPoint3T<T>;
+  MATH_TWIN_TYPES;
   const T right = RightAngle<T>();
   ExpectRows<T>({
       {M::RotationAngle(V2(1, 0), V2(0, -1)), -right},  // clockwise
@@ -83,9 +76,7 @@ TYPED_TEST(AngleTwins, RotationAngleSignsAndNormals) {
 }
 
 TYPED_TEST(AngleTwins, OrthogonalCompletion) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using V = ZmVector3T<T>;
+  MATH_TWIN_TYPES;
   // Zero or NaN: replaced by z. Along z: v = (u.z, 0, 0) before normalising. (3, 0, 0): v =
   // (-0, 3, 0), w = u x v = (0, 0, 9). (1e-4, 0, 0): u x v = (0, 0, 1e-8) cannot be normalised,
   // w is formed from the unit u, v.

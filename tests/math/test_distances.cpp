@@ -46,10 +46,7 @@ TEST(Distances, LengthsRoundTo3DFloatAndThresholdsAreWidenedFloats) {
 }
 
 TYPED_TEST(DistanceTwins, PlanesPointsInPlaneAndSignedDistance) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+  MATH_TWIN_TYPES;
   const ZmPlaneT<T> ground = GroundPlane<T>();
   // Three whole points and a trailing 7 that is no point.
   const WbArrayTempl<T> coords{0, 0, 0, 1, 1, 0.5, 2, 2, 0, 7};
@@ -81,10 +78,7 @@ TYPED_TEST(DistanceTwins, PlanesPointsInPlaneAndSignedDistance) {
 }
 
 TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+  MATH_TWIN_TYPES;
   const P a(0, 0, 0), b(4, 0, 0);
   const auto onSegment = [](const P& p, const P& start, const P& end, int ok, const P& expectedFoot, T expectedParam) {
     P foot(5, 5, 5);
@@ -142,10 +136,7 @@ TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
 }
 
 TYPED_TEST(DistanceTwins, UnusableInputGivesTheFailureValue) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+  MATH_TWIN_TYPES;
   const T marker = T(kMarker);
   const P withNaN(1, Nan<T>(), 0), o(0, 0, 0), x(1, 0, 0);
   const ZmPlaneT<T> ground = GroundPlane<T>();

@@ -9,9 +9,7 @@ namespace {
 MATH_TWIN_SUITE(CloudTwins);
 
 TYPED_TEST(CloudTwins, CartesianBoxOfWholePointsAndTheMeanTimesTheReciprocalCount) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
+  MATH_TWIN_TYPES;
   const T floatMax = T(3.4028234663852886e38);
   T box[6] = {};
   M::CartesianBox(WbArrayTempl<T>{}, box);

@@ -15,8 +15,7 @@ Line<T> Elbow() {
 }
 
 TYPED_TEST(PolylineTwins, LengthAndCoordinatesAtNormalisedArcLength) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
+  MATH_TWIN_TYPES;
   // sqrt(2) twice and 1: 2 * 1.4142135381698608 + 1 = 3.8284270763397217 (the unrounded sum
   // is 3.8284271247461903); the float twin sums the same float lengths to the same value.
   ExpectRows<T>(
@@ -58,8 +57,7 @@ void ExpectProjection(const Line<T>& line, const ZmPoint3T<T>& p, int ok, const 
 }
 
 TYPED_TEST(PolylineTwins, ProjectedPointAndItsArcLengthParameter) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
+  MATH_TWIN_TYPES;
   const Line<T> elbow = Elbow<T>();
   ExpectProjection(elbow, P(2, 1, 0), 1, P(2, 0, 0), T(2) / T(7));
   // Nearer the second segment (1 against sqrt 2): 4/7 + 1/7 in the class's precision.
@@ -96,9 +94,7 @@ TEST(Polylines, ParameterIsClampedToOne) {
 }
 
 TYPED_TEST(PolylineTwins, ProjectionOnPolylineSegmentPairsAndUnusablePoints) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
+  MATH_TWIN_TYPES;
   // Ties go to the lower segment; segIndex is optional; a one-point line has no segment.
   // Segments 1 and 2 of the broken line touch an invalid point and are skipped; 3 is nearest.
   const Line<T> corner{P(0, 0, 0), P(2, 0, 0), P(2, 2, 0)};

@@ -10,10 +10,7 @@ namespace {
 MATH_TWIN_SUITE(RotationTwins);
 
 TYPED_TEST(RotationTwins, QuarterTurnsNullAxesAndBadIndices) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using V = ZmVector3T<T>;
-  using R = ZmMatrix3T<T>;
+  MATH_TWIN_TYPES;
   const R z90(0, -1, 0, 1, 0, 0, 0, 0, 1), zm90(0, 1, 0, -1, 0, 0, 0, 0, 1), x90(1, 0, 0, 0, 0, -1, 0, 1, 0),
       y90(0, 0, 1, 0, 1, 0, -1, 0, 0);
   ExpectRows<R>({

@@ -1,6 +1,5 @@
-// ComputeTransmissibility of ZmMathd / ZmMathf on a known linear system: broadband noise into a
-// single-degree-of-freedom oscillator whose response is computed here, independently of the
-// library, by the exact recursion of its sampled impulse response.
+// ComputeTransmissibility on broadband noise into a one-degree-of-freedom oscillator, whose response
+// is computed here by the exact recursion of its sampled impulse response.
 #include <algorithm>
 #include <random>
 
@@ -17,12 +16,9 @@ constexpr double kStep = 1e-3;            // 1 kHz sampling
 constexpr double kNaturalFrequency = 50;  // Hz
 constexpr double kDamping = 0.05;
 
-// x'' + 2 z w x' + w^2 x = w^2 u (static gain 1) has the impulse response
-// h(t) = w^2/wd e^(-z w t) sin(wd t), wd = w sqrt(1 - z^2). Its samples g[j] = dt h(j dt)
-// obey g[j] = 2 r cos(wd dt) g[j-1] - r^2 g[j-2], r = e^(-z w dt), from g[0] = 0 and
-// g[1] = dt w^2/wd r sin(wd dt), so the discrete convolution y[k] = sum_j g[j] u[k-j] is
-// y[k] = 2 r cos(wd dt) y[k-1] - r^2 y[k-2] + g[1] u[k-1]. Its gain peaks at
-// w sqrt(1 - 2 z^2) (49.87 Hz) with 1/(2 z sqrt(1 - z^2)) = 10.01.
+// x'' + 2 z w x' + w^2 x = w^2 u: h(t) = w^2/wd e^(-z w t) sin(wd t), wd = w sqrt(1 - z^2); its samples
+// g[j] = dt h(j dt) obey g[j] = 2 r cos(wd dt) g[j-1] - r^2 g[j-2], r = e^(-z w dt), g[0] = 0, so
+// y = g * u follows the same recursion plus g[1] u[k-1]. Peak: 49.87 Hz, 1/(2 z sqrt(1 - z^2)) = 10.01.
 std::vector<double> OscillatorResponse(const std::vector<double>& u) {
   const double w = 2 * kPi * kNaturalFrequency, wd = w * std::sqrt(1 - kDamping * kDamping);
   const double r = std::exp(-kDamping * w * kStep), c = 2 * r * std::cos(wd * kStep);
@@ -32,8 +28,7 @@ std::vector<double> OscillatorResponse(const std::vector<double>& u) {
   return y;
 }
 
-// Uniform noise in [-1, 1] and the oscillator's response, at abscissas accumulated by the
-// step as the resampling accumulates them (so that it finds every sample exactly).
+// Noise in [-1, 1] and the response, at abscissas accumulated as the resampling accumulates them.
 template <class T>
 void NoiseThroughOscillator(std::size_t count, Curve<T>& input, Curve<T>& output) {
   std::mt19937 generator(2024);
@@ -81,16 +76,12 @@ TYPED_TEST(TransmissibilityTwins, PeaksAtTheNaturalFrequencyOnEveryRoute) {
         << method;
     ASSERT_GT(result.GetSize(), 100u) << method;
     EXPECT_TRUE(result[0].x >= T(2) && result[result.GetSize() - 1].x <= T(200));
-    // The peak within 1.5 Hz of the resonance (49.87 Hz, half-power band 5 Hz wide), well
-    // above the static gain 1: the smoothing over a twentieth of the curve (about 9 Hz here)
-    // flattens the theoretical 10.
+    // The peak within 1.5 Hz of 49.87 Hz (half-power band 5 Hz), under 10: smoothed over about 9 Hz.
     const ZmPoint2T<T> peak = Peak(result);
     EXPECT_NEAR(peak.x, 49.87, 1.5) << method;
     EXPECT_LT(peak.y, T(11)) << method;
     if (method == Math<T>::TRANSMISSIBILITY_LINEAR_CORRELATION) {
-      // This route keeps the lags from 0 only: for a causal system the half of the
-      // cross-correlation that carries the response is dropped, so only the shape of the
-      // estimate is meaningful, not its level.
+      // Lags from 0 only: the half of the cross-correlation carrying the response is dropped.
       EXPECT_GT(peak.y, T(2)) << method;
       continue;
     }
@@ -128,9 +119,8 @@ TYPED_TEST(TransmissibilityTwins, HandsBackEveryStageWithItsTitleInOrder) {
       L"FFT phase of input signal|Frequency|Angle (degrees)\nFFT phase of output signal|Frequency|Angle (degrees)\n"
       L"Phase difference (output - input)|Frequency|Angle (degrees)\n");
   ASSERT_EQ(curves.GetSize(), 14u);
-  // The curves are the stages' own: the fitted output starts at the input's level, the
-  // correlations keep the lags from 0 (4096 of 8191), the restrictions stay in range, and the
-  // phase difference is the one returned.
+  // The stages' own curves: fitted output at the input's level, lags from 0 (4096 of 8191), the
+  // restrictions in range, the phase difference returned.
   ExpectRows<std::uint64_t>({{curves[1]->GetSize(), 4096},
                              {curves[3]->GetSize(), 4096},
                              {curves[5]->GetSize(), 4096},
@@ -141,8 +131,7 @@ TYPED_TEST(TransmissibilityTwins, HandsBackEveryStageWithItsTitleInOrder) {
                  {(*curves[7])[curves[7]->GetSize() - 1].x, T(200)}});
   ASSERT_GT(phase.GetSize(), 100u);
   EXPECT_TRUE(phase[0].x >= T(2) && phase[phase.GetSize() - 1].x <= T(200));
-  // Each difference is the output phase minus the input phase, both read at its frequency by a
-  // search from the first point (curves 11 and 12).
+  // Output minus input phase, each read at the frequency by a search from the first point.
   for (std::uint64_t k = 0; k < phase.GetSize(); ++k)
     ASSERT_EQ(phase[k].y, ValueAt(*curves[12], phase[k].x) - ValueAt(*curves[11], phase[k].x)) << k;
   // Resampled at 1 Hz from the first frequency kept.
@@ -177,8 +166,7 @@ TYPED_TEST(TransmissibilityTwins, RefusesWhatItCannotCompute) {
   Curve<T> input, output;
   NoiseThroughOscillator<T>(1024, input, output);
   const T absent = T(kMarker);
-  // Arguments: input, output, input start, output start, step, low, method, high, envelope
-  // step, final step, nfft; an error leaves the result untouched.
+  // An error leaves the result untouched.
   const auto refused = [&](const Curve<T>& in, const Curve<T>& out, T outStart, T step, T low, int method, T high,
                            T finalStep, std::uint64_t nfft) {
     Curve<T> result = {ZmPoint2T<T>(T(7), T(8))};
@@ -189,9 +177,7 @@ TYPED_TEST(TransmissibilityTwins, RefusesWhatItCannotCompute) {
     EXPECT_EQ(result[0].y, T(8));
     return message;
   };
-  // ComputeFFT's errors pass through: a length that is not a power of two, and too few samples.
-  // Work beyond the stated bounds is refused before it starts: a 2-point curve sampled a
-  // billion times, an output too long for a correlation route, nfft, the final step. A silent
+  // ComputeFFT's errors pass through; work beyond the bounds is refused before it starts; a silent
   // input has no spectrum to divide by.
   const Curve<T> twoPoints = {ZmPoint2T<T>(T(0), T(1)), ZmPoint2T<T>(T(kStep), T(2))};
   Curve<T> longOutput = output, silent = input;
