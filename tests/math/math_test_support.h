@@ -101,10 +101,10 @@ void ExpectAll(std::initializer_list<T> values, const U& expected) {
   TYPED_TEST_SUITE(Name, ::math_test::Scalars)
 
 // The twin's types, opening a typed test: T, its statics M, points P, vectors V and V2, matrices R.
-#define MATH_TWIN_TYPES                               \
-  using T = TypeParam;                                \
-  using M [[maybe_unused]] = ZmMathT<T>;              \
-  using P [[maybe_unused]] = ZmPoint3T<T>;            \
-  using V [[maybe_unused]] = ZmVector3T<T>;           \
-  using V2 [[maybe_unused]] = ZmVector2T<T>;          \
+#define MATH_TWIN_TYPES                      \
+  using T = TypeParam;                       \
+  using M [[maybe_unused]] = ZmMathT<T>;     \
+  using P [[maybe_unused]] = ZmPoint3T<T>;   \
+  using V [[maybe_unused]] = ZmVector3T<T>;  \
+  using V2 [[maybe_unused]] = ZmVector2T<T>; \
   using R [[maybe_unused]] = ZmMatrix3T<T>

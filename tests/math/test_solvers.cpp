@@ -1,5 +1,4 @@
-// Linear systems, determinant and product, polynomial roots and straight-line regression of
-// ZmMathd / ZmMathf. Expected values come from numpy (quoted) or by hand.
+// Linear systems, determinant and product, polynomial roots and regression; numpy or hand values.
 #include "math_test_support.h"
 
 using namespace math_test;
@@ -19,10 +18,8 @@ const wchar_t* const kNegativeDelta = L"Error while resolving 2-dim polynom : ne
 
 TYPED_TEST(SolveTwins, LinearSystemsRefuseBelowTheFloatSingularThresholds) {
   using T = TypeParam;
-  // m = [[1, 0], [0, -v]] has d = v: x0 = b0, x1 = -b1 / v. 1e-9 is far under the 1e-6 stage,
-  // yet solved whatever loose says; the 1e-12f threshold itself (9.999999960041972e-13 in
-  // double, above the exact decimal 1e-12 test it replaces) is solved, the next value below
-  // is refused with b untouched.
+  // [[1, 0], [0, -v]]: x = (b0, -b1 / v), solved whatever loose says down to the 1e-12f threshold
+  // itself (9.999999960041972e-13 in double, not the decimal 1e-12); below, b untouched.
   const T atThreshold = static_cast<T>(1.0e-12f);
   for (unsigned char loose : {0, 1}) {
     // 2x + y = 3, x + 3y = 5: numpy.linalg.solve -> (0.8, 1.4).
@@ -41,9 +38,8 @@ TYPED_TEST(SolveTwins, LinearSystemsRefuseBelowTheFloatSingularThresholds) {
   EXPECT_EQ(Math<T>::Determinant3x3(m), T(263));
   ASSERT_EQ(Math<T>::SolveSystem3x3(m, b), 1);
   ExpectNearRows<T>(T(1e-5), {{b[0], 1}, {b[1], -2}, {b[2], 4}});
-  // The same system with two rows exchanged (det = -263), the identity with two rows
-  // exchanged (det = -1), a singular one, a NaN, and diag(1, 1, v) with v just under 1e-6f
-  // (det = v exactly) are all refused with b untouched; v = 1e-6f itself is accepted.
+  // Refused, b untouched: a negative determinant (rows exchanged), a singular matrix, a NaN, and
+  // det = v just under 1e-6f; v = 1e-6f itself is accepted.
   const T threshold = static_cast<T>(1.0e-6f);
   T rejected[5][3][3] = {{{3, 6, -4}, {4, -2, 1}, {2, 1, 8}},
                          {{0, 1, 0}, {1, 0, 0}, {0, 0, 1}},
@@ -58,13 +54,11 @@ TYPED_TEST(SolveTwins, LinearSystemsRefuseBelowTheFloatSingularThresholds) {
   }
   T small[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, threshold}}, rhs[3] = {1, 2, 3};
   EXPECT_EQ(Math<T>::SolveSystem3x3(small, rhs), 1);
-  // Each unknown is D_k times the reciprocal of det: diag(5, 1, 1) with b0 = 3 gives
-  // 3 * (1/5) = 0.6000000000000001 in double (3/5 would be 0.6); in float both are 0.6f.
+  // D_k times the reciprocal of det: 3 * (1/5) = 0.6000000000000001 in double (3/5 is 0.6).
   T five[3][3] = {{5, 0, 0}, {0, 1, 0}, {0, 0, 1}}, three[3] = {3, 0, 0};
   ASSERT_EQ(Math<T>::SolveSystem3x3(five, three), 1);
   EXPECT_EQ(three[0], ByTwin<T>(0.6000000000000001, 0.6f));
-  // numpy: [[1,2,3],[4,5,6],[7,8,10]] @ [[0.5,-1,2],[3,0.25,-2],[1,1,1]]
-  //      = [[9.5, 2.5, 1], [23, 3.25, 4], [37.5, 5, 8]] (exact in both precisions).
+  // numpy: [[1,2,3],[4,5,6],[7,8,10]] @ [[0.5,-1,2],[3,0.25,-2],[1,1,1]], exact in both twins.
   const T expected[3][3] = {{9.5, 2.5, 1}, {23, 3.25, 4}, {37.5, 5, 8}};
   T left[3][3] = {{1, 2, 3}, {4, 5, 6}, {7, 8, 10}}, right[3][3] = {{0.5, -1, 2}, {3, 0.25, -2}, {1, 1, 1}},
     product[3][3];
@@ -76,9 +70,8 @@ TYPED_TEST(SolveTwins, LinearSystemsRefuseBelowTheFloatSingularThresholds) {
 
 TYPED_TEST(SolveTwins, QuadraticRootsOrderAndMessages) {
   using T = TypeParam;
-  // x^2 - 3x + 2: roots[0] = (sqrt(delta) - c1)/(2 c0) = 2, roots[1] = 1. A negative leading
-  // coefficient swaps them: -x^2 + 3x - 2 -> (1 - 3)/-2 = 1, then 2. Linear: 2x - 4 = 0 gives
-  // its root twice. A constant, no real root and a NaN fail with the roots untouched.
+  // roots[0] = (sqrt(delta) - c1)/(2 c0): a negative c0 swaps them. Linear: the root twice. A
+  // constant, no real root and a NaN fail with the roots untouched.
   const struct {
     T c[3];
     const wchar_t* message;
@@ -96,16 +89,14 @@ TYPED_TEST(SolveTwins, QuadraticRootsOrderAndMessages) {
 TYPED_TEST(SolveTwins, CubicTakesItsOtherRootsFromTheLeadingQuadraticAndEndsAfterTheIterationBound) {
   using T = TypeParam;
   const T eps = static_cast<T>(1e-6), marker = T(kMarker);
-  // x^3 - 3x^2 + 2x + 5: numpy.roots -> one real root -0.9041608591349206 (Newton from -2);
-  // the other two slots hold the roots of x^2 - 3x + 2, i.e. 2 and 1, not the complex pair.
+  // numpy.roots: one real root; the other slots hold those of x^2 - 3x + 2, not the complex pair.
   const T c[4] = {1, -3, 2, 5};
   T roots[3] = {0, 0, 0}, lastStep = marker;
   EXPECT_EQ(Math<T>::SolvePolynom3(c, T(-2), eps, roots, &lastStep, 0), nullptr);
   EXPECT_NEAR(roots[0], T(-0.9041608591349206), Loose<T>());
   EXPECT_LE(std::fabs(lastStep), eps);
   ExpectRows<T>({{roots[1], 2}, {roots[2], 1}});
-  // (x-1)(x-2)(x-3) from 0: roots[0] -> 1; x^2 - 6x + 11 has a negative delta; tolerant, the
-  // other slots take the marker.
+  // (x-1)(x-2)(x-3) from 0: 1, and x^2 - 6x + 11 has a negative delta; tolerant: the marker.
   const T c123[4] = {1, -6, 11, -6};
   EXPECT_EQ(Message(Math<T>::SolvePolynom3(c123, T(0), eps, roots, nullptr, 0)), kNegativeDelta);
   EXPECT_NEAR(roots[0], T(1), Loose<T>());
@@ -118,8 +109,7 @@ TYPED_TEST(SolveTwins, CubicTakesItsOtherRootsFromTheLeadingQuadraticAndEndsAfte
   EXPECT_EQ(Message(Math<T>::SolvePolynom3(flat, T(0), eps, kept, nullptr, 1)),
             L"Error while resolving 3-dim polynom : null derivate denominator");
   ExpectRows<T>({{kept[0], 0}, {kept[1], 5}, {kept[2], 5}});
-  // x^3 - 2x + 2 from 0 cycles exactly: f(0)/f'(0) = 2/-2 -> x = 1, f(1)/f'(1) = 1/1 -> x = 0.
-  // After 1000 updates (an even number) x is back at 0. The message names the quartic.
+  // x^3 - 2x + 2 from 0 cycles 0, 1, 0 ...: after 1000 updates back at 0. The message names the quartic.
   const T cycles[4] = {1, 0, -2, 2};
   T nine[3] = {9, 9, 9}, step = 42;
   EXPECT_EQ(Message(Math<T>::SolvePolynom3(cycles, T(0), T(1e-6), nine, &step, 0)),
@@ -138,9 +128,8 @@ TYPED_TEST(SolveTwins, CubicTakesItsOtherRootsFromTheLeadingQuadraticAndEndsAfte
 TYPED_TEST(SolveTwins, QuarticRestartsTheCubicFromTheCallersStart) {
   using T = TypeParam;
   const T eps = static_cast<T>(1e-6), marker = T(kMarker);
-  // (x-1)(x-2)(x-3)(x-4) from 2.3: Newton (independent numpy run) -> 2. The deflated cubic
-  // (x-1)(x-3)(x-4) from 2.3 -> 3, while from the root 2 it would go to 4. Its leading
-  // quadratic x^2 - 8x + 19 has a negative delta; the quartic set the marker first.
+  // (x-1)(x-2)(x-3)(x-4) from 2.3 -> 2 (numpy Newton); deflated from 2.3 -> 3 (from 2 it would go
+  // to 4); x^2 - 8x + 19 has a negative delta; the quartic set the marker first.
   const T c[5] = {1, -10, 35, -50, 24};
   T roots[4] = {0, 0, 0, 0}, lastSteps[2] = {marker, marker};
   EXPECT_EQ(Message(Math<T>::SolvePolynom4(c, T(2.3), eps, roots, lastSteps, 0)), kNegativeDelta);
@@ -151,8 +140,7 @@ TYPED_TEST(SolveTwins, QuarticRestartsTheCubicFromTheCallersStart) {
   EXPECT_EQ(Math<T>::SolvePolynom4(c, T(2.3), eps, roots, lastSteps, 1), nullptr);
   EXPECT_NEAR(roots[1], T(3), Loose<T>());
   EXPECT_EQ(roots[3], marker);
-  // x^4 - 5x^2 + 4 from 0.5: 1, deflated x^3 + x^2 - 4x - 4 from 0.5 -> -2, and the roots of
-  // x^2 + x - 4: numpy.roots -> 1.5615528128088303 then -2.5615528128088303.
+  // x^4 - 5x^2 + 4 from 0.5: 1, deflated -> -2, then numpy.roots(x^2 + x - 4).
   const T even[5] = {1, 0, -5, 0, 4};
   EXPECT_EQ(Math<T>::SolvePolynom4(even, T(0.5), eps, roots, nullptr, 0), nullptr);
   ExpectNearRows<T>(Loose<T>(),
@@ -163,10 +151,8 @@ TYPED_TEST(SolveTwins, QuarticRestartsTheCubicFromTheCallersStart) {
   EXPECT_EQ(Message(Math<T>::SolvePolynom4(flat, T(0), eps, kept, nullptr, 1)),
             L"Error while resolving 4-dim polynom : null derivate denominator");
   ExpectRows<T>({{kept[0], 0}, {kept[1], marker}});
-  // x^4 - x^2 + 2x - 2 = (x - 1)(x^3 + x^2 + 2): from 0, Newton lands exactly on 1 (f(0)/f'(0) =
-  // -2/2); the deflated cubic restarted at 0 has f'(0) = 0. Not tolerant: the cubic's error,
-  // kept[1] the cubic's start, written before it failed. Tolerant: roots[1..3] back to the
-  // marker and success.
+  // (x - 1)(x^3 + x^2 + 2): Newton from 0 lands on 1; the deflated cubic from 0 has f'(0) = 0: its
+  // error, kept[1] its start; tolerant: the marker and success.
   const T deflatesFlat[5] = {1, 0, -1, 2, -2};
   EXPECT_EQ(Message(Math<T>::SolvePolynom4(deflatesFlat, T(0), eps, kept, nullptr, 0)),
             L"Error while resolving 3-dim polynom : null derivate denominator");
@@ -180,8 +166,7 @@ TYPED_TEST(SolveTwins, RegressionOverArraysAndOverPoints) {
   using A = WbArrayTempl<T>;
   using Points = Curve<T>;
   T slope = 11, intercept = 13, quality = 17;
-  // Arrays: one value or none is a success that writes nothing; every x equal, or a y shorter
-  // than x (never read past its end), fails. Points: one point, or equal abscissas, fail.
+  // One value or none: success, nothing written; equal x, a short y, one point: refused.
   ExpectRows<int>({{Math<T>::LinearRegression(A{T(1)}, A{T(2)}, slope, intercept), 1},
                    {Math<T>::LinearRegression(A{}, A{}, slope, intercept), 1},
                    {Math<T>::LinearRegression(A{2, 2, 2}, A{1, 2, 3}, slope, intercept), 0},
@@ -189,8 +174,7 @@ TYPED_TEST(SolveTwins, RegressionOverArraysAndOverPoints) {
                    {Math<T>::LinearRegression(Points{ZmPoint2T<T>(1, 2)}, slope, intercept, quality), 0},
                    {Math<T>::LinearRegression(Points{{1, 2}, {1, 3}}, slope, intercept, quality), 0}});
   ExpectRows<T>({{slope, 11}, {intercept, 13}, {quality, 17}});
-  // numpy.polyfit([0..5], [1.1, 2.9, 5.2, 6.8, 9.1, 11.0], 1) -> 1.9914285714285707,
-  // 1.0380952380952362; quality from its formula over numpy sums: 0.5208801238965849.
+  // numpy.polyfit; the quality from its formula over numpy sums.
   const A x{0, 1, 2, 3, 4, 5}, y{T(1.1), T(2.9), T(5.2), T(6.8), T(9.1), T(11.0)};
   ASSERT_EQ(Math<T>::LinearRegression(x, y, slope, intercept), 1);
   ExpectNearRows<T>(T(1e-5), {{slope, 1.9914285714285707}, {intercept, 1.0380952380952362}});
@@ -198,9 +182,8 @@ TYPED_TEST(SolveTwins, RegressionOverArraysAndOverPoints) {
   ASSERT_EQ(Math<T>::LinearRegression(noisy, slope, intercept, quality), 1);
   ExpectNearRows<T>(T(1e-5), {{slope, 1.9914285714285707}, {intercept, 1.0380952380952362}});
   EXPECT_NEAR(quality, T(0.5208801238965849), T(1e-4));
-  // (0,1), (1,3), (2,5): Sx 3, Sy 9, Sxx 5, Sxy 13, Syy 35, D = 6. slope 2, intercept 1;
-  // quality = (5*9 - 13*3) / sqrt((3*35 - 81) * 6) = 6 / 12 = 0.5 (Pearson's r would be 1).
-  // A constant ordinate: n*Syy - Sy^2 = 3*12 - 36 = 0, so quality = 12 / 0 = +inf.
+  // quality = (5*9 - 13*3) / sqrt((3*35 - 81) * 6) = 0.5 (Pearson's r would be 1); a constant
+  // ordinate: 12 / (3*12 - 36) = +inf.
   ASSERT_EQ(Math<T>::LinearRegression(Points{{0, 1}, {1, 3}, {2, 5}}, slope, intercept, quality), 1);
   ExpectRows<T>({{slope, 2}, {intercept, 1}, {quality, 0.5}});
   ASSERT_EQ(Math<T>::LinearRegression(Points{{0, 2}, {1, 2}, {2, 2}}, slope, intercept, quality), 1);
