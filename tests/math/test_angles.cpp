@@ -31,9 +31,10 @@ TEST(Angles, DegreesUseTheFloatValueOf180OverPiAndTheCosineIsClamped) {
   });
 }
 
-TYPED_TEST(AngleTwins, VertexAngleAndTheZeroVectorSentinel) {
+TYPED_TEST(AngleTwins, VertexAndRotationAnglesSignsNormalsAndTheZeroVectorSentinel) {
   MATH_TWIN_TYPES;
-  EXPECT_EQ(M::AngleDeg(P(1, 1, 0), P(3, 1, 0), P(1, 4, 0)), RightAngle<T>());
+  const T right = RightAngle<T>();
+  EXPECT_EQ(M::AngleDeg(P(1, 1, 0), P(3, 1, 0), P(1, 4, 0)), right);
   // The marker, unscaled by the degree factor: coincident points, vectors under 1e-6f, NaN, invalid.
   ExpectAll<T>({M::AngleRad(V(0, 0, 0), V(1, 0, 0)), M::AngleDeg(V(0, 0, 0), V(1, 0, 0)),
                 M::AngleDeg(ZmVector2T<T>(1, 0), ZmVector2T<T>(0, 0)), M::AngleDeg(P(1, 1, 0), P(1, 1, 0), P(1, 4, 0)),
@@ -41,11 +42,6 @@ TYPED_TEST(AngleTwins, VertexAngleAndTheZeroVectorSentinel) {
                 M::AngleDeg(V(WbCoord3DT<T>::INVALID), V(1, 0, 0)),
                 M::AngleDeg(P(WbCoord3DT<T>::INVALID), P(3, 1, 0), P(1, 4, 0))},
                T(kMarker));
-}
-
-TYPED_TEST(AngleTwins, RotationAngleSignsAndNormals) {
-  MATH_TWIN_TYPES;
-  const T right = RightAngle<T>();
   ExpectRows<T>({
       {M::RotationAngle(V2(1, 0), V2(0, -1)), -right},  // clockwise
       {M::RotationAngle(V2(1, 0), V2(0, 5)), right},

@@ -9,9 +9,7 @@ MATH_TWIN_SUITE(SolveTwins);
 
 // Tolerance for results of iterative or rounded computations in each precision.
 template <class T>
-T Loose() {
-  return ByTwin<T>(1e-9, 2e-4);
-}
+const T kLoose = ByTwin<T>(1e-9, 2e-4);
 
 const wchar_t* const kNullCoefficients = L"Error while resolving 2-dim polynom : null coefficients";
 const wchar_t* const kNegativeDelta = L"Error while resolving 2-dim polynom : negative delta";
@@ -68,7 +66,7 @@ TYPED_TEST(SolveTwins, LinearSystemsRefuseBelowTheFloatSingularThresholds) {
     ExpectRows<T>({{product[i / 3][i % 3], expected[i / 3][i % 3]}, {left[i / 3][i % 3], expected[i / 3][i % 3]}});
 }
 
-TYPED_TEST(SolveTwins, QuadraticRootsOrderAndMessages) {
+TYPED_TEST(SolveTwins, QuadraticRootsAndTheCubicTakingItsOtherRootsFromTheLeadingQuadratic) {
   using T = TypeParam;
   // roots[0] = (sqrt(delta) - c1)/(2 c0): a negative c0 swaps them. Linear: the root twice. A
   // constant, no real root and a NaN fail with the roots untouched.
@@ -84,22 +82,19 @@ TYPED_TEST(SolveTwins, QuadraticRootsOrderAndMessages) {
     EXPECT_EQ(Message(Math<T>::SolvePolynom2(r.c, roots)), r.message ? r.message : Message(nullptr));
     ExpectRows<T>({{roots[0], r.r0}, {roots[1], r.r1}});
   }
-}
-
-TYPED_TEST(SolveTwins, CubicTakesItsOtherRootsFromTheLeadingQuadraticAndEndsAfterTheIterationBound) {
-  using T = TypeParam;
+  // The cubic ends after its iteration bound.
   const T eps = static_cast<T>(1e-6), marker = T(kMarker);
   // numpy.roots: one real root; the other slots hold those of x^2 - 3x + 2, not the complex pair.
   const T c[4] = {1, -3, 2, 5};
   T roots[3] = {0, 0, 0}, lastStep = marker;
   EXPECT_EQ(Math<T>::SolvePolynom3(c, T(-2), eps, roots, &lastStep, 0), nullptr);
-  EXPECT_NEAR(roots[0], T(-0.9041608591349206), Loose<T>());
+  EXPECT_NEAR(roots[0], T(-0.9041608591349206), kLoose<T>);
   EXPECT_LE(std::fabs(lastStep), eps);
   ExpectRows<T>({{roots[1], 2}, {roots[2], 1}});
   // (x-1)(x-2)(x-3) from 0: 1, and x^2 - 6x + 11 has a negative delta; tolerant: the marker.
   const T c123[4] = {1, -6, 11, -6};
   EXPECT_EQ(Message(Math<T>::SolvePolynom3(c123, T(0), eps, roots, nullptr, 0)), kNegativeDelta);
-  EXPECT_NEAR(roots[0], T(1), Loose<T>());
+  EXPECT_NEAR(roots[0], T(1), kLoose<T>);
   roots[1] = roots[2] = 0;
   EXPECT_EQ(Math<T>::SolvePolynom3(c123, T(0), eps, roots, nullptr, 1), nullptr);
   ExpectAll<T>({roots[1], roots[2]}, marker);
@@ -117,7 +112,7 @@ TYPED_TEST(SolveTwins, CubicTakesItsOtherRootsFromTheLeadingQuadraticAndEndsAfte
   ExpectRows<T>({{nine[0], 0}, {nine[1], 9}, {step, 42}});
   // Tolerant: go on with the quadratic x^2 - 2 -> (sqrt(8)/2, -sqrt(8)/2); lastStep unwritten.
   EXPECT_EQ(Math<T>::SolvePolynom3(cycles, T(0), T(1e-6), nine, &step, 1), nullptr);
-  ExpectNearRows<T>(Loose<T>(), {{nine[1], 1.4142135623730951}, {nine[2], -1.4142135623730951}});
+  ExpectNearRows<T>(kLoose<T>, {{nine[1], 1.4142135623730951}, {nine[2], -1.4142135623730951}});
   EXPECT_EQ(step, T(42));
   // NaN coefficients and a NaN bound never converge: the same bounded failure.
   const T withNaN[4] = {1, Nan<T>(), 0, 1};
@@ -133,17 +128,17 @@ TYPED_TEST(SolveTwins, QuarticRestartsTheCubicFromTheCallersStart) {
   const T c[5] = {1, -10, 35, -50, 24};
   T roots[4] = {0, 0, 0, 0}, lastSteps[2] = {marker, marker};
   EXPECT_EQ(Message(Math<T>::SolvePolynom4(c, T(2.3), eps, roots, lastSteps, 0)), kNegativeDelta);
-  ExpectNearRows<T>(Loose<T>(), {{roots[0], 2}, {roots[1], 3}});
+  ExpectNearRows<T>(kLoose<T>, {{roots[0], 2}, {roots[1], 3}});
   ExpectAll<T>({roots[2], roots[3]}, marker);
   EXPECT_LE(std::max(std::fabs(lastSteps[0]), std::fabs(lastSteps[1])), eps);
   roots[1] = 0;
   EXPECT_EQ(Math<T>::SolvePolynom4(c, T(2.3), eps, roots, lastSteps, 1), nullptr);
-  EXPECT_NEAR(roots[1], T(3), Loose<T>());
+  EXPECT_NEAR(roots[1], T(3), kLoose<T>);
   EXPECT_EQ(roots[3], marker);
   // x^4 - 5x^2 + 4 from 0.5: 1, deflated -> -2, then numpy.roots(x^2 + x - 4).
   const T even[5] = {1, 0, -5, 0, 4};
   EXPECT_EQ(Math<T>::SolvePolynom4(even, T(0.5), eps, roots, nullptr, 0), nullptr);
-  ExpectNearRows<T>(Loose<T>(),
+  ExpectNearRows<T>(kLoose<T>,
                     {{roots[0], 1}, {roots[1], -2}, {roots[2], 1.5615528128088303}, {roots[3], -2.5615528128088303}});
   // x^4 + 1: f'(0) = 0 fails at once with the quartic's own message, sentinels already set.
   const T flat[5] = {1, 0, 0, 0, 1};
