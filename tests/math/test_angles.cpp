@@ -16,8 +16,7 @@ T RightAngle() {
 TEST(Angles, DegreesUseTheFloatValueOf180OverPiAndTheCosineIsClamped) {
   using V = ZmVector3d;
   using Vf = ZmVector3f;
-  // (1, 1, 1) and (1, 0, 4) normalised have dot products 1 + 2.2e-16 in double and 1 + 1.2e-7 in
-  // float with themselves: NaN without the clamp.
+  // (1, 1, 1) and (1, 0, 4) normalised dot themselves to 1 + 2.2e-16 (double), 1 + 1.2e-7 (float).
   ExpectRows<double>({
       {ZmMathd::AngleDeg(V(1, 0, 0), V(0, 2, 0)), 89.99999505843996},
       {ZmMathd::AngleDeg(ZmVector2d(3, 0), ZmVector2d(0, -1)), 89.99999505843996},
@@ -68,8 +67,7 @@ TYPED_TEST(AngleTwins, VertexAndRotationAnglesSignsNormalsAndTheZeroVectorSentin
 
 TYPED_TEST(AngleTwins, OrthogonalCompletion) {
   MATH_TWIN_TYPES;
-  // Zero or NaN: z. Along z: v = (u.z, 0, 0). (1e-4, 0, 0): u x v = 1e-8 z cannot be normalised,
-  // w is formed from the unit u, v.
+  // Zero or NaN: z. Along z: v = (u.z, 0, 0). (1e-4, 0, 0): w from the unit u, v, not from 1e-8 z.
   const struct {
     V in, u, v, w;
   } rows[] = {{V(0, 0, 0), V(0, 0, 1), V(1, 0, 0), V(0, 1, 0)},

@@ -112,8 +112,7 @@ TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
       {M::DistBetweenSegments(P(0, 0, 0), P(2, 0, 0), P(1, 1, 0), P(1, 5, 0)), T(1)},
       // Skew: from (0, 0, 0) to (0, 1, 1), sqrt(2) rounded to float.
       {M::DistBetweenSegments(P(0, 0, 0), P(1, 0, 0), P(0, 1, 1), P(0, 1, 2)), T(kSqrt2F)},
-      // Degenerate segments: both (the points' distance), the first, and the second; the last
-      // would be measured from p0 (sqrt 26) without the swap.
+      // Degenerate: both, the first, the second (measured from p0, sqrt 26, without the swap).
       {M::DistBetweenSegments(P(0, 0, 0), P(0, 0, 0), P(3, 4, 0), P(3, 4, 0)), T(5)},
       {M::DistBetweenSegments(P(5, 1, 0), P(5, 1, 0), P(0, 0, 0), P(10, 0, 0)), T(1)},
       {M::DistBetweenSegments(P(0, 0, 0), P(10, 0, 0), P(5, 1, 0), P(5, 1, 0)), T(1)},

@@ -1,5 +1,4 @@
-// Injury criteria: HIC against a scan of every pair and a half sine by hand, the clip level, units,
-// the resultant and the refusals.
+// Injury criteria: HIC against a scan of every pair and a half sine by hand, clip level, resultant.
 #include <random>
 
 #include "math_test_support.h"

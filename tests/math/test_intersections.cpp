@@ -23,8 +23,7 @@ TEST(Intersections, SegmentsIn2DWriteTheirParametersEvenOutOfRange) {
     EXPECT_EQ(ZmMathd::IntersectSegments(P2(0, 0), p1, q0, q1, &actualS, &actualT, asLines), result);
     ExpectRows<double>({{actualS, s}, {actualT, t}});
   };
-  // Parallel: both parameters invalid. Beyond the first segment's end (s = 1.5): 0 for segments,
-  // 1 for lines, parameters written in both cases. Then a proper crossing.
+  // Parallel: invalid parameters. At s = 1.5: 0 for segments, 1 for lines, written in both cases.
   check(P2(1, 0), P2(0, 1), P2(1, 1), 1, 0, kMarker, kMarker);
   check(P2(1, 0), P2(1.5, -1), P2(1.5, 1), 0, 0, 1.5, 0.5);
   check(P2(1, 0), P2(1.5, -1), P2(1.5, 1), 1, 1, 1.5, 0.5);
@@ -38,8 +37,7 @@ TEST(Intersections, SegmentsIn2DWriteTheirParametersEvenOutOfRange) {
 }
 
 TEST(Intersections, SegmentsIn3DAreSeenAlongTheNormal) {
-  // Seen along z they cross at s = t = 0.5, one point on each segment, 1 apart in z. Parallel in the
-  // view: 0, invalid parameters, points untouched.
+  // Seen along z: s = t = 0.5, one point on each. Parallel in the view: invalid, points untouched.
   P onP, onQ;
   double s, t;
   const P o(0, 0, 0), x(1, 0, 0);
@@ -50,8 +48,7 @@ TEST(Intersections, SegmentsIn3DAreSeenAlongTheNormal) {
   EXPECT_EQ(ZmMathd::IntersectSegments(o, x, P(0, 1, 1), P(1, 1, 1), V(0, 0, 1), onP, onQ, &s, &t, 1), 0);
   EXPECT_EQ(s, kMarker);
   EXPECT_EQ(onP, P(7, 7, 7));
-  // Half-lines from o along +x: a hit; missed behind the start, beside the ray, parallel; a zero
-  // direction or segment.
+  // Half-lines: a hit; missed behind the start, beside, parallel; a zero direction or segment.
   const P a(2, -1, 0), b(2, 1, 0);
   const V along(1, 0, 0);
   EXPECT_EQ(ZmMathd::IntersectHalfLineSegment(o, along, a, b), 1);
@@ -102,8 +99,7 @@ TEST(Intersections, PointInTriangleUsesTheToleranceTwice) {
                    {ZmMathd::PointIsInTriangle(P(0.2, 0.2, 0.009), a, b, c, 0.001), 1},
                    {ZmMathd::PointIsInTriangle(P(0.8, 0.8, 0.009), a, b, c, 0.001), 0},
                    {ZmMathd::PointIsInTriangle(P(0.5, 0, 0), a, b, P(2, 0, 0), 0.1), 0}});
-  // 2D: the area sum alone, strict: inside (0.25 + 0.5 + 1.25 = 2) a tolerance of 0 accepts nothing,
-  // the smallest positive one the closed triangle. (2, 2): 2 + 2 + 2 = 6 against 2 (1 + tol).
+  // 2D, the area sum alone and strict: 0.25 + 0.5 + 1.25 = 2 needs tol > 0; (2, 2): 6 against 2 (1 + tol).
   const auto in2D = [](P2 p, double tol) { return ZmMathd::PointIsInTriangle(p, P2(0, 0), P2(2, 0), P2(0, 2), tol); };
   ExpectRows<int>(
       {{in2D(P2(0.5, 0.5), 0.0), 0},

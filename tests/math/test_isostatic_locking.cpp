@@ -74,8 +74,7 @@ TEST(IsoStaticLocking, RigidMotionsComeBackOntoTheNominalPart) {
   ASSERT_GT(LargestGap(positions, nominal), 10.0);
   ASSERT_EQ(Lock(nominal, 4, 17, 99, positions), kDone);
   EXPECT_LT(LargestGap(positions, nominal), 1e-12);
-  // Two locators along x: the third is taken one unit along y from the first in both sets, so a
-  // turn about z with a shift is undone too.
+  // Two locators along x: the third is one unit along y from the first, a turn about z is undone.
   Points part = nominal;
   part[1] = part[0] + V(20, 0, 0);
   positions = Moved(part, V(0, 0, 1), -40.0, V(-3, 7, 2));

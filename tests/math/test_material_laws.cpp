@@ -1,5 +1,4 @@
-// Material-law fits and curves. Expected values from numpy in double (f32 = numpy.float32, the
-// rounding of a power before its coefficient); the float twin at float accuracy.
+// Material laws: numpy values in double (f32 = numpy.float32: a power rounded before its coefficient).
 #include "math_test_support.h"
 
 using namespace math_test;
@@ -44,8 +43,7 @@ TYPED_TEST(MaterialTwins, HollomonFitUsesTheFloatLowerBoundAnchorsOnTheLastPoint
   const double expectedEps0 = kIsDouble<T> ? 0.0007938440807106375 : 0.0005508853348326922;
   EXPECT_NEAR(eps0, expectedEps0, expectedEps0 * ByTwin<T>(1e-10, 1e-3));
   K = n = -1;
-  // Refused: the last point but one (0.1) lowers the bound, leaving two candidates; three at one
-  // strain; a NaN strain; three points (one candidate at most).
+  // Refused: two candidates (0.1 lowers the bound), three at one strain, a NaN strain, three points.
   const Curve<T> three{{0.0, 100.0}, {0.1, 200.0}, {0.2, 300.0}};
   const Curve<T> refused[] = {{{0.0, 100.0}, {0.01, 150.0}, {0.05, 200.0}, {0.1, 250.0}, {0.2, 300.0}},
                               {{0.0, 100.0}, {0.01, 150.0}, {0.2, 280.0}, {0.2, 290.0}, {0.2, 300.0}},
@@ -136,8 +134,7 @@ TYPED_TEST(MaterialTwins, KeelerBranchesPlaneStrainLimitAndTheFloatExponentThres
   // n under 0.21f scales FLD0: (23 + f32(14.6)*1.2)*0.15/f32(0.21) %.
   ASSERT_EQ(Math<T>::ComputeKeelerCurvePoints(curve, T(1.2), T(0.15)), 1);
   ExpectClose<T>({{curve[80].y, 0.2541991618933589}});
-  // 0.209999997 lies between f32(0.21) = 0.20999999344 and 0.21 (it is 0.21f in float): not scaled,
-  // e0 as for n 0.3; 0.2099999 is scaled.
+  // 0.209999997, between f32(0.21) and 0.21 (0.21f in float): not scaled, e0 as for n 0.3.
   ASSERT_EQ(Math<T>::ComputeKeelerCurvePoints(curve, T(1), T(0.209999997)), 1);
   ExpectClose<T>({{curve[80].y, 0.31918074228346105}});
   ASSERT_EQ(Math<T>::ComputeKeelerCurvePoints(curve, T(1), T(0.2099999)), 1);

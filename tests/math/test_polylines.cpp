@@ -84,8 +84,7 @@ TYPED_TEST(PolylineTwins, ProjectedPointAndItsArcLengthParameter) {
 
 TYPED_TEST(PolylineTwins, ProjectionOnPolylineSegmentPairsAndUnusablePoints) {
   MATH_TWIN_TYPES;
-  // Ties go to the lower segment; segIndex is optional; a one-point line has no segment.
-  // Segments 1 and 2 of the broken line touch an invalid point and are skipped; 3 is nearest.
+  // Ties to the lower segment; no segment in one point; segments touching an invalid point skipped.
   const Line<T> corner{P(0, 0, 0), P(2, 0, 0), P(2, 2, 0)};
   const Line<T> broken{P(0, 0, 0), P(4, 0, 0), InvalidPoint<T>(), P(4, 3, 0), P(8, 3, 0)};
   const struct {
@@ -103,8 +102,7 @@ TYPED_TEST(PolylineTwins, ProjectionOnPolylineSegmentPairsAndUnusablePoints) {
     EXPECT_EQ(segment, r.segment);
   }
   EXPECT_EQ(M::ProjOnPolyline(P(3, 1.5, 0), corner), P(2, 1.5, 0));
-  // Pairs (0,0,0)-(4,0,0) at 1.2 and (0,3,0)-(4,3,0) at 1.8 from p; the odd last point
-  // (2, 1, 0) is 0.2 from p but no segment, and neither is (4,0,0)-(0,3,0) between the pairs.
+  // Pairs at 1.2 and 1.8; neither the odd last point (0.2 away) nor the link between pairs counts.
   const Line<T> pairs{P(0, 0, 0), P(4, 0, 0), P(0, 3, 0), P(4, 3, 0), P(2, 1, 0)};
   ExpectRows<P>({{M::ProjOnSegments(P(2, 1.2, 0), pairs), P(2, 0, 0)},
                  {M::ProjOnSegments(P(2, 2, 0), pairs), P(2, 3, 0)},

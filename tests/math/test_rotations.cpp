@@ -26,8 +26,7 @@ TYPED_TEST(RotationTwins, QuarterTurnsNullAxesAndBadIndices) {
       {M::RotationMatrix(2, T(90)), z90},
       {M::RotationMatrix(0, T(90)), x90},
       {M::RotationMatrix(1, T(-270)), y90},
-      // Null axes (below the float epsilon 1.19e-7) give the identity; the orthonormal completion
-      // replaces an axis no longer than 1e-6f by z.
+      // Axes under the float epsilon: the identity; the completion turns axes up to 1e-6f into z.
       {M::RotationMatrix(V(0, 0, 0), T(30)), R::IDENTITY},
       {M::RotationMatrix(V(1e-7, 0, 0), T(90)), R::IDENTITY},
       {M::RotationMatrix(V(2e-7, 0, 0), T(90)), z90},

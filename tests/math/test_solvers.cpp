@@ -36,8 +36,7 @@ TYPED_TEST(SolveTwins, LinearSystemsRefuseBelowTheFloatSingularThresholds) {
   EXPECT_EQ(Math<T>::Determinant3x3(m), T(263));
   ASSERT_EQ(Math<T>::SolveSystem3x3(m, b), 1);
   ExpectNearRows<T>(T(1e-5), {{b[0], 1}, {b[1], -2}, {b[2], 4}});
-  // Refused, b untouched: a negative determinant (rows exchanged), a singular matrix, a NaN, and
-  // det = v just under 1e-6f; v = 1e-6f itself is accepted.
+  // Refused, b untouched: det < 0 (rows exchanged), singular, NaN, just under 1e-6f (accepted at it).
   const T threshold = static_cast<T>(1.0e-6f);
   T rejected[5][3][3] = {{{3, 6, -4}, {4, -2, 1}, {2, 1, 8}},
                          {{0, 1, 0}, {1, 0, 0}, {0, 0, 1}},
@@ -68,8 +67,7 @@ TYPED_TEST(SolveTwins, LinearSystemsRefuseBelowTheFloatSingularThresholds) {
 
 TYPED_TEST(SolveTwins, QuadraticRootsAndTheCubicTakingItsOtherRootsFromTheLeadingQuadratic) {
   using T = TypeParam;
-  // roots[0] = (sqrt(delta) - c1)/(2 c0): a negative c0 swaps them. Linear: the root twice. A
-  // constant, no real root and a NaN fail with the roots untouched.
+  // roots[0] = (sqrt(delta) - c1)/(2 c0); linear: the root twice; failures leave the roots alone.
   const struct {
     T c[3];
     const wchar_t* message;
@@ -177,8 +175,7 @@ TYPED_TEST(SolveTwins, RegressionOverArraysAndOverPoints) {
   ASSERT_EQ(Math<T>::LinearRegression(noisy, slope, intercept, quality), 1);
   ExpectNearRows<T>(T(1e-5), {{slope, 1.9914285714285707}, {intercept, 1.0380952380952362}});
   EXPECT_NEAR(quality, T(0.5208801238965849), T(1e-4));
-  // quality = (5*9 - 13*3) / sqrt((3*35 - 81) * 6) = 0.5 (Pearson's r would be 1); a constant
-  // ordinate: 12 / (3*12 - 36) = +inf.
+  // quality = (5*9 - 13*3) / sqrt((3*35 - 81) * 6) (Pearson's r would be 1); constant: 12 / 0.
   ASSERT_EQ(Math<T>::LinearRegression(Points{{0, 1}, {1, 3}, {2, 5}}, slope, intercept, quality), 1);
   ExpectRows<T>({{slope, 2}, {intercept, 1}, {quality, 0.5}});
   ASSERT_EQ(Math<T>::LinearRegression(Points{{0, 2}, {1, 2}, {2, 2}}, slope, intercept, quality), 1);

@@ -1,5 +1,4 @@
-// FFT spectra and correlations: numpy (quoted) or hand values, and bit for bit against plain
-// loops written here from the rules.
+// FFT spectra and correlations: numpy or hand values, and bit for bit against plain loops.
 #include <cwchar>
 #include <random>
 
@@ -277,8 +276,7 @@ TYPED_TEST(SpectrumTwins, VectorisedCorrelationEqualsThePlainSums) {
       EXPECT_EQ(mismatches, 0u) << nb << " linear " << int(linear);
     }
   }
-  // Lag 0 is the mean square; the linear one is symmetric bit for bit (lag -q sums a[i]*a[i+q]
-  // in the order of lag q); the series may be its own output.
+  // Lag 0 is the mean square; linear lags -q and q agree bitwise; the series may be its own output.
   Curve<T> c = RandomSignal<T>(1500, 21), circular, linear;
   long double squares = 0;
   for (const auto& p : c) squares += static_cast<long double>(p.y) * p.y;

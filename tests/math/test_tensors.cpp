@@ -1,5 +1,4 @@
-// Principal values and directions of symmetric tensors, strain modes and measures. Expected: the
-// closed-form cubic evaluated apart in Python, by hand, and a long-double Jacobi solver written here.
+// Symmetric tensors, strain modes and measures: Python, hand values and a long-double Jacobi solver.
 #include <algorithm>
 #include <random>
 
@@ -36,9 +35,8 @@ void JacobiEigenvalues(const double (&in)[3][3], long double out[3]) {
   std::sort(out, out + 3, [](long double l, long double r) { return l > r; });
 }
 
-// A random symmetric tensor of five families: random components, the same over twelve orders of
-// magnitude, a near-double eigenvalue (relative gaps down to 1e-12), a near-triple cluster (1e-12 to
-// 1e-2) and eigenvalues 1e6, 1, 1e-6, the last three in random orientations.
+// Five families: random components, over 12 decades, a near-double (gaps to 1e-12) or near-triple
+// eigenvalue, and eigenvalues 1e6, 1, 1e-6; the last three in random orientations.
 struct TensorSampler {
   std::mt19937_64 engine{20261123};
   std::uniform_real_distribution<double> unit{-1.0, 1.0};
@@ -218,8 +216,7 @@ TEST(Tensors, PlaneTensorsInAFrame) {
   check(1, 1, 0, identity, 1, 1, V(1, 0, 0), V(1, 0, 0));
   // (2, 1, 0) turned: s1 = 2 is local (1,0,0) = global X; s2 = 1 local (0,-1,0) = global -Y.
   check(2, 1, 0, turned, 2, 1, V(0, 1, 0), V(1, 0, 0));
-  // A tiny shear: the local direction (1e-7, 1e-7) is below 1e-12 squared; the plain form falls
-  // back to x, the Form variant scales it up and keeps the diagonal.
+  // Direction (1e-7, 1e-7), under 1e-12 squared: x in the plain form, the diagonal in the Form one.
   V d1;
   ZmMathd::Tensor2DToVectors3D(1, 1, 1e-7, identity, nullptr, nullptr, &d1, nullptr);
   EXPECT_EQ(d1, V(1, 0, 0));
@@ -228,8 +225,7 @@ TEST(Tensors, PlaneTensorsInAFrame) {
   ZmVector3f f1;
   ZmMathf::Tensor2DToVectors3D(2, 1, 0, ZmFramef(turned), nullptr, nullptr, &f1, nullptr);
   EXPECT_EQ(f1, ZmVector3f(0, 1, 0));
-  // Directional value (u, v) = (1, 1): 2 + 2 * 0.5 + 3; turned, (1, 1, 0) reads (1, -1): 2 - 1 + 3;
-  // along the frame's z u = v = 0 (w ignored).
+  // (u, v) = (1, 1): 2 + 2 * 0.5 + 3; turned it reads (1, -1): 2 - 1 + 3; along z, 0 (w ignored).
   ExpectRows<double>({{ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, V(1, 1, 5), identity), 6.0},
                       {ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, V(1, 1, 0), turned), 4.0},
                       {ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, V(0, 0, 1), identity), 0.0},

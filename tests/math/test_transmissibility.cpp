@@ -1,5 +1,4 @@
-// ComputeTransmissibility on broadband noise into a one-degree-of-freedom oscillator, whose response
-// is computed here by the exact recursion of its sampled impulse response.
+// Transmissibility of noise through an oscillator simulated here by its exact sampled recursion.
 #include <algorithm>
 #include <random>
 
@@ -119,8 +118,7 @@ TYPED_TEST(TransmissibilityTwins, HandsBackEveryStageWithItsTitleInOrder) {
       L"FFT phase of input signal|Frequency|Angle (degrees)\nFFT phase of output signal|Frequency|Angle (degrees)\n"
       L"Phase difference (output - input)|Frequency|Angle (degrees)\n");
   ASSERT_EQ(curves.GetSize(), 14u);
-  // The stages' own curves: fitted output at the input's level, lags from 0 (4096 of 8191), the
-  // restrictions in range, the phase difference returned.
+  // The stages' curves: output at the input's level, lags from 0 (4096 of 8191), ranges, the phase.
   ExpectRows<std::uint64_t>({{curves[1]->GetSize(), 4096},
                              {curves[3]->GetSize(), 4096},
                              {curves[5]->GetSize(), 4096},
@@ -176,8 +174,7 @@ TYPED_TEST(TransmissibilityTwins, RefusesWhatItCannotCompute) {
     EXPECT_TRUE(result.GetSize() == 1 && result[0].y == T(8));
     return message;
   };
-  // ComputeFFT's errors pass through; work beyond the bounds is refused before it starts; a silent
-  // input has no spectrum to divide by.
+  // FFT errors pass through; work beyond the bounds is refused first; a silent input divides by 0.
   const Curve<T> twoPoints = {ZmPoint2T<T>(T(0), T(1)), ZmPoint2T<T>(T(kStep), T(2))};
   Curve<T> longOutput = output, silent = input;
   longOutput.Add(ZmPoint2T<T>(T(400), T(0)));
