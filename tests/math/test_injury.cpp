@@ -55,7 +55,7 @@ TEST(Injury, HICEqualsTheScanOfEveryPairOnRandomSignals) {
   }
 }
 
-TEST(Injury, HalfSinePulseByHand) {
+TEST(Injury, HalfSinePulseAndBrokenLinesByHand) {
   // a = 100 g sin(pi t / D). The window [D/2 - tau, D/2 + tau], x = pi tau / D, gives HIC =
   // (2 D A^2.5 / pi) sin^2.5(x) / x^1.5, largest at tan x = 5/3 x: x = 1.0527942937699977 (10 ms),
   // or tau = 7.5 ms at most (50 ms). Clip: above L for D (1 - 2 asin(L / A) / pi) = 3 ms.
@@ -77,9 +77,6 @@ TEST(Injury, HalfSinePulseByHand) {
     ASSERT_EQ(ZmMathd::ComputeClipLevel(c, 0.003, kSeconds, 1, level), nullptr);
     EXPECT_NEAR(level, p.clip, 1e-5);
   }
-}
-
-TEST(Injury, ClipLevelOnExactBrokenLines) {
   // Above L for 4 ms (1 - L/10): 3 ms at L = 2.5; a 3 ms plateau. In mm/ms^2: 10 g = 0.0980665.
   const auto triangle = Sampled<double>({0, 0.002, 0.004}, {0, 10, 0});
   const auto inMs = Sampled<double>({0, 2, 4}, {0, 10 * 9.80665e-3, 0});

@@ -17,13 +17,13 @@ Line<float> ToFloat(const Line<double>& line) {
 
 }  // namespace
 
-TEST(Intersections, SegmentsIn2DWriteTheirParametersEvenOutOfRange) {
+TEST(Intersections, SegmentsWriteTheirParametersEvenOutOfRangeAndIn3DAreSeenAlongTheNormal) {
   const auto check = [](P2 p1, P2 q0, P2 q1, unsigned char asLines, unsigned char result, double s, double t) {
     double actualS = 0, actualT = 0;
     EXPECT_EQ(ZmMathd::IntersectSegments(P2(0, 0), p1, q0, q1, &actualS, &actualT, asLines), result);
     ExpectRows<double>({{actualS, s}, {actualT, t}});
   };
-  // Parallel: invalid parameters. At s = 1.5: 0 for segments, 1 for lines, written in both cases.
+  // 2D. Parallel: invalid parameters. At s = 1.5: 0 for segments, 1 for lines, written in both cases.
   check(P2(1, 0), P2(0, 1), P2(1, 1), 1, 0, kMarker, kMarker);
   check(P2(1, 0), P2(1.5, -1), P2(1.5, 1), 0, 0, 1.5, 0.5);
   check(P2(1, 0), P2(1.5, -1), P2(1.5, 1), 1, 1, 1.5, 0.5);
@@ -34,9 +34,6 @@ TEST(Intersections, SegmentsIn2DWriteTheirParametersEvenOutOfRange) {
   const unsigned char hitF = ZmMathf::IntersectSegments(ZmPoint2f(0, 0), ZmPoint2f(2, 0), ZmPoint2f(1.5f, -1),
                                                         ZmPoint2f(1.5f, 1), &sf, &tf, 0);
   ExpectRows<float>({{hitF, 1}, {sf, 0.75f}, {tf, 0.5f}});
-}
-
-TEST(Intersections, SegmentsIn3DAreSeenAlongTheNormal) {
   // Seen along z: s = t = 0.5, one point on each. Parallel in the view: invalid, points untouched.
   P onP, onQ;
   double s, t;
@@ -90,8 +87,8 @@ TEST(Intersections, SphereAgainstLineAndPolyline) {
   check({P(-3, 0, 0), p0}, -1, P(9, 9, 9));
 }
 
-TEST(Intersections, PointInTriangleUsesTheToleranceTwice) {
-  const P a(0, 0, 0), b(1, 0, 0), c(0, 1, 0);
+TEST(Intersections, PointInTriangleUsesTheToleranceTwiceAndProjectionAlongADirection) {
+  const P a(0, 0, 0), b(1, 0, 0), c(0, 1, 0), above(0.2, 0.2, 5);
   // 0.05 above the plane is beyond 10 tol = 0.01. 0.009 above it the area test decides:
   // sub-triangle areas for (0.2, 0.2, 0.009) are |(0,-0.009,0.2)|/2 + |(0.009,0.009,0.6)|/2 +
   // |(-0.009,0,0.2)|/2 = 0.50027 < 1.001 * 0.5. Collinear corners make no plane.
@@ -114,10 +111,6 @@ TEST(Intersections, PointInTriangleUsesTheToleranceTwice) {
                      ZmMathd::TriangleSurface(P2(0, 0), P2(0, 3), P2(2, 0)),
                      ZmMathf::TriangleSurface(ZmPoint3f(0, 0, 1), ZmPoint3f(0, 2, 1), ZmPoint3f(0, 0, 4))},
                     3.0);
-}
-
-TEST(Intersections, ProjectionAlongADirectionIntoATriangle) {
-  const P a(0, 0, 0), b(1, 0, 0), c(0, 1, 0), above(0.2, 0.2, 5);
   const auto check = [&](const P& p, const P& corner, const V& dir, unsigned char inside, const P& expected) {
     P hit(0, 0, 0);
     EXPECT_EQ(ZmMathd::ProjectInTriangle(p, a, corner, c, dir, hit), inside);
@@ -131,12 +124,11 @@ TEST(Intersections, ProjectionAlongADirectionIntoATriangle) {
 }
 
 TEST(Intersections, EvenOddPolygonTest) {
-  const V up(0, 0, 1);
   const Line<double> square{P(0, 0, 0), P(2, 0, 0), P(2, 2, 0), P(0, 2, 0)};
   // A concave L: the notch is outside although the ray crosses the polygon twice.
   const Line<double> ell{P(0, 0, 0), P(4, 0, 0), P(4, 1, 0), P(1, 1, 0), P(1, 4, 0), P(0, 4, 0)};
-  const auto inside = [&up](const P& p, const Line<double>& polygon) {
-    return ZmMathd::IsPointInsidePolygon(p, polygon, up);
+  const auto inside = [](const P& p, const Line<double>& poly) {
+    return ZmMathd::IsPointInsidePolygon(p, poly, V(0, 0, 1));
   };
   ExpectRows<int>({{inside(P(1, 1, 0), square), 1},
                    {inside(P(3, 1, 0), square), 0},

@@ -63,7 +63,7 @@ TYPED_TEST(MaterialTwins, HollomonFitUsesTheFloatLowerBoundAnchorsOnTheLastPoint
   ExpectRows<T>({{lastStress, 1}, {eps0, -1}});
 }
 
-TYPED_TEST(MaterialTwins, HollomonCurveRunsToOneOrToTheCapAndRefusalsLeaveItEmpty) {
+TYPED_TEST(MaterialTwins, CurvesRunToOneOrToTheCapAndRefusalsLeaveThemEmpty) {
   using T = TypeParam;
   Curve<T> curve{{9.0, 9.0}};
   // To strain 1, trunc(10.0000012) + 1 points: (0, 350), then (0.1 i - s/E, s), s = max(350, 500*f32((0.1 i)**0.2)).
@@ -89,11 +89,7 @@ TYPED_TEST(MaterialTwins, HollomonCurveRunsToOneOrToTheCapAndRefusalsLeaveItEmpt
         << c[3] << " " << c[2];
     EXPECT_EQ(curve.GetSize(), 0u);
   }
-}
-
-TYPED_TEST(MaterialTwins, FixedSamplersAtFirstMiddleAndLastPoints) {
-  using T = TypeParam;
-  Curve<T> curve;
+  // The fixed samplers, at first, middle and last points.
   // Strains i*f32(0.05). Krupkowsky: 550*f32((e + 0.01)**0.25).
   ASSERT_EQ(Math<T>::ComputeKrupkowskyCurvePoints(curve, T(550), T(0.25), T(0), T(0.01)), 1);
   ExpectPoints(curve, 21,

@@ -52,7 +52,7 @@ void ExpectProjection(const Line<T>& line, const ZmPoint3T<T>& p, int ok, const 
   EXPECT_TRUE(actualFoot == foot && actualParam == param) << actualParam;
 }
 
-TYPED_TEST(PolylineTwins, ProjectedPointAndItsArcLengthParameter) {
+TYPED_TEST(PolylineTwins, ProjectionsWithTheirArcLengthParameterSegmentAndTieBreaks) {
   MATH_TWIN_TYPES;
   const Line<T> elbow = Elbow<T>();
   ExpectProjection(elbow, P(2, 1, 0), 1, P(2, 0, 0), T(2) / T(7));
@@ -80,10 +80,6 @@ TYPED_TEST(PolylineTwins, ProjectedPointAndItsArcLengthParameter) {
   // a/(a + b) + b/(a + b) is 1.0000001192092896 in float: the end point needs the clamp to 1.
   const T a = 0.951476514339447f, b = 8.416665077209473f;
   ExpectProjection(Line<T>{P(0, 0, 0), P(a, 0, 0), P(a, b, 0)}, P(a, b + 1, 0), 1, P(a, b, 0), T(1));
-}
-
-TYPED_TEST(PolylineTwins, ProjectionOnPolylineSegmentPairsAndUnusablePoints) {
-  MATH_TWIN_TYPES;
   // Ties to the lower segment; no segment in one point; segments touching an invalid point skipped.
   const Line<T> corner{P(0, 0, 0), P(2, 0, 0), P(2, 2, 0)};
   const Line<T> broken{P(0, 0, 0), P(4, 0, 0), InvalidPoint<T>(), P(4, 3, 0), P(8, 3, 0)};
@@ -107,7 +103,6 @@ TYPED_TEST(PolylineTwins, ProjectionOnPolylineSegmentPairsAndUnusablePoints) {
   ExpectRows<P>({{M::ProjOnSegments(P(2, 1.2, 0), pairs), P(2, 0, 0)},
                  {M::ProjOnSegments(P(2, 2, 0), pairs), P(2, 3, 0)},
                  {M::ProjOnSegments(P(2, 2, 0), Line<T>{P(0, 0, 0)}), InvalidPoint<T>()}});
-  const Line<T> elbow = Elbow<T>();
   for (const P& bad : {InvalidPoint<T>(), P(Nan<T>(), 0, 0)}) {
     ExpectProjection(elbow, bad, 0, InvalidPoint<T>(), T(0));
     ExpectAll<P>({M::ProjOnPolyline(bad, elbow), M::ProjOnSegments(bad, elbow)}, InvalidPoint<T>());

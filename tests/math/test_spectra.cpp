@@ -121,10 +121,8 @@ TYPED_TEST(SpectrumTwins, ShortSeriesPureSineAndConstantSignalsByHandAndNumpy) {
   const double degrees[8] = {0,   142.02312457, -10.37507643, -122.09894511,
                              180, 122.09894511, 10.37507643,  -142.02312457};
   const int window6[2] = {0, 5}, window[2] = {0, 255}, window101[2] = {0, 100};
-  Curve<T> spectrum, phase, divided, hamming;
-  ASSERT_EQ(Math<T>::ComputeFFT(Sampled<T>({0, 0.1, 0.2, 0.3, 0.4, 0.5}, {1, 3, -2, 0.5, 4, -1}), window6, 2, 8,
-                                spectrum, 0, &phase),
-            nullptr);
+  Curve<T> spectrum, phase, divided, hamming, six = Sampled<T>({0, 0.1, 0.2, 0.3, 0.4, 0.5}, {1, 3, -2, 0.5, 4, -1});
+  ASSERT_EQ(Math<T>::ComputeFFT(six, window6, 2, 8, spectrum, 0, &phase), nullptr);
   ASSERT_EQ(spectrum.GetSize(), 8u);
   for (int i = 0; i < 8; ++i) {
     ExpectNearRows<T>(1e-5, {{spectrum[i].x, i / 0.7}, {phase[i].x, i / 0.7}, {spectrum[i].y, amplitude[i]}});
@@ -148,9 +146,8 @@ TYPED_TEST(SpectrumTwins, ShortSeriesPureSineAndConstantSignalsByHandAndNumpy) {
   const double expected[5] = {0.00336942, 1.28527235, 3.00173759, 1.28527179, 0.00337055};
   for (int i = 0; i < 5; ++i) EXPECT_NEAR(hamming[18 + i].y, expected[i], 2e-5) << 18 + i;
   // y = 1 over 1 s at 0.01 s: bin 0 is the sum times dt/Tx = 1.01, undoubled; df = 1/(127 dt).
-  ASSERT_EQ(
-      Math<T>::ComputeFFT(Regular<T>(101, 0.01, [](double) { return 1.0; }), window101, 0, 128, spectrum, 0, nullptr),
-      nullptr);
+  const Curve<T> ones = Regular<T>(101, 0.01, [](double) { return 1.0; });
+  ASSERT_EQ(Math<T>::ComputeFFT(ones, window101, 0, 128, spectrum, 0, nullptr), nullptr);
   ASSERT_EQ(spectrum.GetSize(), 128u);
   EXPECT_EQ(spectrum[0].x, T(0));
   EXPECT_NEAR(spectrum[0].y, 1.01, 1.01 * kAccuracy);
@@ -159,13 +156,9 @@ TYPED_TEST(SpectrumTwins, ShortSeriesPureSineAndConstantSignalsByHandAndNumpy) {
 
 TEST(SpectrumTwins, TwinsTransformAlike) {
   // One float transform: on data exact in float the twins agree within an ulp or two.
-  const Curve<double> d = RandomSignal<double>(300, 11);
-  Curve<float> f, spectrumF;
+  Curve<float> f = RandomSignal<float>(300, 11), spectrumF;
   Curve<double> exact, spectrumD;
-  for (std::uint64_t i = 0; i < d.GetSize(); ++i) {
-    f.Add(ZmPoint2f(float(i) * 0.125f, float(d[i].y)));
-    exact.Add(ZmPoint2d(double(i) * 0.125, double(float(d[i].y))));
-  }
+  for (std::uint64_t i = 0; i < f.GetSize(); ++i) f[i].x = float(i) * 0.125f, exact.Add(ZmPoint2d(f[i]));
   const int window[2] = {0, 299};
   ASSERT_EQ(ZmMathd::ComputeFFT(exact, window, 0, 512, spectrumD, 0, nullptr), nullptr);
   ASSERT_EQ(ZmMathf::ComputeFFT(f, window, 0, 512, spectrumF, 0, nullptr), nullptr);
@@ -205,7 +198,28 @@ TYPED_TEST(SpectrumTwins, FftRefusesBadWindowsLengthsAndAbscissas) {
   refused(0, 19, 1, nonIncreasing, signal);
 }
 
-TYPED_TEST(SpectrumTwins, CorrelationBothModesByHand) {
+// The correlations by the formulas, one lag at a time, i increasing, b padded with zeros.
+template <class T>
+std::vector<T> PlainCorrelation(const Curve<T>& a, const Curve<T>& b, bool linear) {
+  const std::uint64_t n = a.GetSize(), nb = b.GetSize() < n ? n : b.GetSize();
+  auto bv = [&](std::uint64_t i) { return i < b.GetSize() ? b[i].y : T(0); };
+  std::vector<T> y;
+  for (std::uint64_t j = 1; !linear && j <= n; ++j) {
+    T sum = 0;
+    for (std::uint64_t i = 0; i < n; ++i) sum = sum + a[i].y * bv((j - 1 + i) % n);
+    y.push_back(T(1) / T(n) * sum);
+  }
+  for (std::uint64_t j = 1; linear && j <= 2 * n - 1; ++j) {
+    T sum = 0;
+    const std::uint64_t lag = j >= n ? j - n : n - j;
+    for (std::uint64_t i = 0; j >= n && i + lag < n; ++i) sum = sum + bv(i) * a[i + lag].y;
+    for (std::uint64_t i = 0; j < n && i + lag < nb && i < n; ++i) sum = sum + a[i].y * bv(i + lag);
+    y.push_back(T(1) / T(n) * sum);
+  }
+  return y;
+}
+
+TYPED_TEST(SpectrumTwins, CorrelationsByHandAndBitForBitAgainstThePlainSums) {
   using T = TypeParam;
   const Curve<T> a = Sampled<T>({0, 0.5, 1}, {1, 2, 3}), b = Sampled<T>({0, 0.5, 1}, {4, 5, 7});
   const Curve<T> shortB = Sampled<T>({0, 0.5}, {4, 5}), longB = Sampled<T>({0, 1, 2, 3, 4}, {4, 5, 7, 10, 11});
@@ -237,39 +251,13 @@ TYPED_TEST(SpectrumTwins, CorrelationBothModesByHand) {
     Math<T>::ComputeCorrelation(Curve<T>(), b, linear, out);
     EXPECT_EQ(out.GetSize(), 0u);
   }
-}
-
-// The correlations by the formulas, one lag at a time, i increasing, b padded with zeros.
-template <class T>
-std::vector<T> PlainCorrelation(const Curve<T>& a, const Curve<T>& b, bool linear) {
-  const std::uint64_t n = a.GetSize(), nb = b.GetSize() < n ? n : b.GetSize();
-  auto bv = [&](std::uint64_t i) { return i < b.GetSize() ? b[i].y : T(0); };
-  std::vector<T> y;
-  for (std::uint64_t j = 1; !linear && j <= n; ++j) {
-    T sum = 0;
-    for (std::uint64_t i = 0; i < n; ++i) sum = sum + a[i].y * bv((j - 1 + i) % n);
-    y.push_back(T(1) / T(n) * sum);
-  }
-  for (std::uint64_t j = 1; linear && j <= 2 * n - 1; ++j) {
-    T sum = 0;
-    const std::uint64_t lag = j >= n ? j - n : n - j;
-    for (std::uint64_t i = 0; j >= n && i + lag < n; ++i) sum = sum + bv(i) * a[i + lag].y;
-    for (std::uint64_t i = 0; j < n && i + lag < nb && i < n; ++i) sum = sum + a[i].y * bv(i + lag);
-    y.push_back(T(1) / T(n) * sum);
-  }
-  return y;
-}
-
-TYPED_TEST(SpectrumTwins, VectorisedCorrelationEqualsThePlainSums) {
-  using T = TypeParam;
   // Sizes across the lag blocks, with b shorter, as long as and longer than a.
-  const Curve<T> a = RandomSignal<T>(1300, 31);
+  const Curve<T> big = RandomSignal<T>(1300, 31);
   for (std::size_t nb : {1300u, 1000u, 1700u, 5u}) {
-    const Curve<T> b = RandomSignal<T>(nb, 32);
+    const Curve<T> other = RandomSignal<T>(nb, 32);
     for (unsigned char linear : {0, 1}) {
-      const std::vector<T> expected = PlainCorrelation(a, b, linear != 0);
-      Curve<T> out;
-      Math<T>::ComputeCorrelation(a, b, linear, out);
+      const std::vector<T> expected = PlainCorrelation(big, other, linear != 0);
+      Math<T>::ComputeCorrelation(big, other, linear, out);
       ASSERT_EQ(out.GetSize(), expected.size());
       std::uint64_t mismatches = 0;
       for (std::uint64_t i = 0; i < expected.size(); ++i) mismatches += !SameBits(out[i].y, expected[i]);

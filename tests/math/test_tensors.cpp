@@ -131,7 +131,7 @@ TEST(Tensors, ClosedFormMatchesAReferenceSolverOnAMillionTensors) {
   EXPECT_LT(worstScaledOrthogonality, kScaledOrthogonalityBound);
 }
 
-TEST(Tensors, StrainModesByQuadrant) {
+TEST(Tensors, StrainModesByQuadrantAndStrainMeasures) {
   // e1 > 0: atan(e2/e1); e1 <= 0 and e2 < 0: atan(e2/e1) - 180 (atan(-inf) for (0, -1)); else -90.
   double mode = 1;
   ExpectRows<double>({{ZmMathd::StrainTensor2DToMode(1, 1, 0, nullptr), 45.0},
@@ -151,10 +151,7 @@ TEST(Tensors, StrainModesByQuadrant) {
   ZmMathd::PlaneTensor3DToVectors3D(-0.05, -0.1, 0, 0, 0, 0, m1, m2, d1, d2);
   ExpectNearRows<double>(1e-8, {{m1, -0.05}, {m2, -0.1}});
   ExpectRows<V>({{d1, V(1, 0, 0)}, {d2, V(0, -1, 0)}});
-}
-
-TEST(Tensors, StrainMeasures) {
-  // numpy eigh of [[xx, xy], [xy, yy]], l = 0.5 ln(2 e + 1), V diag(l) V^T; below -0.5: 0.
+  // Logarithmic strain, numpy eigh of [[xx, xy], [xy, yy]], l = 0.5 ln(2 e + 1), V diag(l) V^T; below -0.5: 0.
   const V rows[][2] = {{V(0.1, 0.05, 0.02), V(0.09086635749645543, 0.04734308259007968, 0.0174093099625503)},
                        {V(0.3, -0.2, -0.15), V(0.2182587313036738, -0.28788976497042773, -0.15184454888223042)},
                        {V(0, 0, 0), V(0, 0, 0)},
