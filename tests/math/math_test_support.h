@@ -33,9 +33,7 @@ T ByTwin(double inDouble, double inFloat) {
 }
 
 template <class T>
-T Nan() {
-  return std::numeric_limits<T>::quiet_NaN();
-}
+const T kNan = std::numeric_limits<T>::quiet_NaN();
 
 template <class T>
 using Curve = WbArrayTempl<ZmPoint2T<T>>;

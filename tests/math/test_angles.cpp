@@ -37,7 +37,7 @@ TYPED_TEST(AngleTwins, VertexAndRotationAnglesSignsNormalsAndTheZeroVectorSentin
   // The marker, unscaled by the degree factor: coincident points, vectors under 1e-6f, NaN, invalid.
   ExpectAll<T>({M::AngleRad(V(0, 0, 0), V(1, 0, 0)), M::AngleDeg(V(0, 0, 0), V(1, 0, 0)),
                 M::AngleDeg(ZmVector2T<T>(1, 0), ZmVector2T<T>(0, 0)), M::AngleDeg(P(1, 1, 0), P(1, 1, 0), P(1, 4, 0)),
-                M::AngleRad(V(9e-7, 0, 0), V(1, 0, 0)), M::AngleDeg(V(Nan<T>(), 0, 0), V(1, 0, 0)),
+                M::AngleRad(V(9e-7, 0, 0), V(1, 0, 0)), M::AngleDeg(V(kNan<T>, 0, 0), V(1, 0, 0)),
                 M::AngleDeg(V(WbCoord3DT<T>::INVALID), V(1, 0, 0)),
                 M::AngleDeg(P(WbCoord3DT<T>::INVALID), P(3, 1, 0), P(1, 4, 0))},
                T(kMarker));
@@ -71,7 +71,7 @@ TYPED_TEST(AngleTwins, OrthogonalCompletion) {
   const struct {
     V in, u, v, w;
   } rows[] = {{V(0, 0, 0), V(0, 0, 1), V(1, 0, 0), V(0, 1, 0)},
-              {V(Nan<T>(), 0, 0), V(0, 0, 1), V(1, 0, 0), V(0, 1, 0)},
+              {V(kNan<T>, 0, 0), V(0, 0, 1), V(1, 0, 0), V(0, 1, 0)},
               {V(0, 0, -2), V(0, 0, -1), V(-1, 0, 0), V(0, 1, 0)},
               {V(3, 0, 0), V(1, 0, 0), V(0, 1, 0), V(0, 0, 1)},
               {V(1e-4, 0, 0), V(1, 0, 0), V(0, 1, 0), V(0, 0, 1)}};

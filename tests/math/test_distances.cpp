@@ -129,7 +129,7 @@ TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
 TYPED_TEST(DistanceTwins, UnusableInputGivesTheFailureValue) {
   MATH_TWIN_TYPES;
   const T marker = T(kMarker);
-  const P withNaN(1, Nan<T>(), 0), o(0, 0, 0), x(1, 0, 0);
+  const P withNaN(1, kNan<T>, 0), o(0, 0, 0), x(1, 0, 0);
   const ZmPlaneT<T> ground = GroundPlane<T>();
   for (const P& bad : {InvalidPoint<T>(), withNaN, P(marker, 0, 0), P(0, marker, 0)}) {
     V toFoot;
@@ -146,7 +146,7 @@ TYPED_TEST(DistanceTwins, UnusableInputGivesTheFailureValue) {
         0.0);
     EXPECT_EQ(foot, P(7, 7, 7));
   }
-  EXPECT_EQ(M::Distance(ZmPoint2T<T>(Nan<T>(), 0), ZmPoint2T<T>(0, 0)), marker);
+  EXPECT_EQ(M::Distance(ZmPoint2T<T>(kNan<T>, 0), ZmPoint2T<T>(0, 0)), marker);
   EXPECT_EQ(M::ProjOnPlane(withNaN, V(0, 0, 1), o), InvalidPoint<T>());
 }
 

@@ -79,16 +79,15 @@ TEST(Injury, HalfSinePulseAndBrokenLinesByHand) {
   }
   // Above L for 4 ms (1 - L/10): 3 ms at L = 2.5; a 3 ms plateau. In mm/ms^2: 10 g = 0.0980665.
   const auto triangle = Sampled<double>({0, 0.002, 0.004}, {0, 10, 0});
-  const auto inMs = Sampled<double>({0, 2, 4}, {0, 10 * 9.80665e-3, 0});
-  double level = 0, plateauLevel = 0;
-  ASSERT_EQ(ZmMathd::ComputeClipLevel(triangle, 0.003, kSeconds, 1, level), nullptr);
-  ASSERT_EQ(ZmMathd::ComputeClipLevel(Sampled<double>({0, 0.003, 0.004}, {5, 5, 0}), 0.003, kSeconds, 1, plateauLevel),
-            nullptr);
-  EXPECT_NEAR(level, 2.5, 1e-12);
-  EXPECT_EQ(plateauLevel, 5.0);
+  const auto inMs = Sampled<double>({0, 2, 4}, {0, 10 * 9.80665e-3, 0}),
+             plateau = Sampled<double>({0, 0.003, 0.004}, {5, 5, 0});
   const ZmUnitSystem mmMs(ZmUnitMillimeter, ZmUnitTon, ZmUnitMillisecond, ZmUnitTempUnset, ZmUnitAngleUnset);
-  ASSERT_EQ(ZmMathd::ComputeClipLevel(inMs, 0.003, mmMs, 0, level), nullptr);
-  EXPECT_NEAR(level, 2.5, 1e-12);
+  double level = 0, plateauLevel = 0, levelMs = 0;
+  ASSERT_EQ(ZmMathd::ComputeClipLevel(triangle, 0.003, kSeconds, 1, level), nullptr);
+  ASSERT_EQ(ZmMathd::ComputeClipLevel(plateau, 0.003, kSeconds, 1, plateauLevel), nullptr);
+  ASSERT_EQ(ZmMathd::ComputeClipLevel(inMs, 0.003, mmMs, 0, levelMs), nullptr);
+  ExpectNearRows<double>(1e-12, {{level, 2.5}, {levelMs, 2.5}});
+  EXPECT_EQ(plateauLevel, 5.0);
   double hic = 0, t1 = 0, t2 = 0, h = 0, s1 = 0, s2 = 0;
   ASSERT_EQ(ZmMathd::ComputeHIC(inMs, 0.015, mmMs, 0, hic, t1, t2), nullptr);
   ASSERT_EQ(ZmMathd::ComputeHIC(triangle, 0.015, kSeconds, 1, h, s1, s2), nullptr);

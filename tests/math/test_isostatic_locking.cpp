@@ -87,15 +87,11 @@ TEST(IsoStaticLocking, RigidMotionsComeBackOntoTheNominalPart) {
   EXPECT_LT(LargestGap(positions, nominal), 1e-11);
   // The float twin, a translation with one locator.
   WbArrayTempl<ZmPoint3f> nominalF, positionsF;
-  for (const P& p : nominal) {
-    nominalF.Add(ZmPoint3f(p));
-    positionsF.Add(ZmPoint3f(p) + ZmVector3f(0.5f, -1, 2));
-  }
+  for (const P& p : nominal) nominalF.Add(ZmPoint3f(p)), positionsF.Add(ZmPoint3f(p) + ZmVector3f(0.5f, -1, 2));
   ASSERT_EQ(ZmPoint3f::ComputeIsoStaticLocking(nominalF, 7, -1, -1, WbArrayTempl<ZmPlanef>(), ZmVector3f(1, 1, 1),
                                                positionsF),
             nullptr);
-  EXPECT_NEAR(positionsF[150].x, nominalF[150].x, 1e-4f);
-  EXPECT_NEAR(positionsF[150].z, nominalF[150].z, 1e-4f);
+  math_test::ExpectNearRows<float>(1e-4, {{positionsF[150].x, nominalF[150].x}, {positionsF[150].z, nominalF[150].z}});
 }
 
 TEST(IsoStaticLocking, PlanesOrientADeformedPart) {

@@ -47,7 +47,7 @@ TYPED_TEST(MaterialTwins, HollomonFitUsesTheFloatLowerBoundAnchorsOnTheLastPoint
   const Curve<T> three{{0.0, 100.0}, {0.1, 200.0}, {0.2, 300.0}};
   const Curve<T> refused[] = {{{0.0, 100.0}, {0.01, 150.0}, {0.05, 200.0}, {0.1, 250.0}, {0.2, 300.0}},
                               {{0.0, 100.0}, {0.01, 150.0}, {0.2, 280.0}, {0.2, 290.0}, {0.2, 300.0}},
-                              {{0.0, 100.0}, {0.01, 150.0}, {Nan<T>(), 1.0}, {0.15, 280.0}, {0.2, 300.0}}};
+                              {{0.0, 100.0}, {0.01, 150.0}, {kNan<T>, 1.0}, {0.15, 280.0}, {0.2, 300.0}}};
   for (const Curve<T>& c : refused) EXPECT_EQ(Math<T>::ComputeHollomonCoeff(c.GetData(), 5, K, n), 0);
   ExpectAll<int>(
       {Math<T>::ComputeHollomonCoeff(three.GetData(), 3, K, n), Math<T>::ComputeHollomonCoeff(three.GetData(), 2, K, n),
@@ -79,10 +79,10 @@ TYPED_TEST(MaterialTwins, CurvesRunToOneOrToTheCapAndRefusalsLeaveThemEmpty) {
 
   // Refused, the curve emptied, always ending: a step 0, < 0, NaN, or of 1 point; young 0; 10^9
   // points; a cap a softening law or any law never reaches. Rows: K, n, maxStress, step, young.
-  const T refused[][5] = {{500, 0.2, 0, 0, 210000},        {500, 0.2, 0, -0.1, 210000},
-                          {500, 0.2, 0, Nan<T>(), 210000}, {500, 0.2, 0, 2, 210000},
-                          {500, 0.2, 0, 0.1, 0},           {500, 0.2, 0, 1e-9, 210000},
-                          {500, -0.2, 600, 0.1, 210000},   {500, 0.2, std::numeric_limits<T>::infinity(), 0.1, 210000}};
+  const T refused[][5] = {{500, 0.2, 0, 0, 210000},       {500, 0.2, 0, -0.1, 210000},
+                          {500, 0.2, 0, kNan<T>, 210000}, {500, 0.2, 0, 2, 210000},
+                          {500, 0.2, 0, 0.1, 0},          {500, 0.2, 0, 1e-9, 210000},
+                          {500, -0.2, 600, 0.1, 210000},  {500, 0.2, std::numeric_limits<T>::infinity(), 0.1, 210000}};
   for (const auto& c : refused) {
     curve = Curve<T>{{1.0, 1.0}};
     EXPECT_EQ(Math<T>::ComputeHollomonCurvePoints(curve, c[0], c[1], T(100), c[2], c[3], c[4]), 0)

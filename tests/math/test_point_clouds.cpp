@@ -14,7 +14,7 @@ TYPED_TEST(CloudTwins, CartesianBoxOfWholePointsAndTheMeanTimesTheReciprocalCoun
   M::CartesianBox(WbArrayTempl<T>{}, box);
   for (int i = 0; i < 6; ++i) EXPECT_EQ(box[i], i % 2 ? -floatMax : floatMax) << i;
   // Two whole points, a trailing 9 that is none, and a point holding NaN that is skipped.
-  M::CartesianBox(WbArrayTempl<T>{1, 5, -2, Nan<T>(), 100, 100, 3, -1, 4, 9}, box);
+  M::CartesianBox(WbArrayTempl<T>{1, 5, -2, kNan<T>, 100, 100, 3, -1, 4, 9}, box);
   ExpectRows<T>({{box[0], 1}, {box[1], 3}, {box[2], -1}, {box[3], 5}, {box[4], -2}, {box[5], 4}});
   M::CartesianBox(WbArrayTempl<T>{1, 2, 3}, nullptr);  // nowhere to write: nothing happens
 

@@ -34,7 +34,7 @@ TYPED_TEST(PolylineTwins, LengthAndCoordinatesAtNormalisedArcLength) {
                  {at(elbow, T(-0.25)), P(-1.75, 0, 0)},
                  {at(elbow, T(1.5)), P(4, 6.5, 0)},
                  // Bad t or polyline: the invalid point.
-                 {at(elbow, Nan<T>()), InvalidPoint<T>()},
+                 {at(elbow, kNan<T>), InvalidPoint<T>()},
                  {at(elbow, std::numeric_limits<T>::infinity()), InvalidPoint<T>()},
                  {at(Line<T>{}, T(0.5)), InvalidPoint<T>()},
                  {at(Line<T>{P(4, 0, 0), InvalidPoint<T>()}, T(0.5)), InvalidPoint<T>()},
@@ -103,7 +103,7 @@ TYPED_TEST(PolylineTwins, ProjectionsWithTheirArcLengthParameterSegmentAndTieBre
   ExpectRows<P>({{M::ProjOnSegments(P(2, 1.2, 0), pairs), P(2, 0, 0)},
                  {M::ProjOnSegments(P(2, 2, 0), pairs), P(2, 3, 0)},
                  {M::ProjOnSegments(P(2, 2, 0), Line<T>{P(0, 0, 0)}), InvalidPoint<T>()}});
-  for (const P& bad : {InvalidPoint<T>(), P(Nan<T>(), 0, 0)}) {
+  for (const P& bad : {InvalidPoint<T>(), P(kNan<T>, 0, 0)}) {
     ExpectProjection(elbow, bad, 0, InvalidPoint<T>(), T(0));
     ExpectAll<P>({M::ProjOnPolyline(bad, elbow), M::ProjOnSegments(bad, elbow)}, InvalidPoint<T>());
     // The same point inside the polyline.

@@ -32,8 +32,8 @@ TYPED_TEST(RotationTwins, QuarterTurnsNullAxesAndBadIndices) {
       {M::RotationMatrix(V(2e-7, 0, 0), T(90)), z90},
       {M::RotationMatrix(V(2e-6, 0, 0), T(90)), x90},
       {M::RotationMatrix(V(WbCoord3DT<T>::INVALID), T(90)), R::IDENTITY},
-      {M::RotationMatrix(V(Nan<T>(), 0, 1), T(90)), R::IDENTITY},
-      {M::RotationMatrix(V(0, 0, 1), Nan<T>()), R::IDENTITY},
+      {M::RotationMatrix(V(kNan<T>, 0, 1), T(90)), R::IDENTITY},
+      {M::RotationMatrix(V(0, 0, 1), kNan<T>), R::IDENTITY},
       // A bad axis index or angle: the zero matrix.
       {M::RotationMatrix(3, T(45)), R::ZERO},
       {M::RotationMatrix(-1, T(0)), R::ZERO},

@@ -24,7 +24,7 @@ TYPED_TEST(SolveTwins, LinearSystemsRefuseBelowTheFloatSingularThresholds) {
     T m[2][2] = {{2, 1}, {1, 3}}, b[2] = {3, 5};
     ASSERT_EQ(Math<T>::SolveSystem2x2(m, b, loose), 1);
     ExpectNearRows<T>(T(1e-6), {{b[0], 0.8}, {b[1], 1.4}});
-    for (T v : {T(1e-9), atThreshold, std::nextafter(atThreshold, T(0)), T(1e-13), T(0), Nan<T>()}) {
+    for (T v : {T(1e-9), atThreshold, std::nextafter(atThreshold, T(0)), T(1e-13), T(0), kNan<T>}) {
       T singular[2][2] = {{1, 0}, {0, -v}}, rhs[2] = {2, 3};
       const bool solved = v >= atThreshold;
       EXPECT_EQ(Math<T>::SolveSystem2x2(singular, rhs, loose), solved ? 1 : 0) << v;
@@ -41,7 +41,7 @@ TYPED_TEST(SolveTwins, LinearSystemsRefuseBelowTheFloatSingularThresholds) {
   T rejected[5][3][3] = {{{3, 6, -4}, {4, -2, 1}, {2, 1, 8}},
                          {{0, 1, 0}, {1, 0, 0}, {0, 0, 1}},
                          {{1, 2, 3}, {2, 4, 6}, {1, 0, 1}},
-                         {{1, 0, 0}, {0, Nan<T>(), 0}, {0, 0, 1}},
+                         {{1, 0, 0}, {0, kNan<T>, 0}, {0, 0, 1}},
                          {{1, 0, 0}, {0, 1, 0}, {0, 0, std::nextafter(threshold, T(0))}}};
   EXPECT_EQ(Math<T>::Determinant3x3(rejected[1]), T(-1));
   for (auto& r : rejected) {
@@ -74,7 +74,7 @@ TYPED_TEST(SolveTwins, QuadraticRootsAndTheCubicTakingItsOtherRootsFromTheLeadin
     T r0, r1;
   } rows[] = {{{1, -3, 2}, nullptr, 2, 1},         {{-1, 3, -2}, nullptr, 1, 2},
               {{0, 2, -4}, nullptr, 2, 2},         {{0, 0, 1}, kNullCoefficients, -7, -7},
-              {{1, 0, 1}, kNegativeDelta, -7, -7}, {{1, Nan<T>(), 1}, kNegativeDelta, -7, -7}};
+              {{1, 0, 1}, kNegativeDelta, -7, -7}, {{1, kNan<T>, 1}, kNegativeDelta, -7, -7}};
   for (const auto& r : rows) {
     T roots[2] = {-7, -7};
     EXPECT_EQ(Message(Math<T>::SolvePolynom2(r.c, roots)), r.message ? r.message : Message(nullptr));
@@ -113,9 +113,9 @@ TYPED_TEST(SolveTwins, QuadraticRootsAndTheCubicTakingItsOtherRootsFromTheLeadin
   ExpectNearRows<T>(kLoose<T>, {{nine[1], 1.4142135623730951}, {nine[2], -1.4142135623730951}});
   EXPECT_EQ(step, T(42));
   // NaN coefficients and a NaN bound never converge: the same bounded failure.
-  const T withNaN[4] = {1, Nan<T>(), 0, 1};
+  const T withNaN[4] = {1, kNan<T>, 0, 1};
   EXPECT_NE(Math<T>::SolvePolynom3(withNaN, T(1), T(1e-6), nine, nullptr, 0), nullptr);
-  EXPECT_NE(Math<T>::SolvePolynom3(cycles, T(0.5), Nan<T>(), nine, nullptr, 0), nullptr);
+  EXPECT_NE(Math<T>::SolvePolynom3(cycles, T(0.5), kNan<T>, nine, nullptr, 0), nullptr);
 }
 
 TYPED_TEST(SolveTwins, QuarticRestartsTheCubicFromTheCallersStart) {
@@ -181,7 +181,7 @@ TYPED_TEST(SolveTwins, RegressionOverArraysAndOverPoints) {
   ASSERT_EQ(Math<T>::LinearRegression(Points{{0, 2}, {1, 2}, {2, 2}}, slope, intercept, quality), 1);
   ExpectRows<T>({{slope, 0}, {intercept, 2}, {quality, std::numeric_limits<T>::infinity()}});
   // A NaN abscissa counts as different from the first: computed, NaN results.
-  EXPECT_EQ(Math<T>::LinearRegression(A{Nan<T>(), Nan<T>()}, A{1, 2}, slope, intercept), 1);
+  EXPECT_EQ(Math<T>::LinearRegression(A{kNan<T>, kNan<T>}, A{1, 2}, slope, intercept), 1);
   EXPECT_TRUE(std::isnan(slope));
 }
 
