@@ -33,9 +33,7 @@ T ByTwin(double inDouble, double inFloat) {
 }
 
 template <class T>
-T Nan() {
-  return std::numeric_limits<T>::quiet_NaN();
-}
+const T kNan = std::numeric_limits<T>::quiet_NaN();
 
 template <class T>
 using Curve = WbArrayTempl<ZmPoint2T<T>>;
@@ -71,10 +69,6 @@ bool SameBits(T a, T b) {
 // The message of an error, or a text that no expected message equals.
 inline std::wstring Message(const WbErrObj* error) { return error ? error->GetMessage() : L"(no error)"; }
 
-}  // namespace math_test
-
-namespace math_test {
-
 // Rows of (computed, expected) compared exactly; the row number names a failure.
 template <class T>
 void ExpectRows(std::initializer_list<std::pair<T, T>> rows) {
@@ -103,3 +97,12 @@ void ExpectAll(std::initializer_list<T> values, const U& expected) {
   template <class T>                      \
   class Name : public ::testing::Test {}; \
   TYPED_TEST_SUITE(Name, ::math_test::Scalars)
+
+// The twin's types, opening a typed test: T, its statics M, points P, vectors V and V2, matrices R.
+#define MATH_TWIN_TYPES                      \
+  using T = TypeParam;                       \
+  using M [[maybe_unused]] = ZmMathT<T>;     \
+  using P [[maybe_unused]] = ZmPoint3T<T>;   \
+  using V [[maybe_unused]] = ZmVector3T<T>;  \
+  using V2 [[maybe_unused]] = ZmVector2T<T>; \
+  using R [[maybe_unused]] = ZmMatrix3T<T>

@@ -1,5 +1,4 @@
-// Angles between vectors, signed rotation angles, normals and the orthonormal completion:
-// the float degree factor, the clamped cosine, the sign rules and the zero-vector sentinel.
+// Angles, signed rotation angles, normals and the orthonormal completion.
 #include "math_test_support.h"
 
 using namespace math_test;
@@ -8,8 +7,7 @@ namespace {
 
 MATH_TWIN_SUITE(AngleTwins);
 
-// A right angle in degrees: acos(0) * 57.2957763671875 = 89.99999505843996 in double; in
-// float acosf(0) = 1.5707963705062866 and the product rounds to exactly 90.
+// acos(0) * 57.2957763671875 (the float 180/pi); in float acosf(0) * 57.29578f rounds to exactly 90.
 template <class T>
 T RightAngle() {
   return ByTwin<T>(89.99999505843996, 90);
@@ -18,8 +16,7 @@ T RightAngle() {
 TEST(Angles, DegreesUseTheFloatValueOf180OverPiAndTheCosineIsClamped) {
   using V = ZmVector3d;
   using Vf = ZmVector3f;
-  // (1, 1, 1) normalised has a dot product with itself of 1.0000000000000002 in double, and
-  // (1, 0, 4) of 1.0000001192092896 in float: acos would give NaN without the clamp.
+  // (1, 1, 1) and (1, 0, 4) normalised dot themselves to 1 + 2.2e-16 (double), 1 + 1.2e-7 (float).
   ExpectRows<double>({
       {ZmMathd::AngleDeg(V(1, 0, 0), V(0, 2, 0)), 89.99999505843996},
       {ZmMathd::AngleDeg(ZmVector2d(3, 0), ZmVector2d(0, -1)), 89.99999505843996},
@@ -33,29 +30,17 @@ TEST(Angles, DegreesUseTheFloatValueOf180OverPiAndTheCosineIsClamped) {
   });
 }
 
-TYPED_TEST(AngleTwins, VertexAngleAndTheZeroVectorSentinel) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
-  EXPECT_EQ(M::AngleDeg(P(1, 1, 0), P(3, 1, 0), P(1, 4, 0)), RightAngle<T>());
-  // Marker results are passed through unscaled by the degree conversion; coincident points and
-  // vectors shorter than 1e-6f cannot be normalised.
+TYPED_TEST(AngleTwins, VertexAndRotationAnglesSignsNormalsAndTheZeroVectorSentinel) {
+  MATH_TWIN_TYPES;
+  const T right = RightAngle<T>();
+  EXPECT_EQ(M::AngleDeg(P(1, 1, 0), P(3, 1, 0), P(1, 4, 0)), right);
+  // The marker, unscaled by the degree factor: coincident points, vectors under 1e-6f, NaN, invalid.
   ExpectAll<T>({M::AngleRad(V(0, 0, 0), V(1, 0, 0)), M::AngleDeg(V(0, 0, 0), V(1, 0, 0)),
                 M::AngleDeg(ZmVector2T<T>(1, 0), ZmVector2T<T>(0, 0)), M::AngleDeg(P(1, 1, 0), P(1, 1, 0), P(1, 4, 0)),
-                M::AngleRad(V(9e-7, 0, 0), V(1, 0, 0)), M::AngleDeg(V(Nan<T>(), 0, 0), V(1, 0, 0)),
+                M::AngleRad(V(9e-7, 0, 0), V(1, 0, 0)), M::AngleDeg(V(kNan<T>, 0, 0), V(1, 0, 0)),
                 M::AngleDeg(V(WbCoord3DT<T>::INVALID), V(1, 0, 0)),
                 M::AngleDeg(P(WbCoord3DT<T>::INVALID), P(3, 1, 0), P(1, 4, 0))},
                T(kMarker));
-}
-
-TYPED_TEST(AngleTwins, RotationAngleSignsAndNormals) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using V = ZmVector3T<T>;
-  using V2 = ZmVector2T<T>;
-  using P = ZmPoint3T<T>;
-  const T right = RightAngle<T>();
   ExpectRows<T>({
       {M::RotationAngle(V2(1, 0), V2(0, -1)), -right},  // clockwise
       {M::RotationAngle(V2(1, 0), V2(0, 5)), right},
@@ -67,12 +52,10 @@ TYPED_TEST(AngleTwins, RotationAngleSignsAndNormals) {
       {M::RotationAngle(V(1, 0, 5), V(0, 1, -3), V(0, 0, 1), 1), right},
       {M::RotationAngle(V(1, 0, 0), V(0, 1, 0), V(WbCoord3DT<T>::INVALID), 1), T(kMarker)},
   });
-  // Unprojected: acos(-15 / (sqrt 26 sqrt 10)) = 2.7658... rad = 158.475451 degrees, and
-  // (u x v).z = 1 > 0 keeps it positive.
+  // Unprojected: acos(-15 / (sqrt 26 sqrt 10)) = 158.475451 degrees, (u x v).z > 0: positive.
   EXPECT_NEAR(M::RotationAngle(V(1, 0, 5), V(0, 1, -3), V(0, 0, 1), 0), 158.475451, 2e-5);
   const P o(0, 0, 0), b(2, 0, 0), c(2, 2, 0), d(0, 2, 0);  // square of side 2
-  // A degenerate triangle keeps its unnormalised product: (1e-4, 0, 0) x (0, 1e-4, 0) = 1e-8 z.
-  // Square: diagonals (2, 2, 0) x (-2, 2, 0) = (0, 0, 8), twice the area, or normalised.
+  // A degenerate triangle keeps its unnormalised product; square: diagonals' product (0, 0, 8).
   ExpectRows<V>({{M::Normal(o, P(3, 0, 0), P(3, 3, 0)), V(0, 0, 1)},
                  {M::Normal(o, P(0, 3, 0), P(3, 3, 0)), V(0, 0, -1)},
                  {M::Normal(o, P(1e-4, 0, 0), P(1e-4, 1e-4, 0)), V(0, 0, T(1e-4) * T(1e-4))},
@@ -83,16 +66,12 @@ TYPED_TEST(AngleTwins, RotationAngleSignsAndNormals) {
 }
 
 TYPED_TEST(AngleTwins, OrthogonalCompletion) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using V = ZmVector3T<T>;
-  // Zero or NaN: replaced by z. Along z: v = (u.z, 0, 0) before normalising. (3, 0, 0): v =
-  // (-0, 3, 0), w = u x v = (0, 0, 9). (1e-4, 0, 0): u x v = (0, 0, 1e-8) cannot be normalised,
-  // w is formed from the unit u, v.
+  MATH_TWIN_TYPES;
+  // Zero or NaN: z. Along z: v = (u.z, 0, 0). (1e-4, 0, 0): w from the unit u, v, not from 1e-8 z.
   const struct {
     V in, u, v, w;
   } rows[] = {{V(0, 0, 0), V(0, 0, 1), V(1, 0, 0), V(0, 1, 0)},
-              {V(Nan<T>(), 0, 0), V(0, 0, 1), V(1, 0, 0), V(0, 1, 0)},
+              {V(kNan<T>, 0, 0), V(0, 0, 1), V(1, 0, 0), V(0, 1, 0)},
               {V(0, 0, -2), V(0, 0, -1), V(-1, 0, 0), V(0, 1, 0)},
               {V(3, 0, 0), V(1, 0, 0), V(0, 1, 0), V(0, 0, 1)},
               {V(1e-4, 0, 0), V(1, 0, 0), V(0, 1, 0), V(0, 0, 1)}};

@@ -1,5 +1,4 @@
-// Distances and projections between points, lines, segments and planes: the float rounding of
-// lengths, the widened thresholds, the clamping and the failure values, in both twins.
+// Distances and projections: float-rounded lengths, widened thresholds, clamping, failure values.
 #include "math_test_support.h"
 
 using namespace math_test;
@@ -29,8 +28,7 @@ TEST(Distances, LengthsRoundTo3DFloatAndThresholdsAreWidenedFloats) {
       // Foot (1, 0, 0) of (1, 0.1, 0) on the x axis: 0.1 rounded to float.
       {ZmMathd::DistToLine(P(1, 0.1, 0), ZmVector3d(1, 0, 0), P()), 0.10000000149011612},
       {ZmMathd::DistToLine(P(0, 5, 0), ZmVector3d(2, 0, 0), P()), 5.0},
-      // d = 9.99999995e-8: d.d = 9.9999999e-15 is above 1e-14f = 9.9999998245167e-15, so the
-      // line stands (distance 1); the decimal 1e-14 would have made it the point (sqrt 2).
+      // d.d = 9.9999999e-15 is above 1e-14f = 9.9999998245167e-15: a line (the decimal 1e-14 would not be).
       {ZmMathd::DistToLine(P(1, 1, 0), ZmVector3d(9.99999995e-8, 0, 0), P()), 1.0},
       // In float (1e-7f)^2 is exactly 1e-14f: degenerate (inclusive), the distance to the point.
       {ZmMathf::DistToLine(ZmPoint3f(1, 1, 0), ZmVector3f(1e-7f, 0, 0), ZmPoint3f()), double(float(kSqrt2F))},
@@ -46,10 +44,7 @@ TEST(Distances, LengthsRoundTo3DFloatAndThresholdsAreWidenedFloats) {
 }
 
 TYPED_TEST(DistanceTwins, PlanesPointsInPlaneAndSignedDistance) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+  MATH_TWIN_TYPES;
   const ZmPlaneT<T> ground = GroundPlane<T>();
   // Three whole points and a trailing 7 that is no point.
   const WbArrayTempl<T> coords{0, 0, 0, 1, 1, 0.5, 2, 2, 0, 7};
@@ -59,10 +54,8 @@ TYPED_TEST(DistanceTwins, PlanesPointsInPlaneAndSignedDistance) {
                    {M::PointsInPlane(WbArrayTempl<T>{0, 0, 0, -1.0e32f, 0, 0}, ground, T(100)), 0}});
 
   const P a(0, 0, 0), b(1, 0, 0), c(0, 1, 0);  // normal (b - a) x (c - a) = +z
-  V normal(9, 9, 9);
-  V unwritten(9, 9, 9);
-  // Below the plane by less than 1; swapped corners: normal -z. Collinear points build no
-  // plane: the marker, normalOut untouched.
+  V normal(9, 9, 9), unwritten(9, 9, 9);
+  // Below the plane by less than 1; swapped corners: -z; collinear: the marker, normal unwritten.
   ExpectRows<T>({{M::SignedDistToPlane(P(3, 3, 2), a, b, c, &normal), T(2)},
                  {M::SignedDistToPlane(P(3, 3, -2), a, b, c), T(-2)},
                  {M::SignedDistToPlane(P(3, 3, -0.5), a, b, c), T(-0.5)},
@@ -70,8 +63,7 @@ TYPED_TEST(DistanceTwins, PlanesPointsInPlaneAndSignedDistance) {
                  {M::SignedDistToPlane(P(3, 3, 2), a, b, P(2, 0, 0), &unwritten), T(kMarker)}});
   ExpectRows<V>({{normal, V(0, 0, 1)}, {unwritten, V(9, 9, 9)}});
 
-  // Projections; the normal is used as passed: a normal of length 2 scales the offset by 4. A
-  // p holding the marker comes back as it is, even partly invalid.
+  // The normal is used as passed (length 2: the offset times 4); a partly invalid p comes back as it is.
   const P partly(1, T(kMarker), 3);
   ExpectRows<P>({{M::ProjOnPlane(P(1, 2, 3), V(0, 0, 1), P(0, 0, 1)), P(1, 2, 1)},
                  {M::ProjOnPlane(P(1, 2, 3), ground), P(1, 2, 0)},
@@ -81,10 +73,7 @@ TYPED_TEST(DistanceTwins, PlanesPointsInPlaneAndSignedDistance) {
 }
 
 TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+  MATH_TWIN_TYPES;
   const P a(0, 0, 0), b(4, 0, 0);
   const auto onSegment = [](const P& p, const P& start, const P& end, int ok, const P& expectedFoot, T expectedParam) {
     P foot(5, 5, 5);
@@ -92,8 +81,7 @@ TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
     EXPECT_EQ(M::ProjOnSegment(p, start, end, foot, &param), ok);
     EXPECT_TRUE(foot == expectedFoot && param == expectedParam) << param;
   };
-  // Clamped to the ends; a = b gives 0 and writes neither the foot nor the parameter. The far
-  // end itself is the foot, not a + (b - a) (1.0000000827e-9 in double, 0 in float).
+  // Clamped; a = b gives 0, nothing written; the far end is the foot itself, not a + (b - a).
   onSegment(P(1, 1, 0), a, b, 1, P(1, 0, 0), T(0.25));
   onSegment(P(-1, 1, 0), a, b, 1, a, T(0));
   onSegment(P(9, -1, 0), a, b, 1, b, T(1));
@@ -108,8 +96,7 @@ TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
   toSegment(P(2, 3, 0), a, b, 3, V(0, -3, 0));
   toSegment(P(-3, 4, 0), a, b, 5, V(3, -4, 0));
   toSegment(P(1, 1, 2), P(1, 1, 1), P(1, 1, 1), 1, V(0, 0, -1));
-  // The line parameter counts multiples of the direction: through (1, 0, 0) along (2, 0, 0),
-  // (3, 2, 0) projects to (3, 0, 0) = q + 1 d. A null direction: 0, invalid foot, t untouched.
+  // t counts directions: (3, 0, 0) = q + 1 d. A null direction: 0, invalid foot, t untouched.
   P foot;
   T t = 7;
   EXPECT_EQ(M::ProjectOnLine(P(3, 2, 0), V(2, 0, 0), P(1, 0, 0), foot, &t), 1);
@@ -125,8 +112,7 @@ TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
       {M::DistBetweenSegments(P(0, 0, 0), P(2, 0, 0), P(1, 1, 0), P(1, 5, 0)), T(1)},
       // Skew: from (0, 0, 0) to (0, 1, 1), sqrt(2) rounded to float.
       {M::DistBetweenSegments(P(0, 0, 0), P(1, 0, 0), P(0, 1, 1), P(0, 1, 2)), T(kSqrt2F)},
-      // Degenerate segments: both (the points' distance), the first, and the second; the last
-      // would be measured from p0 (sqrt 26) without the swap.
+      // Degenerate: both, the first, the second (measured from p0, sqrt 26, without the swap).
       {M::DistBetweenSegments(P(0, 0, 0), P(0, 0, 0), P(3, 4, 0), P(3, 4, 0)), T(5)},
       {M::DistBetweenSegments(P(5, 1, 0), P(5, 1, 0), P(0, 0, 0), P(10, 0, 0)), T(1)},
       {M::DistBetweenSegments(P(0, 0, 0), P(10, 0, 0), P(5, 1, 0), P(5, 1, 0)), T(1)},
@@ -135,19 +121,15 @@ TYPED_TEST(DistanceTwins, SegmentsAndLinesClampAndRefuseDegenerateInput) {
       {M::DistLineToLine(V(1, 0, 0), P(0, 0, 0), V(0, 1, 0), P(0, 0, 3)), T(3)},
       {M::DistLineToLine(V(0, 0, 0), P(0, 0, 0), V(0, 1, 0), P(0, 0, 3)), T(0)},
   });
-  // The lines meet at (-10, 0, 0), but each is only the segment of half-length
-  // h = max(1, |pt1 - pt2|) = 1 about its point: the gap is the end (-u.x, 1 - u.y, 0) of the
-  // second, u = (1, 0.1, 0)/sqrt(1.01), above the first: 1 - 0.1/sqrt(1.01) = 0.900496281.
+  // Meeting at (-10, 0, 0), each is a segment of half-length max(1, |pt1 - pt2|) = 1: the gap is the
+  // end (-u.x, 1 - u.y, 0), u = (1, 0.1, 0)/sqrt(1.01): 1 - 0.1/sqrt(1.01).
   EXPECT_NEAR(M::DistLineToLine(V(1, 0, 0), P(0, 0, 0), V(1, 0.1, 0), P(0, 1, 0)), 0.900496281, 1e-6);
 }
 
 TYPED_TEST(DistanceTwins, UnusableInputGivesTheFailureValue) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+  MATH_TWIN_TYPES;
   const T marker = T(kMarker);
-  const P withNaN(1, Nan<T>(), 0), o(0, 0, 0), x(1, 0, 0);
+  const P withNaN(1, kNan<T>, 0), o(0, 0, 0), x(1, 0, 0);
   const ZmPlaneT<T> ground = GroundPlane<T>();
   for (const P& bad : {InvalidPoint<T>(), withNaN, P(marker, 0, 0), P(0, marker, 0)}) {
     V toFoot;
@@ -164,7 +146,7 @@ TYPED_TEST(DistanceTwins, UnusableInputGivesTheFailureValue) {
         0.0);
     EXPECT_EQ(foot, P(7, 7, 7));
   }
-  EXPECT_EQ(M::Distance(ZmPoint2T<T>(Nan<T>(), 0), ZmPoint2T<T>(0, 0)), marker);
+  EXPECT_EQ(M::Distance(ZmPoint2T<T>(kNan<T>, 0), ZmPoint2T<T>(0, 0)), marker);
   EXPECT_EQ(M::ProjOnPlane(withNaN, V(0, 0, 1), o), InvalidPoint<T>());
 }
 

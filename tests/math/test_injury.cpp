@@ -1,6 +1,4 @@
-// Injury criteria: HIC against a scan of every pair on random signals and against the
-// half-sine pulse worked by hand, the clip level on exact broken lines and the half sine,
-// units, the resultant and the refusals.
+// Injury criteria: HIC against a scan of every pair and a half sine by hand, clip level, resultant.
 #include <random>
 
 #include "math_test_support.h"
@@ -48,8 +46,7 @@ TEST(Injury, HICEqualsTheScanOfEveryPairOnRandomSignals) {
       // The float twin computes in double on its widened samples and rounds the results.
       WbArrayTempl<ZmPoint2f> floats;
       WbArrayTempl<ZmPoint2d> widened;
-      for (const auto& p : c) floats.Add(ZmPoint2f(static_cast<float>(p.x), static_cast<float>(p.y)));
-      for (const auto& p : floats) widened.Add(ZmPoint2d(p.x, p.y));
+      for (const auto& p : c) floats.Add(ZmPoint2f(p)), widened.Add(ZmPoint2d(ZmPoint2f(p)));
       float hf = 0, f1 = 0, f2 = 0;
       ASSERT_EQ(ZmMathf::ComputeHIC(floats, window, kSeconds, 1, hf, f1, f2), nullptr);
       ASSERT_EQ(ZmMathd::ComputeHIC(widened, window, kSeconds, 1, h, s1, s2), nullptr);
@@ -58,14 +55,10 @@ TEST(Injury, HICEqualsTheScanOfEveryPairOnRandomSignals) {
   }
 }
 
-TEST(Injury, HalfSinePulseByHand) {
-  // a = A sin(pi t / D), A = 100 g. A window [D/2 - tau, D/2 + tau] has the mean
-  // (2 A D / (pi 2 tau)) sin(pi tau / D); with x = pi tau / D, HIC = (2 D A^2.5 / pi) sin^2.5(x)
-  // / x^1.5, largest where tan x = 5/3 x: x = 1.0527942937699977.
-  //   D = 10 ms: HIC = 414.6456495, window 6.702 ms (shorter than 15 ms).
-  //   D = 50 ms with at most 15 ms: tau = 7.5 ms, mean 96.33977620 g, HIC = 1366.486488.
-  // Clip: at or above L for D (1 - 2 asin(L / A) / pi) = 3 ms: L = A cos(pi 3 ms / (2 D)),
-  //   89.10065242 g for D = 10 ms.
+TEST(Injury, HalfSinePulseAndBrokenLinesByHand) {
+  // a = 100 g sin(pi t / D). The window [D/2 - tau, D/2 + tau], x = pi tau / D, gives HIC =
+  // (2 D A^2.5 / pi) sin^2.5(x) / x^1.5, largest at tan x = 5/3 x: x = 1.0527942937699977 (10 ms),
+  // or tau = 7.5 ms at most (50 ms). Clip: above L for D (1 - 2 asin(L / A) / pi) = 3 ms.
   const struct {
     double duration, window, hic, span, clip;
   } pulses[] = {{0.010, 0.036, 414.6456495, 0.006702, 89.10065242}, {0.050, 0.015, 1366.486488, 0.015, -1}};
@@ -84,22 +77,17 @@ TEST(Injury, HalfSinePulseByHand) {
     ASSERT_EQ(ZmMathd::ComputeClipLevel(c, 0.003, kSeconds, 1, level), nullptr);
     EXPECT_NEAR(level, p.clip, 1e-5);
   }
-}
-
-TEST(Injury, ClipLevelOnExactBrokenLines) {
-  // Above L for 4 ms (1 - L/10): 3 ms at L = 2.5. The plateau of 5 g lasts 3 ms exactly.
-  // The triangle in milliseconds and mm/ms^2: 10 g = 0.0980665 mm/ms^2 (1 mm/ms^2 = 1000 m/s^2).
+  // Above L for 4 ms (1 - L/10): 3 ms at L = 2.5; a 3 ms plateau. In mm/ms^2: 10 g = 0.0980665.
   const auto triangle = Sampled<double>({0, 0.002, 0.004}, {0, 10, 0});
-  const auto inMs = Sampled<double>({0, 2, 4}, {0, 10 * 9.80665e-3, 0});
-  double level = 0, plateauLevel = 0;
-  ASSERT_EQ(ZmMathd::ComputeClipLevel(triangle, 0.003, kSeconds, 1, level), nullptr);
-  ASSERT_EQ(ZmMathd::ComputeClipLevel(Sampled<double>({0, 0.003, 0.004}, {5, 5, 0}), 0.003, kSeconds, 1, plateauLevel),
-            nullptr);
-  EXPECT_NEAR(level, 2.5, 1e-12);
-  EXPECT_EQ(plateauLevel, 5.0);
+  const auto inMs = Sampled<double>({0, 2, 4}, {0, 10 * 9.80665e-3, 0}),
+             plateau = Sampled<double>({0, 0.003, 0.004}, {5, 5, 0});
   const ZmUnitSystem mmMs(ZmUnitMillimeter, ZmUnitTon, ZmUnitMillisecond, ZmUnitTempUnset, ZmUnitAngleUnset);
-  ASSERT_EQ(ZmMathd::ComputeClipLevel(inMs, 0.003, mmMs, 0, level), nullptr);
-  EXPECT_NEAR(level, 2.5, 1e-12);
+  double level = 0, plateauLevel = 0, levelMs = 0;
+  ASSERT_EQ(ZmMathd::ComputeClipLevel(triangle, 0.003, kSeconds, 1, level), nullptr);
+  ASSERT_EQ(ZmMathd::ComputeClipLevel(plateau, 0.003, kSeconds, 1, plateauLevel), nullptr);
+  ASSERT_EQ(ZmMathd::ComputeClipLevel(inMs, 0.003, mmMs, 0, levelMs), nullptr);
+  ExpectNearRows<double>(1e-12, {{level, 2.5}, {levelMs, 2.5}});
+  EXPECT_EQ(plateauLevel, 5.0);
   double hic = 0, t1 = 0, t2 = 0, h = 0, s1 = 0, s2 = 0;
   ASSERT_EQ(ZmMathd::ComputeHIC(inMs, 0.015, mmMs, 0, hic, t1, t2), nullptr);
   ASSERT_EQ(ZmMathd::ComputeHIC(triangle, 0.015, kSeconds, 1, h, s1, s2), nullptr);

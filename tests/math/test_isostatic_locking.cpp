@@ -1,5 +1,4 @@
-// 3-2-1 relocation of measured points onto their nominal locators. A part moved rigidly must
-// come back onto its nominal position: the expected values are the nominal points themselves.
+// 3-2-1 relocation onto the nominal locators: a part moved rigidly comes back onto its nominal points.
 #include <random>
 
 #include "math_test_support.h"
@@ -52,18 +51,17 @@ const std::wstring kDone = math_test::Message(nullptr);
 TEST(IsoStaticLocking, OneLocatorTranslatesAndWeightsBlend) {
   const Points nominal = {P(0, 0, 0), P(10, 0, 0), P(0, 10, 5)};
   const Points measured = {P(1, 2, 3), P(11.5, 2, 3), P(1, 12, 9)};
-  // i1 = 1 alone: every point moves by nominal[1] - measured[1] = (-1.5, -2, -3).
-  Points positions = measured;
+  // i1 = 1 alone: every point moves by nominal[1] - measured[1] = (-1.5, -2, -3). Weight 0 snaps a
+  // coordinate to its nominal value: (0, 1, 0) keeps only y.
+  Points positions = measured, weighted = measured;
   ASSERT_EQ(Lock(nominal, 1, -1, -1, positions), kDone);
-  EXPECT_LT(positions[0].DistanceToPoint(P(-0.5, 0, 0)), 1e-14);
-  EXPECT_LT(positions[2].DistanceToPoint(P(-0.5, 10, 6)), 1e-14);
-  EXPECT_NEAR(positions[1].x, 10.0, 1e-14);
-  // Weight 0 snaps a coordinate to its nominal value: (0, 1, 0) keeps only y.
-  positions = measured;
-  ASSERT_EQ(Lock(nominal, 1, -1, -1, positions, kNoPlanes, V(0, 1, 0)), kDone);
-  math_test::ExpectRows<double>({{positions[0].x, 0}, {positions[2].z, 5}});
-  EXPECT_NEAR(positions[0].y, 0.0, 1e-14);
-  EXPECT_NEAR(positions[2].y, 10.0, 1e-14);
+  ASSERT_EQ(Lock(nominal, 1, -1, -1, weighted, kNoPlanes, V(0, 1, 0)), kDone);
+  math_test::ExpectNearRows<double>(1e-14, {{positions[0].DistanceToPoint(P(-0.5, 0, 0)), 0},
+                                            {positions[2].DistanceToPoint(P(-0.5, 10, 6)), 0},
+                                            {positions[1].x, 10},
+                                            {weighted[0].y, 0},
+                                            {weighted[2].y, 10}});
+  math_test::ExpectRows<double>({{weighted[0].x, 0}, {weighted[2].z, 5}});
   positions = measured;
   ASSERT_EQ(Lock(nominal, 0, -1, -1, positions, kNoPlanes, V(0, 0, 0)), kDone);
   for (std::uint64_t i = 0; i < nominal.GetSize(); ++i) EXPECT_EQ(positions[i], nominal[i]);
@@ -76,35 +74,28 @@ TEST(IsoStaticLocking, RigidMotionsComeBackOntoTheNominalPart) {
   ASSERT_GT(LargestGap(positions, nominal), 10.0);
   ASSERT_EQ(Lock(nominal, 4, 17, 99, positions), kDone);
   EXPECT_LT(LargestGap(positions, nominal), 1e-12);
-  // Two locators on a line along x: the missing third is taken one unit along y from the first
-  // in both sets, so a turn about z (the missing direction) with a shift is undone too.
+  // Two locators along x: the third is one unit along y from the first, a turn about z is undone.
   Points part = nominal;
   part[1] = part[0] + V(20, 0, 0);
   positions = Moved(part, V(0, 0, 1), -40.0, V(-3, 7, 2));
   ASSERT_EQ(Lock(part, 0, 1, -1, positions), kDone);
   EXPECT_LT(LargestGap(positions, part), 1e-12);
-  // Locating planes: the part is carried back as well, the planes being carried with its
-  // locators. The primary plane passes through locator 99, the secondary one does not.
+  // Locating planes, carried with the locators; the primary one through locator 99, the other not.
   const WbArrayTempl<ZmPlaned> planes{Plane(nominal[99], V(0, 0, 1)), Plane(P(3, 4, 5), V(1, 1, 0))};
   positions = Moved(nominal, V(-2, 1, 0.5), 75.0, V(0, 30, -10));
   ASSERT_EQ(Lock(nominal, 4, 17, 99, positions, planes), kDone);
   EXPECT_LT(LargestGap(positions, nominal), 1e-11);
   // The float twin, a translation with one locator.
   WbArrayTempl<ZmPoint3f> nominalF, positionsF;
-  for (const P& p : nominal) {
-    nominalF.Add(ZmPoint3f(p));
-    positionsF.Add(ZmPoint3f(p) + ZmVector3f(0.5f, -1, 2));
-  }
+  for (const P& p : nominal) nominalF.Add(ZmPoint3f(p)), positionsF.Add(ZmPoint3f(p) + ZmVector3f(0.5f, -1, 2));
   ASSERT_EQ(ZmPoint3f::ComputeIsoStaticLocking(nominalF, 7, -1, -1, WbArrayTempl<ZmPlanef>(), ZmVector3f(1, 1, 1),
                                                positionsF),
             nullptr);
-  EXPECT_NEAR(positionsF[150].x, nominalF[150].x, 1e-4f);
-  EXPECT_NEAR(positionsF[150].z, nominalF[150].z, 1e-4f);
+  math_test::ExpectNearRows<float>(1e-4, {{positionsF[150].x, nominalF[150].x}, {positionsF[150].z, nominalF[150].z}});
 }
 
 TEST(IsoStaticLocking, PlanesOrientADeformedPart) {
-  // A deformed part: the locators moved by different amounts. With the planes, the point of
-  // i3 lands exactly on its nominal location whatever the deformation.
+  // Locators moved by different amounts: with the planes, i3 lands on its nominal point all the same.
   const Points nominal = RandomPart(20, 11);
   Points positions = Moved(nominal, V(0, 1, 0), 10.0, V(1, 1, 1));
   positions[2] += V(0.3, -0.1, 0.2);

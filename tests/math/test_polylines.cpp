@@ -1,5 +1,4 @@
-// Polylines: length, arc-length parametrisation and the projections onto polylines and
-// segment pairs, with their tie-breaks, clamping and bad input, in both twins.
+// Polylines: length, arc-length parametrisation, projections onto polylines and segment pairs.
 #include "math_test_support.h"
 
 using namespace math_test;
@@ -15,18 +14,15 @@ Line<T> Elbow() {
 }
 
 TYPED_TEST(PolylineTwins, LengthAndCoordinatesAtNormalisedArcLength) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  // sqrt(2) twice and 1: 2 * 1.4142135381698608 + 1 = 3.8284270763397217 (the unrounded sum
-  // is 3.8284271247461903); the float twin sums the same float lengths to the same value.
-  ExpectRows<T>(
-      {{ZmMathT<T>::GetLength(Line<T>{P(0, 0, 0), P(1, 1, 0), P(2, 2, 0), P(2, 2, 1)}), T(3.8284270763397217)},
-       {ZmMathT<T>::GetLength(Line<T>{}), T(0)},
-       {ZmMathT<T>::GetLength(Line<T>{P(1, 2, 3)}), T(0)},
-       {ZmMathT<T>::GetLength(Line<T>{P(0, 0, 0), InvalidPoint<T>()}), T(kMarker)}});
+  MATH_TWIN_TYPES;
+  // 2 float(sqrt(2)) + 1 = 3.8284270763397217 (unrounded 3.8284271247461903), in both twins.
+  ExpectRows<T>({{M::GetLength(Line<T>{P(0, 0, 0), P(1, 1, 0), P(2, 2, 0), P(2, 2, 1)}), T(3.8284270763397217)},
+                 {M::GetLength(Line<T>{}), T(0)},
+                 {M::GetLength(Line<T>{P(1, 2, 3)}), T(0)},
+                 {M::GetLength(Line<T>{P(0, 0, 0), InvalidPoint<T>()}), T(kMarker)}});
   const auto at = [](const Line<T>& line, T t) {
     P out(99, 99, 99);
-    ZmMathT<T>::GetCoordinatesAt(line, t, out);
+    M::GetCoordinatesAt(line, t, out);
     return out;
   };
   const Line<T> elbow = Elbow<T>(), same{P(1, 2, 3), P(1, 2, 3), P(1, 2, 3)};
@@ -34,16 +30,15 @@ TYPED_TEST(PolylineTwins, LengthAndCoordinatesAtNormalisedArcLength) {
                  {at(elbow, 1), P(4, 3, 0)},
                  {at(elbow, T(0.5)), P(3.5, 0, 0)},    // target 3.5 on the first segment
                  {at(elbow, T(0.75)), P(4, 1.25, 0)},  // target 5.25: 1.25 into the second
-                 // Before the start: along the first segment (target -1.75); past the end:
-                 // along the last (target 10.5, 6.5 along it).
+                 // Before the start along the first segment; past the end along the last.
                  {at(elbow, T(-0.25)), P(-1.75, 0, 0)},
                  {at(elbow, T(1.5)), P(4, 6.5, 0)},
-                 // Bad t or polyline: the invalid point, never a read past the array.
-                 {at(elbow, Nan<T>()), InvalidPoint<T>()},
+                 // Bad t or polyline: the invalid point.
+                 {at(elbow, kNan<T>), InvalidPoint<T>()},
                  {at(elbow, std::numeric_limits<T>::infinity()), InvalidPoint<T>()},
                  {at(Line<T>{}, T(0.5)), InvalidPoint<T>()},
                  {at(Line<T>{P(4, 0, 0), InvalidPoint<T>()}, T(0.5)), InvalidPoint<T>()},
-                 // A single point, or points that all coincide: every arc length at the first.
+                 // A single point, or all coinciding: the first.
                  {at(Line<T>{P(1, 2, 3)}, T(0.3)), P(1, 2, 3)},
                  {at(same, T(0.3)), P(1, 2, 3)}});
 }
@@ -57,9 +52,8 @@ void ExpectProjection(const Line<T>& line, const ZmPoint3T<T>& p, int ok, const 
   EXPECT_TRUE(actualFoot == foot && actualParam == param) << actualParam;
 }
 
-TYPED_TEST(PolylineTwins, ProjectedPointAndItsArcLengthParameter) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
+TYPED_TEST(PolylineTwins, ProjectionsWithTheirArcLengthParameterSegmentAndTieBreaks) {
+  MATH_TWIN_TYPES;
   const Line<T> elbow = Elbow<T>();
   ExpectProjection(elbow, P(2, 1, 0), 1, P(2, 0, 0), T(2) / T(7));
   // Nearer the second segment (1 against sqrt 2): 4/7 + 1/7 in the class's precision.
@@ -73,34 +67,20 @@ TYPED_TEST(PolylineTwins, ProjectedPointAndItsArcLengthParameter) {
   const P p(5e-7, 1, 0);
   for (const Line<T>& shortLine : {Line<T>{}, Line<T>{P(3, 3, 3)}, Line<T>{P(0, 0, 0), P(5e-7, 0, 0)}}) {
     ExpectProjection(shortLine, p, 1, p, T(0));
-    EXPECT_EQ(ZmMathT<T>::DistanceTo(shortLine, p), T(0));
+    EXPECT_EQ(M::DistanceTo(shortLine, p), T(0));
   }
-  // Length float(1e-6) = 9.999999974752427e-7 is not below the widened 1e-6f: projected.
-  // (The decimal 1e-6 threshold would have kept foot = p.)
+  // Length float(1e-6) is not below the widened 1e-6f: projected (the decimal 1e-6 would not be).
   ExpectProjection(Line<T>{P(0, 0, 0), P(1e-6, 0, 0)}, p, 1, P(5e-7, 0, 0), T(0.5));
-  // Twelve segments of 9e-8 (each d.d = 8.1e-15 <= 1e-14f: none can be projected on) total
-  // 1.08e-6: the nearest vertex, number 3 of 12, is the foot at parameter 3/12.
+  // Twelve segments of 9e-8 (d.d <= 1e-14f: none projected on) total 1.08e-6: the nearest vertex.
   Line<T> chain;
   for (int k = 0; k <= 12; ++k) chain.Add(P(T(k) * T(9e-8), 0, 0));
   ExpectProjection(chain, P(3e-7, 0, 0), 1, chain[3], T(0.25));
   ExpectProjection(chain, P(-1e-7, 0, 0), 1, chain[0], T(0));  // before the first vertex
-  ExpectRows<T>({{ZmMathT<T>::DistanceTo(elbow, P(2, 1, 0)), 1}, {ZmMathT<T>::DistanceTo(elbow, P(7, 7, 0)), 5}});
-}
-
-TEST(Polylines, ParameterIsClampedToOne) {
-  // Float segment lengths a = 0.951476514339447 and b = 8.416665077209473 (exact floats):
-  // a/(a + b) + b/(a + b) is 1.0000001192092896 in float, so the end point needs the clamp.
-  const float a = 0.951476514339447f, b = 8.416665077209473f;
-  ExpectProjection(Line<float>{ZmPoint3f(0, 0, 0), ZmPoint3f(a, 0, 0), ZmPoint3f(a, b, 0)}, ZmPoint3f(a, b + 1, 0), 1,
-                   ZmPoint3f(a, b, 0), 1.0f);
-}
-
-TYPED_TEST(PolylineTwins, ProjectionOnPolylineSegmentPairsAndUnusablePoints) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using P = ZmPoint3T<T>;
-  // Ties go to the lower segment; segIndex is optional; a one-point line has no segment.
-  // Segments 1 and 2 of the broken line touch an invalid point and are skipped; 3 is nearest.
+  ExpectRows<T>({{M::DistanceTo(elbow, P(2, 1, 0)), 1}, {M::DistanceTo(elbow, P(7, 7, 0)), 5}});
+  // a/(a + b) + b/(a + b) is 1.0000001192092896 in float: the end point needs the clamp to 1.
+  const T a = 0.951476514339447f, b = 8.416665077209473f;
+  ExpectProjection(Line<T>{P(0, 0, 0), P(a, 0, 0), P(a, b, 0)}, P(a, b + 1, 0), 1, P(a, b, 0), T(1));
+  // Ties to the lower segment; no segment in one point; segments touching an invalid point skipped.
   const Line<T> corner{P(0, 0, 0), P(2, 0, 0), P(2, 2, 0)};
   const Line<T> broken{P(0, 0, 0), P(4, 0, 0), InvalidPoint<T>(), P(4, 3, 0), P(8, 3, 0)};
   const struct {
@@ -118,14 +98,12 @@ TYPED_TEST(PolylineTwins, ProjectionOnPolylineSegmentPairsAndUnusablePoints) {
     EXPECT_EQ(segment, r.segment);
   }
   EXPECT_EQ(M::ProjOnPolyline(P(3, 1.5, 0), corner), P(2, 1.5, 0));
-  // Pairs (0,0,0)-(4,0,0) at 1.2 and (0,3,0)-(4,3,0) at 1.8 from p; the odd last point
-  // (2, 1, 0) is 0.2 from p but no segment, and neither is (4,0,0)-(0,3,0) between the pairs.
+  // Pairs at 1.2 and 1.8; neither the odd last point (0.2 away) nor the link between pairs counts.
   const Line<T> pairs{P(0, 0, 0), P(4, 0, 0), P(0, 3, 0), P(4, 3, 0), P(2, 1, 0)};
   ExpectRows<P>({{M::ProjOnSegments(P(2, 1.2, 0), pairs), P(2, 0, 0)},
                  {M::ProjOnSegments(P(2, 2, 0), pairs), P(2, 3, 0)},
                  {M::ProjOnSegments(P(2, 2, 0), Line<T>{P(0, 0, 0)}), InvalidPoint<T>()}});
-  const Line<T> elbow = Elbow<T>();
-  for (const P& bad : {InvalidPoint<T>(), P(Nan<T>(), 0, 0)}) {
+  for (const P& bad : {InvalidPoint<T>(), P(kNan<T>, 0, 0)}) {
     ExpectProjection(elbow, bad, 0, InvalidPoint<T>(), T(0));
     ExpectAll<P>({M::ProjOnPolyline(bad, elbow), M::ProjOnSegments(bad, elbow)}, InvalidPoint<T>());
     // The same point inside the polyline.

@@ -1,6 +1,4 @@
-// Rotation matrices: exact quarter turns, the identity for a null axis, the zero matrix for a
-// bad axis index, left application in RotateMatrix, and the right-hand rule against an
-// independent formula (Rodrigues) on arbitrary axes.
+// Rotation matrices: exact quarter turns, null axes, bad indices, RotateMatrix, and Rodrigues' formula.
 #include "math_test_support.h"
 
 using namespace math_test;
@@ -10,10 +8,7 @@ namespace {
 MATH_TWIN_SUITE(RotationTwins);
 
 TYPED_TEST(RotationTwins, QuarterTurnsNullAxesAndBadIndices) {
-  using T = TypeParam;
-  using M = ZmMathT<T>;
-  using V = ZmVector3T<T>;
-  using R = ZmMatrix3T<T>;
+  MATH_TWIN_TYPES;
   const R z90(0, -1, 0, 1, 0, 0, 0, 0, 1), zm90(0, 1, 0, -1, 0, 0, 0, 0, 1), x90(1, 0, 0, 0, 0, -1, 0, 1, 0),
       y90(0, 0, 1, 0, 1, 0, -1, 0, 0);
   ExpectRows<R>({
@@ -31,15 +26,14 @@ TYPED_TEST(RotationTwins, QuarterTurnsNullAxesAndBadIndices) {
       {M::RotationMatrix(2, T(90)), z90},
       {M::RotationMatrix(0, T(90)), x90},
       {M::RotationMatrix(1, T(-270)), y90},
-      // A null axis gives the identity: 1e-7 is below the float epsilon 1.1920929e-7. 2e-7 is
-      // not, but the orthonormal completion replaces an axis no longer than 1e-6f by z.
+      // Axes under the float epsilon: the identity; the completion turns axes up to 1e-6f into z.
       {M::RotationMatrix(V(0, 0, 0), T(30)), R::IDENTITY},
       {M::RotationMatrix(V(1e-7, 0, 0), T(90)), R::IDENTITY},
       {M::RotationMatrix(V(2e-7, 0, 0), T(90)), z90},
       {M::RotationMatrix(V(2e-6, 0, 0), T(90)), x90},
       {M::RotationMatrix(V(WbCoord3DT<T>::INVALID), T(90)), R::IDENTITY},
-      {M::RotationMatrix(V(Nan<T>(), 0, 1), T(90)), R::IDENTITY},
-      {M::RotationMatrix(V(0, 0, 1), Nan<T>()), R::IDENTITY},
+      {M::RotationMatrix(V(kNan<T>, 0, 1), T(90)), R::IDENTITY},
+      {M::RotationMatrix(V(0, 0, 1), kNan<T>), R::IDENTITY},
       // A bad axis index or angle: the zero matrix.
       {M::RotationMatrix(3, T(45)), R::ZERO},
       {M::RotationMatrix(-1, T(0)), R::ZERO},
@@ -47,8 +41,7 @@ TYPED_TEST(RotationTwins, QuarterTurnsNullAxesAndBadIndices) {
   });
   // Column vectors turn counter-clockwise: x goes to y about z.
   EXPECT_EQ(z90 * V(1, 0, 0), V(0, 1, 0));
-  // RotateMatrix applies R on the left: rows -row1, row0, row2 of m (m R would permute the
-  // columns instead).
+  // RotateMatrix applies R on the left (m R would permute the columns).
   R m(1, 2, 3, 4, 5, 6, 7, 8, 9);
   M::RotateMatrix(m, V(0, 0, 1), T(90));
   EXPECT_EQ(m, R(-4, -5, -6, 1, 2, 3, 7, 8, 9));
@@ -62,8 +55,7 @@ TEST(Rotations, OtherAnglesGoThroughSineAndCosine) {
   EXPECT_EQ(ZmMathd::RotationMatrix(2, 90.5), about);
   // 90 + 1e-13 is not an integer: no exact quarter turn.
   EXPECT_NE(ZmMathd::RotationMatrix(ZmVector3d(0, 0, 1), 90.0 + 1e-13)[0][0], 0.0);
-  // The float twin forms theta in float: float(float(pi) * 90.5) / 180 = 1.5795230865478516,
-  // whose cosine and sine, rounded to float, are -0.008726648986339569 and 0.9999619126319885.
+  // The float twin forms theta in float: float(float(pi) * 90.5) / 180 = 1.5795230865478516.
   const ZmMatrix3f aboutF = ZmMathf::RotationMatrix(ZmVector3f(0, 0, 1), 90.5f);
   EXPECT_FLOAT_EQ(aboutF[0][0], -0.008726648986339569f);
   EXPECT_FLOAT_EQ(aboutF[1][0], 0.9999619126319885f);

@@ -1,6 +1,4 @@
-// Principal values and directions of symmetric tensors, strain modes and strain measures.
-// Expected values: the closed-form cubic evaluated apart in Python (doubles), hand calculation,
-// and a Jacobi eigen-solver in long double written here for the purpose.
+// Symmetric tensors, strain modes and measures: Python, hand values and a long-double Jacobi solver.
 #include <algorithm>
 #include <random>
 
@@ -37,11 +35,8 @@ void JacobiEigenvalues(const double (&in)[3][3], long double out[3]) {
   std::sort(out, out + 3, [](long double l, long double r) { return l > r; });
 }
 
-// A random symmetric tensor of one of five families: plain random components, random
-// components over twelve orders of magnitude, a near-double eigenvalue (relative gaps down to
-// 1e-12), a near-triple cluster (all three within 1e-12 to 1e-2 of each other, relatively) and
-// eigenvalues of very different magnitudes (1e6, 1, 1e-6), the last three in random
-// orientations.
+// Five families: random components, over 12 decades, a near-double (gaps to 1e-12) or near-triple
+// eigenvalue, and eigenvalues 1e6, 1, 1e-6; the last three in random orientations.
 struct TensorSampler {
   std::mt19937_64 engine{20261123};
   std::uniform_real_distribution<double> unit{-1.0, 1.0};
@@ -59,14 +54,9 @@ struct TensorSampler {
     if (family == 2) values[2] = 100.0 * unit(engine);
     if (family == 3) values[2] = base * (1 - Gap());
     if (family == 4) values[0] = 1e6 * unit(engine), values[1] = unit(engine), values[2] = 1e-6 * unit(engine);
-    // Normalised random quaternion -> rotation matrix r; t = r diag(values) r^T.
-    double q[4], len = 0;
-    for (double& c : q) c = unit(engine), len += c * c;
-    len = std::sqrt(len);
-    const double w = q[0] / len, x = q[1] / len, y = q[2] / len, z = q[3] / len;
-    const double r[3][3] = {{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y)},
-                            {2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x)},
-                            {2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}};
+    // t = r diag(values) r^T, r turning about a random axis by a random angle.
+    const double x = unit(engine), y = unit(engine), z = unit(engine), angle = 180 * unit(engine);
+    const ZmMatrix3d r = ZmMathd::RotationMatrix(V(x, y, z), angle);
     for (int i = 0; i < 9; ++i) {  // the lower half copies the upper one: exactly symmetric
       double& tij = t[i / 3][i % 3] = 0;
       for (int k = 0; k < 3; ++k) tij += r[i / 3][k] * values[k] * r[i % 3][k];
@@ -76,38 +66,31 @@ struct TensorSampler {
 };
 
 // Tensor3DToVectors3D of (xx, yy, zz) without shear: values (when given) and directions.
-void ExpectPrincipal(double xx, double yy, double zz, std::initializer_list<double> values, const V& e1, const V& e2,
-                     const V& e3) {
-  double s[3] = {-7, -7, -7};
-  V d[3];
-  ZmMathd::Tensor3DToVectors3D(xx, yy, zz, 0, 0, 0, &s[0], &s[1], &s[2], &d[0], &d[1], &d[2]);
+template <class T>
+void ExpectPrincipal(double xx, double yy, double zz, std::initializer_list<double> values, const ZmVector3T<T>& e1,
+                     const ZmVector3T<T>& e2, const ZmVector3T<T>& e3) {
+  T s[3] = {-7, -7, -7};
+  ZmVector3T<T> d[3];
+  ZmMathT<T>::Tensor3DToVectors3D(T(xx), T(yy), T(zz), 0, 0, 0, &s[0], &s[1], &s[2], &d[0], &d[1], &d[2]);
   int i = 0;
-  for (double v : values) EXPECT_EQ(s[i++], v) << xx << " " << yy << " " << zz;
-  ExpectRows<V>({{d[0], e1}, {d[1], e2}, {d[2], e3}});
+  for (double v : values) EXPECT_EQ(s[i++], T(v)) << xx << " " << yy << " " << zz;
+  ExpectRows<ZmVector3T<T>>({{d[0], e1}, {d[1], e2}, {d[2], e3}});
 }
 
 }  // namespace
 
 TEST(Tensors, DiagonalTensorsFallBackToTheAxesAndShowTheFloatThirdOfPi) {
-  // Zero or isotropic: all rows of T - lambda I vanish: d1 = (1,0,0); d3 = (1,0,0) x d1 = 0,
-  // replaced by (0,1,0) x d1 = (0,0,-1); d2 = d1 x d3 = (0,1,0).
+  // Zero or isotropic: every row of T - lambda I vanishes: d1 = x; d3 = x x d1 = 0 -> y x d1 = -z.
   ExpectPrincipal(0, 0, 0, {0, 0, 0}, V(1, 0, 0), V(0, 1, 0), V(0, 0, -1));
   ExpectPrincipal(1, 1, 1, {1, 1, 1}, V(1, 0, 0), V(0, 1, 0), V(0, 0, -1));
-  // (3, 1, 2): the float value of pi/3 puts s2 and s3 1.7e-8 off 2 and 1 (Python, same
-  // formula in doubles). lambda = 3: only r1 x r2 = (0,-2,0) x (0,0,-1) = (2,0,0) survives;
-  // lambda ~ 1: r0 x r2 = (2,0,0) x (0,0,0.99..) = (0,-2,0) wins; d2 = (1,0,0) x (0,-1,0).
+  // (3, 1, 2): the float pi/3 puts s2, s3 1.7e-8 off 2 and 1 (Python). lambda = 3: only r1 x r2 =
+  // (0,-2,0) x (0,0,-1) survives; lambda ~ 1: r0 x r2 = (2,0,0) x (0,0,0.99..) wins.
   ExpectPrincipal(3, 1, 2, {3.0, 1.9999999831754776, 1.0000000168245224}, V(1, 0, 0), V(0, 0, -1), V(0, -1, 0));
-  // (1, 1, 0): s1 is exactly 1, so every row of T - I but r2 = (0,0,-1) vanishes and the
-  // multiple-eigenvalue rule takes r2 x (1,0,0) = (0,-1,0). s3 = 3.3e-16: r0 x r1 = (0,0,1).
+  // (1, 1, 0): s1 = 1 leaves only r2 = (0,0,-1): r2 x (1,0,0). s3 = 3.3e-16: r0 x r1 = (0,0,1).
   ExpectPrincipal(1, 1, 0, {1.0, 0.9999999999999997, 3.3306690738754696e-16}, V(0, -1, 0), V(-1, 0, 0), V(0, 0, 1));
-  // (0, 1, 1): the only row left, r0 = (-1,0,0), is parallel to x, so r0 x (0,1,0) = (0,0,-1)
-  // is used; s3: r1 x r2 = (1,0,0) beats the 3e-16 products; d2 = (0,0,-1) x (1,0,0) = (0,-1,0).
+  // (0, 1, 1): the only row left, r0 = (-1,0,0), is along x: r0 x y; s3: r1 x r2 beats 3e-16 products.
   ExpectPrincipal(0, 1, 1, {}, V(0, 0, -1), V(0, -1, 0), V(1, 0, 0));
-  float f1 = -7, f2, f3;
-  ZmVector3f e1, e2, e3;
-  ZmMathf::Tensor3DToVectors3D(0, 0, 0, 0, 0, 0, &f1, &f2, &f3, &e1, &e2, &e3);
-  EXPECT_EQ(f1, 0.0f);
-  ExpectRows<ZmVector3f>({{e2, ZmVector3f(0, 1, 0)}, {e3, ZmVector3f(0, 0, -1)}});
+  ExpectPrincipal(0, 0, 0, {0, 0, 0}, ZmVector3f(1, 0, 0), ZmVector3f(0, 1, 0), ZmVector3f(0, 0, -1));
   // A general tensor against the same Python evaluation, roots ordered; null outputs skipped.
   double s1, s2, s3, alone;
   ZmMathd::Tensor3DToMainValues(4, -2, 1, 1, 0.5, -0.3, &s1, &s2, &s3);
@@ -116,14 +99,11 @@ TEST(Tensors, DiagonalTensorsFallBackToTheAxesAndShowTheFloatThirdOfPi) {
 }
 
 TEST(Tensors, ClosedFormMatchesAReferenceSolverOnAMillionTensors) {
-  // Principal values, error relative to the largest magnitude, over 10^6 tensors of the five
-  // families against long-double Jacobi: measured 1.44e-5. The float pi/3 costs up to about
-  // 3e-8; clustered values make p and q of the cubic small differences of large terms, an error
-  // of about eps/s^2 for a relative spread s yet never above s: worst near s = eps^(1/3) = 6e-6.
+  // Values, error relative to the largest magnitude, measured 1.33e-5: clustered values make the
+  // cubic's p and q small differences of large terms, about eps/s^2 for a spread s, never above s.
   constexpr double kValueBound = 5.0e-5;
-  // Directions: d1 and d3 are unit within 4.5e-16. An eigenvalue off by e moves its direction
-  // by about e/g, g the relative gap to the nearest other one, so the orthogonality errors
-  // (|d1.d3|, ||d2| - 1|, |d2.d3|, |(d1 x d3).d2 - 1|, d2 being d1 x d3) times g: measured 2.7e-6.
+  // d1, d3 unit within 3.4e-16; a value off by e turns its direction by e/g (g the relative gap):
+  // orthogonality errors times g measured 3.2e-6.
   constexpr double kUnitBound = 1.0e-15, kScaledOrthogonalityBound = 2.0e-5;
   TensorSampler sampler;
   double worstValue = 0, worstScaledOrthogonality = 0, worstUnit = 0;
@@ -151,11 +131,8 @@ TEST(Tensors, ClosedFormMatchesAReferenceSolverOnAMillionTensors) {
   EXPECT_LT(worstScaledOrthogonality, kScaledOrthogonalityBound);
 }
 
-TEST(Tensors, StrainModesByQuadrant) {
-  // e1 > 0: atan(e2/e1); e1 <= 0 and e2 < 0: atan(e2/e1) - 180; otherwise -90.
-  // (1, 1, 0) equibiaxial 45, (1, 0, 0) plane strain 0, (1, -1, 0) pure shear -45,
-  // (-1, -2, 0) atan(2) deg - 180 = -116.56505117707799, (0, -1, 0) atan(-inf) deg - 180 = -270,
-  // the zero tensor -90, written to mode too.
+TEST(Tensors, StrainModesByQuadrantAndStrainMeasures) {
+  // e1 > 0: atan(e2/e1); e1 <= 0 and e2 < 0: atan(e2/e1) - 180 (atan(-inf) for (0, -1)); else -90.
   double mode = 1;
   ExpectRows<double>({{ZmMathd::StrainTensor2DToMode(1, 1, 0, nullptr), 45.0},
                       {ZmMathd::StrainTensor2DToMode(1, 0, 0, nullptr), 0.0},
@@ -165,25 +142,16 @@ TEST(Tensors, StrainModesByQuadrant) {
                       {ZmMathd::StrainTensor2DToMode(0, 0, 0, &mode), -90.0},
                       {mode, -90.0}});
   EXPECT_NEAR(ZmMathf::StrainTensor2DToMode(1, -1, 0, nullptr), -45.0f, 1e-5f);
-  // Plane states as 3D tensors. (0.2, -0.1, 0): s = (0.2, -3.4e-9, -0.1), major s1, minor s3:
-  // atan(-0.5) deg = -26.56505117707799. (-0.05, -0.1, 0): s = (0, -0.05, -0.1): the major
-  // value is s2 (|s2| > |s1|), minor s3: atan(2) deg - 180.
+  // Plane states in 3D: s = (0.2, -3.4e-9, -0.1): atan(-0.5); s = (0, -0.05, -0.1): the major is s2.
   ExpectNearRows<double>(1e-6, {{ZmMathd::PlaneTensor3DToMode(0.2, -0.1, 0, 0, 0, 0), -26.56505117707799},
                                 {ZmMathd::PlaneTensor3DToMode(-0.05, -0.1, 0, 0, 0, 0), -116.56505117707799}});
-  // The dropped value is the one of smallest magnitude; the kept ones are not reordered:
-  // s = (0, -0.05, -0.1) with d1 = (0,0,1), d3 = (0,-1,0), d2 = d1 x d3 = (1,0,0); s2 replaces
-  // s1, so m1 = -0.05 along x and m2 = -0.1 along -y.
+  // The smallest magnitude is dropped, the others not reordered: d1 = z, d2 = x, d3 = -y; s2 replaces s1.
   double m1, m2;
   V d1, d2;
   ZmMathd::PlaneTensor3DToVectors3D(-0.05, -0.1, 0, 0, 0, 0, m1, m2, d1, d2);
   ExpectNearRows<double>(1e-8, {{m1, -0.05}, {m2, -0.1}});
   ExpectRows<V>({{d1, V(1, 0, 0)}, {d2, V(0, -1, 0)}});
-}
-
-TEST(Tensors, StrainMeasures) {
-  // Logarithmic strain on principal axes; reference: numpy eigh of [[xx, xy], [xy, yy]],
-  // l = 0.5 ln(2 e + 1), rebuilt as V diag(l) V^T. No shear: one by one; below -0.5 the
-  // logarithm would be undefined and gives 0.
+  // Logarithmic strain, numpy eigh of [[xx, xy], [xy, yy]], l = 0.5 ln(2 e + 1), V diag(l) V^T; below -0.5: 0.
   const V rows[][2] = {{V(0.1, 0.05, 0.02), V(0.09086635749645543, 0.04734308259007968, 0.0174093099625503)},
                        {V(0.3, -0.2, -0.15), V(0.2182587313036738, -0.28788976497042773, -0.15184454888223042)},
                        {V(0, 0, 0), V(0, 0, 0)},
@@ -236,14 +204,11 @@ TEST(Tensors, PlaneTensorsInAFrame) {
     ExpectRows<double>({{s1, e1}, {s2, e2}});
     ExpectRows<V>({{d1, v1}, {d2, v2}});
   };
-  // Equal principal values: p = q = 0, so both local directions are (0,0,0), replaced by x.
+  // Equal values: both local directions (0,0,0), replaced by x.
   check(1, 1, 0, identity, 1, 1, V(1, 0, 0), V(1, 0, 0));
-  // Tensor (2, 1, 0) in the turned frame: s1 = 2 gives p = 1, q = 0, local (1,0,0), global
-  // X = (0,1,0); s2 = 1 gives p = 0, q = -1, local (0,-1,0), global -Y = (1,0,0).
+  // (2, 1, 0) turned: s1 = 2 is local (1,0,0) = global X; s2 = 1 local (0,-1,0) = global -Y.
   check(2, 1, 0, turned, 2, 1, V(0, 1, 0), V(1, 0, 0));
-  // A nearly isotropic tensor with a tiny shear: the principal axes are the diagonals, but the
-  // local direction (1e-7, 1e-7) has a squared length below 1e-12. The plain form falls back to
-  // x; the Form variant scales it up and keeps the diagonal (1, 1)/sqrt(2).
+  // Direction (1e-7, 1e-7), under 1e-12 squared: x in the plain form, the diagonal in the Form one.
   V d1;
   ZmMathd::Tensor2DToVectors3D(1, 1, 1e-7, identity, nullptr, nullptr, &d1, nullptr);
   EXPECT_EQ(d1, V(1, 0, 0));
@@ -252,9 +217,7 @@ TEST(Tensors, PlaneTensorsInAFrame) {
   ZmVector3f f1;
   ZmMathf::Tensor2DToVectors3D(2, 1, 0, ZmFramef(turned), nullptr, nullptr, &f1, nullptr);
   EXPECT_EQ(f1, ZmVector3f(0, 1, 0));
-  // Directional value: (u, v) = (1, 1) in the identity frame gives 2 + 2 * 0.5 + 3 = 6; in the
-  // turned frame the global (1, 1, 0) reads (1, -1): 2 - 1 + 3 = 4; a direction along the
-  // frame's z has u = v = 0 and gives 0 (w is ignored).
+  // (u, v) = (1, 1): 2 + 2 * 0.5 + 3; turned it reads (1, -1): 2 - 1 + 3; along z, 0 (w ignored).
   ExpectRows<double>({{ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, V(1, 1, 5), identity), 6.0},
                       {ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, V(1, 1, 0), turned), 4.0},
                       {ZmMathd::ComputeDirectionalTensorValue(2, 3, 0.5, V(0, 0, 1), identity), 0.0},
