@@ -1,12 +1,11 @@
 // The CFC filter at any rate runs its recursion two outputs at a time, over stretches of the
-// curve, and a long record's two halves side by side; here it is checked against the plain recursion, one output after the other in long
-// double (a reference whose own rounding is far below the tolerance; in double, any order of
-// the recursion strays by up to about 1.2e-12 of the signal's scale for CFC 60 at 100 kHz),
-// written out below from the filter's rules
-// (ends continued by L samples, each pass started in the steady state of its first value, or at
-// rest without ends): every short length (odd and even) and a long record, every end
-// treatment and pad, classes and rates with poles close to 1 (CFC 60 at 100 kHz, CFC 1000 at
-// 10 kHz), both twins.
+// curve, and a long record's two halves side by side; here it is checked against the plain
+// recursion, one output after the other in long double (its own rounding is far below the
+// tolerance; in double, any order of the recursion strays by up to about 1.2e-12 of the signal's
+// scale at CFC 60 at 100 kHz), written out from the filter's rules (ends continued by L samples,
+// each pass started in the steady state of its first value, or at rest without ends): every
+// short length and a long record, every end treatment and pad, classes and rates with poles
+// close to 1, both twins.
 #include <gtest/gtest.h>
 #include <zemcalc/ZmFilterCFC.h>
 
