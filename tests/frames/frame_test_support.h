@@ -103,3 +103,17 @@ double Scale(const P&... points) {
   template <class T>                      \
   class Name : public ::testing::Test {}; \
   TYPED_TEST_SUITE(Name, ::frame_test::Scalars)
+
+// FRAME_TWIN_TEST(Suite, Name) { body } runs the body for each twin of the suite, with T its
+// scalar and P, V and F its point, vector and frame.
+#define FRAME_TWIN_TEST(Suite, Name)                                   \
+  template <class T>                                                   \
+  struct Suite##_##Name##_Twin {                                       \
+    using P = ZmPoint3T<T>;                                            \
+    using V = ZmVector3T<T>;                                           \
+    using F = ZmFrameT<T>;                                             \
+    static void Run();                                                 \
+  };                                                                   \
+  TYPED_TEST(Suite, Name) { Suite##_##Name##_Twin<TypeParam>::Run(); } \
+  template <class T>                                                   \
+  void Suite##_##Name##_Twin<T>::Run()

@@ -7,16 +7,13 @@ using namespace frame_test;
 
 FRAME_TWIN_SUITE(PointFrameTwins);
 
-TYPED_TEST(PointFrameTwins, PlaneFrameFollowsTheNormalAndTheXAxisPoint) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+FRAME_TWIN_TEST(PointFrameTwins, PlaneFrameFollowsTheNormalAndTheXAxisPoint) {
   unsigned char ok = 0;
   ZmPlaneT<T> plane(P(1, 2, 3), V(0, 0, 2), ok);
-  ZmFrameT<T> frame(P(9, 9, 9), V(1, 1, 1), ZmFrameSpherical);
+  F frame(P(9, 9, 9), V(1, 1, 1), ZmFrameSpherical);
   // No X-axis point: the completion of Z = (0, 0, 1) is X = (1, 0, 0), Y = (0, 1, 0).
   ASSERT_EQ(plane.GetFrame(frame), 1);
-  EXPECT_EQ(frame, ZmFrameT<T>(V(1, 0, 0), V(0, 1, 0), V(0, 0, 1), P(1, 2, 3), ZmFrameCartesian));
+  EXPECT_EQ(frame, F(V(1, 0, 0), V(0, 1, 0), V(0, 0, 1), P(1, 2, 3), ZmFrameCartesian));
   // Offset (3, 3, 7) loses its normal part: X = (s, s, 0), Y = Z x X = (-s, s, 0).
   plane.SetXAxisPoint(P(4, 5, 10));
   ASSERT_EQ(plane.GetFrame(frame), 1);
@@ -28,16 +25,13 @@ TYPED_TEST(PointFrameTwins, PlaneFrameFollowsTheNormalAndTheXAxisPoint) {
   ASSERT_EQ(plane.GetFrame(frame), 1);
   EXPECT_EQ(frame.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
   // An unusable plane writes nothing.
-  const ZmFrameT<T> before(frame);
+  const F before(frame);
   plane.SetPointOnPlane(P(std::numeric_limits<T>::quiet_NaN(), 0, 0));
   EXPECT_EQ(plane.GetFrame(frame), 0);
   EXPECT_EQ(frame, before);
 }
 
-TYPED_TEST(PointFrameTwins, PlaneTwoDimensionalCoordinates) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+FRAME_TWIN_TEST(PointFrameTwins, PlaneTwoDimensionalCoordinates) {
   // Normal (0, 0.6, 0.8) and X = (1, 0, 0): Y = Z x X = (0, 0.8, -0.6). The point
   // 2 X + 3 Y + 10 Z = (2, 8.4, 6.2) has the plane coordinates (2, 3).
   unsigned char ok = 0;
@@ -51,10 +45,7 @@ TYPED_TEST(PointFrameTwins, PlaneTwoDimensionalCoordinates) {
   EXPECT_FALSE(P(1, 1, 1).GetPlane2DCoords(plane).IsValid());
 }
 
-TYPED_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+FRAME_TWIN_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
   // The box corners (+-3, +-1, +-0.5) turned by 30 degrees about Z and moved to (10, -5, 2):
   // variances 9 > 1 > 0.25, so X = (cos 30, sin 30, 0), Y = (-sin 30, cos 30, 0) (each with
   // its largest component positive) and Z = X x Y = (0, 0, 1); the extents are the box.
@@ -67,14 +58,14 @@ TYPED_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
   // Unusable points take no part.
   cloud.Add(P(WbCoord3DT<T>::INVALID));
   cloud.Add(P(std::numeric_limits<T>::quiet_NaN(), 0, 0));
-  ZmFrameT<T> frame;
+  F frame;
   ZmExtents3T<T> box;
   ASSERT_EQ(P::ComputePointsCloudLocalFrame(cloud, frame, &box), 1);
   EXPECT_TRUE(Near(frame.GetOrigin(), P(10, -5, 2), 1e-5));
   EXPECT_TRUE(HasAxes(frame, V(c, s, 0), V(-s, c, 0), V(0, 0, 1), 1e-6));
   EXPECT_TRUE(Near(box.GetMinimum(), P(-3, -1, -0.5), 1e-5) && Near(box.GetMaximum(), P(3, 1, 0.5), 1e-5));
   // Without extents.
-  ZmFrameT<T> again;
+  F again;
   ASSERT_EQ(P::ComputePointsCloudLocalFrame(cloud, again, nullptr), 1);
   EXPECT_EQ(again, frame);
 
@@ -106,10 +97,7 @@ TYPED_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
   }
 }
 
-TYPED_TEST(PointFrameTwins, CloudFramesOfEqualSpreadsAndUnusableClouds) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+FRAME_TWIN_TEST(PointFrameTwins, CloudFramesOfEqualSpreadsAndUnusableClouds) {
   const double s = std::sqrt(0.5), d = 2 * std::sqrt(2.0);
   const T huge = std::numeric_limits<T>::max(), nan = std::numeric_limits<T>::quiet_NaN();
   // A straight cloud along (1, 1, 0): X = (s, s, 0) and its completion Y = (-s, s, 0), Z = (0,
@@ -153,9 +141,9 @@ TYPED_TEST(PointFrameTwins, CloudFramesOfEqualSpreadsAndUnusableClouds) {
   };
   for (const auto& r : rows) {
     SCOPED_TRACE(&r - rows);
-    const ZmFrameT<T> before(P(1, 2, 3), V(0, 1, 0), ZmFrameCylindrical);
+    const F before(P(1, 2, 3), V(0, 1, 0), ZmFrameCylindrical);
     const ZmExtents3T<T> boxBefore(P(1, 1, 1), P(2, 2, 2));
-    ZmFrameT<T> frame(before);
+    F frame(before);
     ZmExtents3T<T> box(boxBefore);
     ASSERT_EQ(P::ComputePointsCloudLocalFrame(r.cloud, frame, &box), r.fitted);
     if (!r.fitted) {
