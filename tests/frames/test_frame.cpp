@@ -101,7 +101,7 @@ FRAME_TWIN_TEST(FrameTwins, AccessorsRowsColumnsAndIdentity) {
   F reset(frame);
   frame.SetIdentity(0);
   reset.SetIdentity(1);
-  EXPECT_EQ(frame.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
+  EXPECT_EQ(frame.GetMatrix(), M::IDENTITY);
   ExpectRows<P>({{frame.GetOrigin(), P(1, 2, 3)}, {reset.GetOrigin(), P(0, 0, 0)}});
   EXPECT_EQ(reset.GetType(), ZmFrameSpherical);
   // SetMatrix with the other precision's vectors.
@@ -147,7 +147,7 @@ FRAME_TWIN_TEST(FrameTwins, AxesFromTwoVectors) {
 }
 
 FRAME_TWIN_TEST(FrameTwins, NearestAxis) {
-  const T nan = std::numeric_limits<T>::quiet_NaN(), unwritten = 7;
+  const T unwritten = 7;
   // AngleDeg((0,0,-1), Z) = pi * 57.2957763671875 = 179.99999011687993: folded 9.9e-6, so Z
   // within 10 degrees but not within 0. (sqrt 3, 1, 0) is 30 degrees from X, 60 from Y: X
   // within 45, nothing within 29. Exactly between X and Y: the tie keeps the lower index.
@@ -184,7 +184,7 @@ FRAME_TWIN_TEST(FrameTwins, ValidityAndText) {
   F skewed(frame), marked(frame), noOrigin;
   skewed.SetMatrix(V(5, 5, 5), V(0, 0, 0), V(0, 0, 1));
   marked.SetMatrix(V(1, 0, 0), V(0, T(kMarker), 0), V(0, 0, 1));
-  noOrigin.SetOrigin(P(WbCoord3DT<T>::INVALID));
+  noOrigin.SetOrigin(invalid);
   ExpectRows<int>({{skewed.IsValid(), 1}, {marked.IsValid(), 0}, {noOrigin.IsValid(), 0}});
 }
 

@@ -9,23 +9,21 @@ using namespace frame_test;
 FRAME_TWIN_SUITE(FrameMotionTwins);
 
 FRAME_TWIN_TEST(FrameMotionTwins, Rotations) {
-  using Rows = ZmMatrix3T<T>;
-  const T nan = std::numeric_limits<T>::quiet_NaN(), inf = std::numeric_limits<T>::infinity();
   F frame;
   frame.SetOrigin(P(1, 0, 0));
   // A quarter turn about Z is exact: X -> Y, Y -> -X; the origin stays.
   EXPECT_EQ(frame.Rotate(V(0, 0, 3), T(90)), 1);
-  EXPECT_TRUE(frame.GetMatrix() == Rows(0, -1, 0, 1, 0, 0, 0, 0, 1) && frame.GetOrigin() == P(1, 0, 0));
+  EXPECT_TRUE(frame.GetMatrix() == M(0, -1, 0, 1, 0, 0, 0, 0, 1) && frame.GetOrigin() == P(1, 0, 0));
   // About the line through (0, 0, 5) along Z the origin turns too: (1,0,0) -> (0,1,0).
   EXPECT_EQ(frame.Rotate(P(0, 0, 5), V(0, 0, 1), T(90)), 1);
   EXPECT_TRUE(Near(frame.GetOrigin(), P(0, 1, 0), 1e-6));
-  EXPECT_EQ(frame.GetMatrix(), Rows(-1, 0, 0, 0, -1, 0, 0, 0, 1));
+  EXPECT_EQ(frame.GetMatrix(), M(-1, 0, 0, 0, -1, 0, 0, 0, 1));
   // Axes that cannot be normalised (RotationMatrix would turn about Z for the tiny one), a NaN
   // angle or an unusable centre change nothing, each on its own.
   const F before(frame);
   ExpectAll<int>({frame.Rotate(V(0, 0, 0), T(30)), frame.Rotate(V(T(5e-7), 0, 0), T(30)), frame.Rotate(V(1, 0, 0), nan),
-                  frame.Rotate(P(WbCoord3DT<T>::INVALID), V(1, 0, 0), T(30)),
-                  frame.Rotate(P(0, 0, 5), V(T(5e-7), 0, 0), T(30)), frame.Rotate(P(0, 0, 5), V(1, 0, 0), nan)},
+                  frame.Rotate(invalid, V(1, 0, 0), T(30)), frame.Rotate(P(0, 0, 5), V(T(5e-7), 0, 0), T(30)),
+                  frame.Rotate(P(0, 0, 5), V(1, 0, 0), nan)},
                  0);
   EXPECT_EQ(frame, before);
   // Own axes in the order X, then the new Y, then the new Z: (90, 90, 0) from the identity is
@@ -34,11 +32,11 @@ FRAME_TWIN_TEST(FrameMotionTwins, Rotations) {
   const struct {
     T x, y, z;
     unsigned char done;
-    ZmMatrix3T<T> matrix;
+    M matrix;
   } turns[] = {
-      {90, 90, 0, 1, Rows(0, 0, 1, 1, 0, 0, 0, 1, 0)},
-      {zm::Invalid<T>(), 0, 90, 1, Rows(0, -1, 0, 1, 0, 0, 0, 0, 1)},
-      {30, inf, 0, 0, ZmMatrix3T<T>::IDENTITY},
+      {90, 90, 0, 1, M(0, 0, 1, 1, 0, 0, 0, 1, 0)},
+      {zm::Invalid<T>(), 0, 90, 1, M(0, -1, 0, 1, 0, 0, 0, 0, 1)},
+      {30, inf, 0, 0, M::IDENTITY},
   };
   for (const auto& t : turns) {
     F turned;
@@ -56,7 +54,7 @@ FRAME_TWIN_TEST(FrameMotionTwins, Rotations) {
                    {aimed.RotateAxis(1, V(0, 0, 0)), 0},
                    {aligned.RotateAxis(2, V(0, 0, 5)), 1}});
   EXPECT_EQ(aimed, aimedBefore);
-  EXPECT_EQ(aligned.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
+  EXPECT_EQ(aligned.GetMatrix(), M::IDENTITY);
 }
 
 FRAME_TWIN_TEST(FrameMotionTwins, RotateByAFramePlacesThisFrameInItsParent) {
@@ -67,7 +65,7 @@ FRAME_TWIN_TEST(FrameMotionTwins, RotateByAFramePlacesThisFrameInItsParent) {
   other.Rotate(V(0, 0, 1), T(90));
   F frame(P(1, 2, 3), V(0, 0, 1), ZmFrameSpherical);
   F broken;
-  broken.SetOrigin(P(std::numeric_limits<T>::quiet_NaN(), 0, 0));
+  broken.SetOrigin(P(nan, 0, 0));
   ExpectRows<int>({{frame.Rotate(other), 1}, {frame.Rotate(broken), 0}});
   EXPECT_TRUE(frame.GetOrigin() == P(8, 1, 3) && frame.GetMatrix() == other.GetMatrix());
   EXPECT_EQ(frame.GetType(), ZmFrameSpherical);
@@ -171,7 +169,7 @@ FRAME_TWIN_TEST(FrameMotionTwins, RelationsUndoneByTheMatchingMoves) {
 
 FRAME_TWIN_TEST(FrameMotionTwins, RelationsRefuseUnusableFrames) {
   F broken;
-  broken.SetMatrix(V(1, 0, 0), V(0, std::numeric_limits<T>::quiet_NaN(), 0), V(0, 0, 1));
+  broken.SetMatrix(V(1, 0, 0), V(0, nan, 0), V(0, 0, 1));
   const F frame;
   T angle = 7, angles[3] = {7, 7, 7};
   V a(7, 7, 7), b(7, 7, 7);
@@ -245,7 +243,7 @@ FRAME_TWIN_TEST(FrameMotionTwins, ArrayConversions) {
   const F frame = RandomFrame<T>(rng, ZmFrameSpherical);
   WbArrayTempl<P> points;
   for (int i = 0; i < 5; ++i) points.Add(RandomPoint<T>(rng, 30));
-  points.Add(P(WbCoord3DT<T>::INVALID));
+  points.Add(invalid);
   // Each point as the single conversion gives it (the invalid one stays invalid), then back in
   // place through the array form, and through the raw form with in == out.
   P local[6];
@@ -288,12 +286,11 @@ TEST(FrameTwinsAgree, FloatFollowsDoubleWithinFloatPrecision) {
 }
 
 FRAME_TWIN_TEST(FrameMotionTwins, UnusableInputGivesInvalidResults) {
-  const T nan = std::numeric_limits<T>::quiet_NaN();
   const F frame(P(1, 2, 3), V(0, 1, 1), ZmFrameCylindrical);
   F broken(frame);
-  broken.SetOrigin(P(WbCoord3DT<T>::INVALID));
+  broken.SetOrigin(invalid);
   const F lost = frame.GlobalToLocal(broken);
-  ExpectAll<int>({frame.GlobalToLocal(P(WbCoord3DT<T>::INVALID)).IsValid(), frame.GlobalToLocal(P(nan, 0, 0)).IsValid(),
+  ExpectAll<int>({frame.GlobalToLocal(invalid).IsValid(), frame.GlobalToLocal(P(nan, 0, 0)).IsValid(),
                   frame.LocalToGlobal(V(0, nan, 0)).IsValid(), frame.GlobalToLocal(ZmPoint2T<T>(nan, 1)).IsValid(),
                   broken.GlobalToLocal(P(1, 1, 1)).IsValid(), broken.LocalToGlobal(ZmVector2T<T>(1, 1)).IsValid(),
                   lost.IsValid(), lost.GetVector(0).IsValid(), broken.LocalToGlobal(frame).IsValid()},

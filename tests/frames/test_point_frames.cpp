@@ -23,10 +23,10 @@ FRAME_TWIN_TEST(PointFrameTwins, PlaneFrameFollowsTheNormalAndTheXAxisPoint) {
   // A point on the normal through the origin leaves no direction: the completion again.
   plane.SetXAxisPoint(P(1, 2, 10));
   ASSERT_EQ(plane.GetFrame(frame), 1);
-  EXPECT_EQ(frame.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
+  EXPECT_EQ(frame.GetMatrix(), M::IDENTITY);
   // An unusable plane writes nothing.
   const F before(frame);
-  plane.SetPointOnPlane(P(std::numeric_limits<T>::quiet_NaN(), 0, 0));
+  plane.SetPointOnPlane(P(nan, 0, 0));
   EXPECT_EQ(plane.GetFrame(frame), 0);
   EXPECT_EQ(frame, before);
 }
@@ -40,8 +40,8 @@ FRAME_TWIN_TEST(PointFrameTwins, PlaneTwoDimensionalCoordinates) {
   const ZmPoint2f flat = P(2, T(8.4), T(6.2)).GetPlane2DCoords(plane);
   EXPECT_TRUE(Near(flat, ZmPoint2f(2, 3), 1e-5));
   static_assert(std::is_same<decltype(flat), const ZmPoint2f>::value, "float in both twins");
-  EXPECT_FALSE(P(WbCoord3DT<T>::INVALID).GetPlane2DCoords(plane).IsValid());
-  plane.SetPointOnPlane(P(WbCoord3DT<T>::INVALID));
+  EXPECT_FALSE(invalid.GetPlane2DCoords(plane).IsValid());
+  plane.SetPointOnPlane(invalid);
   EXPECT_FALSE(P(1, 1, 1).GetPlane2DCoords(plane).IsValid());
 }
 
@@ -56,8 +56,8 @@ FRAME_TWIN_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
     cloud.Add(P(10 + a * c - b * s, -5 + a * s + b * c, 2 + h));
   }
   // Unusable points take no part.
-  cloud.Add(P(WbCoord3DT<T>::INVALID));
-  cloud.Add(P(std::numeric_limits<T>::quiet_NaN(), 0, 0));
+  cloud.Add(invalid);
+  cloud.Add(P(nan, 0, 0));
   F frame;
   ZmExtents3T<T> box;
   ASSERT_EQ(P::ComputePointsCloudLocalFrame(cloud, frame, &box), 1);
@@ -99,7 +99,7 @@ FRAME_TWIN_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
 
 FRAME_TWIN_TEST(PointFrameTwins, CloudFramesOfEqualSpreadsAndUnusableClouds) {
   const double s = std::sqrt(0.5), d = 2 * std::sqrt(2.0);
-  const T huge = std::numeric_limits<T>::max(), nan = std::numeric_limits<T>::quiet_NaN();
+  const T huge = std::numeric_limits<T>::max();
   // A straight cloud along (1, 1, 0): X = (s, s, 0) and its completion Y = (-s, s, 0), Z = (0,
   // 0, 1); extents +-2 sqrt(2) along X. A square in the plane y = 0: Z = (0, 1, 0) (the normal,
   // oriented) and its completion X = (-1, 0, 0), Y = (0, 0, 1). The corners of a cube, and a
@@ -134,8 +134,8 @@ FRAME_TWIN_TEST(PointFrameTwins, CloudFramesOfEqualSpreadsAndUnusableClouds) {
        1e-6},
       {{P(4, 5, 6)}, 1, P(4, 5, 6), P(0, 0, 0), P(0, 0, 0), x, y, z},
       {{}, 0},
-      {{P(WbCoord3DT<T>::INVALID), P(nan, 1, 1)}, 0},
-      {{P(1, 1, 1), P(2, 2, 2), P(0, std::numeric_limits<T>::infinity(), 0)}, 0},
+      {{invalid, P(nan, 1, 1)}, 0},
+      {{P(1, 1, 1), P(2, 2, 2), P(0, inf, 0)}, 0},
       {{P(huge, 0, 0), P(huge, 0, 0)}, 0},
       {{P(huge / 2, 0, 0), P(-huge / 2, 0, 0), P(0, 1, 0)}, 0},
   };
