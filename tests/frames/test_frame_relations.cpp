@@ -55,20 +55,16 @@ FRAME_TWIN_TEST(FrameMotionTwins, Rotations) {
                    {aligned.RotateAxis(2, V(0, 0, 5)), 1}});
   EXPECT_EQ(aimed, aimedBefore);
   EXPECT_EQ(aligned.GetMatrix(), M::IDENTITY);
-}
-
-FRAME_TWIN_TEST(FrameMotionTwins, RotateByAFramePlacesThisFrameInItsParent) {
-  // Other: origin (10, 0, 0), a quarter turn about Z. This frame, read in other: origin
-  // (1, 2, 3) -> (10 - 2, 1, 3); X axis (1,0,0) -> (0,1,0).
-  F other;
+  // Rotate(other) places this frame in other's parent. Other: origin (10, 0, 0), a quarter
+  // turn about Z. This frame, read in other: origin (1, 2, 3) -> (10 - 2, 1, 3); X axis
+  // (1,0,0) -> (0,1,0). A frame with a NaN origin is refused.
+  F other, placed(P(1, 2, 3), V(0, 0, 1), ZmFrameSpherical), broken;
   other.SetOrigin(P(10, 0, 0));
   other.Rotate(V(0, 0, 1), T(90));
-  F frame(P(1, 2, 3), V(0, 0, 1), ZmFrameSpherical);
-  F broken;
   broken.SetOrigin(P(nan, 0, 0));
-  ExpectRows<int>({{frame.Rotate(other), 1}, {frame.Rotate(broken), 0}});
-  EXPECT_TRUE(frame.GetOrigin() == P(8, 1, 3) && frame.GetMatrix() == other.GetMatrix());
-  EXPECT_EQ(frame.GetType(), ZmFrameSpherical);
+  ExpectRows<int>({{placed.Rotate(other), 1}, {placed.Rotate(broken), 0}});
+  EXPECT_TRUE(placed.GetOrigin() == P(8, 1, 3) && placed.GetMatrix() == other.GetMatrix());
+  EXPECT_EQ(placed.GetType(), ZmFrameSpherical);
 }
 
 TEST(FrameRelations, HandCheckedAngles) {
@@ -165,22 +161,6 @@ FRAME_TWIN_TEST(FrameMotionTwins, RelationsUndoneByTheMatchingMoves) {
   EXPECT_NEAR(angles[1], 90, 1e-3);
   again.RotateAroundAxes(angles[0], angles[1], angles[2]);
   EXPECT_TRUE(NearMatrix(again.GetMatrix(), locked.GetMatrix(), 1e-6));
-}
-
-FRAME_TWIN_TEST(FrameMotionTwins, RelationsRefuseUnusableFrames) {
-  F broken;
-  broken.SetMatrix(V(1, 0, 0), V(0, nan, 0), V(0, 0, 1));
-  const F frame;
-  T angle = 7, angles[3] = {7, 7, 7};
-  V a(7, 7, 7), b(7, 7, 7);
-  F euler(P(7, 7, 7), V(1, 0, 0), ZmFrameSpherical);
-  const F eulerBefore(euler);
-  ExpectAll<int>({frame.GetRotationTo(broken, angle, a), broken.GetRotationAngles(frame, angles),
-                  frame.GetRotationAngles(frame, nullptr), frame.GetGlobalTransformation(broken, a, b),
-                  broken.GetEulerFrame(frame, euler)},
-                 0);
-  ExpectAll<T>({angle, angles[0], a.x, a.y, a.z}, T(7));
-  EXPECT_EQ(euler, eulerBefore);
 }
 
 FRAME_TWIN_TEST(FrameMotionTwins, RoundTripsOnRandomFrames) {
@@ -285,16 +265,26 @@ TEST(FrameTwinsAgree, FloatFollowsDoubleWithinFloatPrecision) {
   }
 }
 
-FRAME_TWIN_TEST(FrameMotionTwins, UnusableInputGivesInvalidResults) {
+FRAME_TWIN_TEST(FrameMotionTwins, UnusableFramesAndInputs) {
+  // Relations with a frame whose axis holds NaN fail and write nothing; conversions of unusable
+  // values or by a frame without origin give invalid results.
   const F frame(P(1, 2, 3), V(0, 1, 1), ZmFrameCylindrical);
-  F broken(frame);
-  broken.SetOrigin(invalid);
-  const F lost = frame.GlobalToLocal(broken);
-  ExpectAll<int>({frame.GlobalToLocal(invalid).IsValid(), frame.GlobalToLocal(P(nan, 0, 0)).IsValid(),
-                  frame.LocalToGlobal(V(0, nan, 0)).IsValid(), frame.GlobalToLocal(ZmPoint2T<T>(nan, 1)).IsValid(),
-                  broken.GlobalToLocal(P(1, 1, 1)).IsValid(), broken.LocalToGlobal(ZmVector2T<T>(1, 1)).IsValid(),
-                  lost.IsValid(), lost.GetVector(0).IsValid(), broken.LocalToGlobal(frame).IsValid()},
+  F noAxis, noOrigin(frame), euler(P(7, 7, 7), V(1, 0, 0), ZmFrameSpherical);
+  noAxis.SetMatrix(V(1, 0, 0), V(0, nan, 0), V(0, 0, 1));
+  noOrigin.SetOrigin(invalid);
+  T angle = 7, angles[3] = {7, 7, 7};
+  V a(7, 7, 7), b(7, 7, 7);
+  const F eulerBefore(euler), lost = frame.GlobalToLocal(noOrigin);
+  ExpectAll<int>({frame.GetRotationTo(noAxis, angle, a), noAxis.GetRotationAngles(frame, angles),
+                  frame.GetRotationAngles(frame, nullptr), frame.GetGlobalTransformation(noAxis, a, b),
+                  noAxis.GetEulerFrame(frame, euler), frame.GlobalToLocal(invalid).IsValid(),
+                  frame.GlobalToLocal(P(nan, 0, 0)).IsValid(), frame.LocalToGlobal(V(0, nan, 0)).IsValid(),
+                  frame.GlobalToLocal(ZmPoint2T<T>(nan, 1)).IsValid(), noOrigin.GlobalToLocal(P(1, 1, 1)).IsValid(),
+                  noOrigin.LocalToGlobal(ZmVector2T<T>(1, 1)).IsValid(), lost.IsValid(), lost.GetVector(0).IsValid(),
+                  noOrigin.LocalToGlobal(frame).IsValid()},
                  0);
+  ExpectAll<T>({angle, angles[0], a.x, a.y, a.z}, T(7));
+  EXPECT_EQ(euler, eulerBefore);
 }
 
 }  // namespace
