@@ -19,23 +19,6 @@ ZmFramed RodriguesFrame(ZmFrameType type) {
                   type);
 }
 
-TEST(Frame, DefaultCopyAndTwinConversion) {
-  const ZmFramed frame;
-  EXPECT_EQ(frame, ZmFramed(ZmVector3d(1, 0, 0), ZmVector3d(0, 1, 0), ZmVector3d(0, 0, 1), ZmPoint3d(0, 0, 0),
-                            ZmFrameCartesian));
-  const ZmFramed rotated = RodriguesFrame(ZmFrameSpherical);
-  ZmFramed copy;
-  copy = rotated;
-  EXPECT_EQ(copy, rotated);
-  EXPECT_NE(copy, frame);
-  // The float twin rounds each field; converting back widens them exactly.
-  const ZmFramef narrowed = rotated;
-  EXPECT_EQ(narrowed.GetType(), ZmFrameSpherical);
-  EXPECT_EQ(ZmFramed(narrowed).GetOrigin(), ZmPoint3d(1, -2, 0.5));
-  ExpectRows<double>({{narrowed.GetMatrix()[0][0], double(0.7920395049946471f)},
-                      {ZmFramed(narrowed).GetMatrix()[1][2], double(-0.11028228905950332f)}});
-}
-
 FRAME_TWIN_TEST(FrameTwins, ConstructionsGiveTheseAxes) {
   const double s = std::sqrt(0.5);
   const V x(1, 0, 0), y(0, 1, 0), z(0, 0, 1), zero(0, 0, 0), reference(1, 1, 0);
@@ -188,24 +171,37 @@ FRAME_TWIN_TEST(FrameTwins, ValidityAndText) {
   ExpectRows<int>({{skewed.IsValid(), 1}, {marked.IsValid(), 0}, {noOrigin.IsValid(), 0}});
 }
 
-TEST(Frame, ConversionsAgainstAnIndependentCalculation) {
+TEST(Frame, CopiesTwinsAndConversionsAgainstAnIndependentCalculation) {
+  const ZmFramed frame;
+  EXPECT_EQ(frame, ZmFramed(ZmVector3d(1, 0, 0), ZmVector3d(0, 1, 0), ZmVector3d(0, 0, 1), ZmPoint3d(0, 0, 0),
+                            ZmFrameCartesian));
+  const ZmFramed rotated = RodriguesFrame(ZmFrameSpherical);
+  ZmFramed copy;
+  copy = rotated;
+  EXPECT_EQ(copy, rotated);
+  EXPECT_NE(copy, frame);
+  // The float twin rounds each field; converting back widens them exactly.
+  const ZmFramef narrowed = rotated;
+  EXPECT_EQ(narrowed.GetType(), ZmFrameSpherical);
+  EXPECT_EQ(ZmFramed(narrowed).GetOrigin(), ZmPoint3d(1, -2, 0.5));
+  ExpectRows<double>({{narrowed.GetMatrix()[0][0], double(0.7920395049946471f)},
+                      {ZmFramed(narrowed).GetMatrix()[1][2], double(-0.11028228905950332f)}});
   // numpy: l = R^T (p - o) for p = (3, 1, -2); cylindrical (hypot, degrees(arctan2), z) and
   // spherical (norm, degrees(arctan2), degrees(arcsin(z / norm))).
   const ZmPoint3d p(3, 1, -2);
-  EXPECT_TRUE(Near(RodriguesFrame(ZmFrameCartesian).GlobalToLocal(p),
-                   ZmPoint3d(3.9669619740489406, 1.0613972129567804, -1.5448781999812509), 1e-14));
-  EXPECT_TRUE(Near(RodriguesFrame(ZmFrameCylindrical).GlobalToLocal(p),
-                   ZmPoint3d(4.106501107661203, 14.979150422807864, -1.5448781999812509), 1e-13));
-  EXPECT_TRUE(Near(RodriguesFrame(ZmFrameSpherical).GlobalToLocal(p),
-                   ZmPoint3d(4.387482193696061, 14.979150422807864, -20.61645230362957), 1e-13));
+  const ZmFramed cart = RodriguesFrame(ZmFrameCartesian), cyl = RodriguesFrame(ZmFrameCylindrical);
+  EXPECT_TRUE(
+      Near(cart.GlobalToLocal(p), ZmPoint3d(3.9669619740489406, 1.0613972129567804, -1.5448781999812509), 1e-14));
+  EXPECT_TRUE(Near(cyl.GlobalToLocal(p), ZmPoint3d(4.106501107661203, 14.979150422807864, -1.5448781999812509), 1e-13));
+  EXPECT_TRUE(
+      Near(rotated.GlobalToLocal(p), ZmPoint3d(4.387482193696061, 14.979150422807864, -20.61645230362957), 1e-13));
   // numpy: R (2 cos a cos b, 2 sin a cos b, 2 sin b) + o for (rho, theta, phi) = (2, 135, -30).
-  EXPECT_TRUE(Near(RodriguesFrame(ZmFrameSpherical).LocalToGlobal(ZmPoint3d(2, 135, -30)),
+  EXPECT_TRUE(Near(rotated.LocalToGlobal(ZmPoint3d(2, 135, -30)),
                    ZmPoint3d(-0.9117207667017242, -1.4126679561168016, 0.48090077516345864), 1e-14));
   // A vector ignores the origin: R^T (0.5, -1, 2).
-  EXPECT_TRUE(Near(RodriguesFrame(ZmFrameCartesian).GlobalToLocal(ZmVector3d(0.5, -1, 2)),
+  EXPECT_TRUE(Near(cart.GlobalToLocal(ZmVector3d(0.5, -1, 2)),
                    ZmVector3d(-0.8375653431244168, -0.4218065971784528, 2.0905892687406613), 1e-14));
   // The float twin of the same frame agrees within float precision.
-  const ZmFramef narrowed = RodriguesFrame(ZmFrameSpherical);
   EXPECT_TRUE(Near(narrowed.GlobalToLocal(ZmPoint3f(3, 1, -2)),
                    ZmPoint3d(4.387482193696061, 14.979150422807864, -20.61645230362957), 1e-4));
 }

@@ -7,7 +7,7 @@ using namespace frame_test;
 
 FRAME_TWIN_SUITE(PointFrameTwins);
 
-FRAME_TWIN_TEST(PointFrameTwins, PlaneFrameFollowsTheNormalAndTheXAxisPoint) {
+FRAME_TWIN_TEST(PointFrameTwins, PlaneFrameAndTwoDimensionalCoordinates) {
   unsigned char ok = 0;
   ZmPlaneT<T> plane(P(1, 2, 3), V(0, 0, 2), ok);
   F frame(P(9, 9, 9), V(1, 1, 1), ZmFrameSpherical);
@@ -29,20 +29,16 @@ FRAME_TWIN_TEST(PointFrameTwins, PlaneFrameFollowsTheNormalAndTheXAxisPoint) {
   plane.SetPointOnPlane(P(nan, 0, 0));
   EXPECT_EQ(plane.GetFrame(frame), 0);
   EXPECT_EQ(frame, before);
-}
-
-FRAME_TWIN_TEST(PointFrameTwins, PlaneTwoDimensionalCoordinates) {
-  // Normal (0, 0.6, 0.8) and X = (1, 0, 0): Y = Z x X = (0, 0.8, -0.6). The point
-  // 2 X + 3 Y + 10 Z = (2, 8.4, 6.2) has the plane coordinates (2, 3).
-  unsigned char ok = 0;
-  ZmPlaneT<T> plane(P(0, 0, 0), V(0, 3, 4), ok);
-  plane.SetXAxisPoint(P(5, 0, 0));
-  const ZmPoint2f flat = P(2, T(8.4), T(6.2)).GetPlane2DCoords(plane);
+  // Plane coordinates: normal (0, 0.6, 0.8) and X = (1, 0, 0): Y = Z x X = (0, 0.8, -0.6). The
+  // point 2 X + 3 Y + 10 Z = (2, 8.4, 6.2) has the plane coordinates (2, 3).
+  ZmPlaneT<T> tilted(P(0, 0, 0), V(0, 3, 4), ok);
+  tilted.SetXAxisPoint(P(5, 0, 0));
+  const ZmPoint2f flat = P(2, T(8.4), T(6.2)).GetPlane2DCoords(tilted);
   EXPECT_TRUE(Near(flat, ZmPoint2f(2, 3), 1e-5));
   static_assert(std::is_same<decltype(flat), const ZmPoint2f>::value, "float in both twins");
-  EXPECT_FALSE(invalid.GetPlane2DCoords(plane).IsValid());
-  plane.SetPointOnPlane(invalid);
-  EXPECT_FALSE(P(1, 1, 1).GetPlane2DCoords(plane).IsValid());
+  EXPECT_FALSE(invalid.GetPlane2DCoords(tilted).IsValid());
+  tilted.SetPointOnPlane(invalid);
+  EXPECT_FALSE(P(1, 1, 1).GetPlane2DCoords(tilted).IsValid());
 }
 
 FRAME_TWIN_TEST(PointFrameTwins, CloudFrameOfDistinctSpreads) {
