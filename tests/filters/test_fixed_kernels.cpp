@@ -148,30 +148,27 @@ TEST(FixedKernels, RefusalFarIntoALongCurveLeavesCurveAndKernelUnchanged) {
 }
 
 TEST(FilterClasses, CreationByName) {
-  const struct {
-    const wchar_t *stem, *base;  // the d and f classes and their bases
-  } families[] = {
-      {L"ZmFilterCFC600_10kHz", L"ZmFilterMA"},
-      {L"ZmFilterCFC180_10kHz", L"ZmFilterMA"},
-      {L"ZmFilterCFC60_10kHz", L"ZmFilterMA"},
-      {L"ZmFilterFIRF16", L"ZmFilterMA"},
-      {L"ZmFilterMVA", L"ZmFilterMA"},
-      {L"ZmFilterMVAWeighted", L"ZmFilterMVA"},
-      {L"ZmFilterCos", L"ZmFilterMA"},
-      {L"ZmFilterSWA", L"ZmFilter"},
-      {L"ZmFilterCFC", L"ZmFilter"},
+  // Each family (its d and f classes) by its base.
+  const std::pair<std::wstring, std::vector<std::wstring>> bases[] = {
+      {L"ZmFilterMA",
+       {L"ZmFilterCFC600_10kHz", L"ZmFilterCFC180_10kHz", L"ZmFilterCFC60_10kHz", L"ZmFilterFIRF16", L"ZmFilterMVA",
+        L"ZmFilterCos"}},
+      {L"ZmFilterMVA", {L"ZmFilterMVAWeighted"}},
+      {L"ZmFilter", {L"ZmFilterSWA", L"ZmFilterCFC"}},
   };
-  for (const auto& family : families) {
-    for (const std::wstring twin : {L"d", L"f"}) {
-      const std::wstring name = family.stem + twin;
-      SCOPED_TRACE(name);
-      WbObject* object = WbRuntimeClass::CreateObject(name.c_str());
-      ASSERT_NE(object, nullptr);
-      EXPECT_EQ(object->GetRuntimeClass()->GetClassName(), name);
-      EXPECT_EQ(object->GetRuntimeClass()->GetBaseClass(), WbRuntimeClass::FromName((family.base + twin).c_str()));
-      EXPECT_EQ(object->IsKindOf(&ZmFilterd::WbClassZmFilterd) + 2 * object->IsKindOf(&ZmFilterf::WbClassZmFilterf),
-                twin == L"d" ? 1 : 2);
-      EXPECT_EQ(WbObject::DeleteDynamicObject(object), 1);
+  for (const auto& base : bases) {
+    for (const std::wstring& stem : base.second) {
+      for (const std::wstring twin : {L"d", L"f"}) {
+        const std::wstring name = stem + twin;
+        SCOPED_TRACE(name);
+        WbObject* object = WbRuntimeClass::CreateObject(name.c_str());
+        ASSERT_NE(object, nullptr);
+        EXPECT_EQ(object->GetRuntimeClass()->GetClassName(), name);
+        EXPECT_EQ(object->GetRuntimeClass()->GetBaseClass(), WbRuntimeClass::FromName((base.first + twin).c_str()));
+        EXPECT_EQ(object->IsKindOf(&ZmFilterd::WbClassZmFilterd) + 2 * object->IsKindOf(&ZmFilterf::WbClassZmFilterf),
+                  twin == L"d" ? 1 : 2);
+        EXPECT_EQ(WbObject::DeleteDynamicObject(object), 1);
+      }
     }
   }
   // The abstract interface and the kernel-less frame are known but not creatable.
