@@ -205,17 +205,12 @@ FRAME_TWIN_TEST(FrameMotionTwins, RoundTripsOnRandomFrames) {
 FRAME_TWIN_TEST(FrameMotionTwins, TwoDimensionalConversionsAreTheFirstTwoComponents) {
   std::mt19937 rng(99);
   const F frame = RandomFrame<T>(rng, ZmFrameCylindrical);
-  const ZmPoint2T<T> p(3.5, -1.25);
-  const P full = frame.GlobalToLocal(P(3.5, -1.25, 0));
-  EXPECT_EQ(frame.GlobalToLocal(p), ZmPoint2T<T>(full.x, full.y));
-  const V back = frame.LocalToGlobal(V(2, 30, 0));
-  EXPECT_EQ(frame.LocalToGlobal(ZmVector2T<T>(2, 30)), ZmVector2T<T>(back.x, back.y));
-  // A frame turned about Z only keeps the plane: 2D round trips are exact to rounding.
-  F planar;
-  planar.SetOrigin(P(4, -3, 0));
-  planar.Rotate(V(0, 0, 1), T(37));
-  EXPECT_TRUE(Near(planar.LocalToGlobal(planar.GlobalToLocal(p)), p, kRoundTrip<T> * 10));
-  EXPECT_TRUE(Near(planar.LocalToGlobal(planar.GlobalToLocal(ZmVector2T<T>(p))), ZmVector2T<T>(p), kRoundTrip<T> * 10));
+  const P toLocal = frame.GlobalToLocal(P(3.5, -1.25, 0)), toGlobal = frame.LocalToGlobal(P(3.5, -1.25, 0));
+  const V vectorToLocal = frame.GlobalToLocal(V(2, 30, 0)), vectorToGlobal = frame.LocalToGlobal(V(2, 30, 0));
+  EXPECT_EQ(frame.GlobalToLocal(ZmPoint2T<T>(3.5, -1.25)), ZmPoint2T<T>(toLocal.x, toLocal.y));
+  EXPECT_EQ(frame.LocalToGlobal(ZmPoint2T<T>(3.5, -1.25)), ZmPoint2T<T>(toGlobal.x, toGlobal.y));
+  EXPECT_EQ(frame.GlobalToLocal(ZmVector2T<T>(2, 30)), ZmVector2T<T>(vectorToLocal.x, vectorToLocal.y));
+  EXPECT_EQ(frame.LocalToGlobal(ZmVector2T<T>(2, 30)), ZmVector2T<T>(vectorToGlobal.x, vectorToGlobal.y));
 }
 
 FRAME_TWIN_TEST(FrameMotionTwins, ArrayConversions) {
