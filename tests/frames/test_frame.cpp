@@ -63,7 +63,7 @@ FRAME_TWIN_TEST(FrameTwins, ConstructionsGiveTheseAxes) {
   EXPECT_TRUE(Near(general.GetVector(2), V(1, -2, 0.5) / std::sqrt(5.25), 1e-7));
 }
 
-FRAME_TWIN_TEST(FrameTwins, AccessorsRowsColumnsAndIdentity) {
+FRAME_TWIN_TEST(FrameTwins, AccessorsIdentityValidityAndText) {
   // A rotation whose matrix is not symmetric: 90 degrees about Z, X = (0, 1, 0).
   F frame(P(1, 2, 3), V(1, 1, 1), ZmFrameSpherical);
   frame.SetMatrix(V(0, 1, 0), V(-1, 0, 0), V(0, 0, 1));
@@ -90,6 +90,18 @@ FRAME_TWIN_TEST(FrameTwins, AccessorsRowsColumnsAndIdentity) {
   // SetMatrix with the other precision's vectors.
   reset.SetMatrix(ZmVector3d(0, 1, 0), ZmVector3d(-1, 0, 0), ZmVector3d(0, 0, 1));
   EXPECT_TRUE(HasAxes(reset, V(0, 1, 0), V(-1, 0, 0), V(0, 0, 1), 0));
+  // Validity and the text form.
+  F text(V(0, 1, 0), V(-1, 0, 0), V(0, 0, 1), P(1.25, -2, 30.04), ZmFrameCartesian);
+  EXPECT_EQ(text.IsValid(), 1);
+  EXPECT_STREQ(text.DumpOneLine().GetString(),
+               L"v1=0.000, 1.000, 0.000, v2=-1.000, 0.000, 0.000, v3=0.000, 0.000, 1.000, pt=1.2, -2.0, 30.0");
+  text.WriteDebug(L"ignored");
+  // Orthonormality is not checked; the marker in an axis or the origin is.
+  F skewed(text), marked(text), noOrigin;
+  skewed.SetMatrix(V(5, 5, 5), V(0, 0, 0), V(0, 0, 1));
+  marked.SetMatrix(V(1, 0, 0), V(0, T(kMarker), 0), V(0, 0, 1));
+  noOrigin.SetOrigin(invalid);
+  ExpectRows<int>({{skewed.IsValid(), 1}, {marked.IsValid(), 0}, {noOrigin.IsValid(), 0}});
 }
 
 FRAME_TWIN_TEST(FrameTwins, AxesFromTwoVectors) {
@@ -155,20 +167,6 @@ FRAME_TWIN_TEST(FrameTwins, NearestAxis) {
     EXPECT_EQ(sign, r.sign) << &r - rows;
   }
   EXPECT_EQ(F::kNoAxis, -1234567890);
-}
-
-FRAME_TWIN_TEST(FrameTwins, ValidityAndText) {
-  F frame(V(0, 1, 0), V(-1, 0, 0), V(0, 0, 1), P(1.25, -2, 30.04), ZmFrameCartesian);
-  EXPECT_EQ(frame.IsValid(), 1);
-  EXPECT_STREQ(frame.DumpOneLine().GetString(),
-               L"v1=0.000, 1.000, 0.000, v2=-1.000, 0.000, 0.000, v3=0.000, 0.000, 1.000, pt=1.2, -2.0, 30.0");
-  frame.WriteDebug(L"ignored");
-  // Orthonormality is not checked; the marker in an axis or the origin is.
-  F skewed(frame), marked(frame), noOrigin;
-  skewed.SetMatrix(V(5, 5, 5), V(0, 0, 0), V(0, 0, 1));
-  marked.SetMatrix(V(1, 0, 0), V(0, T(kMarker), 0), V(0, 0, 1));
-  noOrigin.SetOrigin(invalid);
-  ExpectRows<int>({{skewed.IsValid(), 1}, {marked.IsValid(), 0}, {noOrigin.IsValid(), 0}});
 }
 
 TEST(Frame, CopiesTwinsAndConversionsAgainstAnIndependentCalculation) {

@@ -74,7 +74,7 @@ TEST(FrameRelations, HandCheckedAngles) {
   // a = atan2(R21, R22), c = atan2(R10, R00)): a = 19.008263264952667, b = 11.822130763866337,
   // c = 33.75369500293538.
   const ZmFramed frame;
-  ZmFramed about30, moved;
+  ZmFramed about30, moved, flipped;
   about30.Rotate(ZmVector3d(0, 0, 1), 30.0);
   about30.SetOrigin(ZmPoint3d(1, 2, 3));
   moved.RotateAroundAxes(10, 20, 30);
@@ -97,7 +97,6 @@ TEST(FrameRelations, HandCheckedAngles) {
   // GetRotationTo: 30 degrees about Z; a half turn, 180 about +-X; no rotation: 0 about X.
   double angle = 0;
   ZmVector3d axis;
-  ZmFramed flipped;
   flipped.Rotate(ZmVector3d(1, 0, 0), 180.0);
   ASSERT_EQ(frame.GetRotationTo(about30, angle, axis), 1);
   EXPECT_NEAR(angle, 30.0, 1e-12);
@@ -115,28 +114,24 @@ FRAME_TWIN_TEST(FrameMotionTwins, RelationsUndoneByTheMatchingMoves) {
     SCOPED_TRACE(trial);
     const F frame = RandomFrame<T>(rng, ZmFrameCartesian);
     const F other = RandomFrame<T>(rng, ZmFrameCylindrical);
+    T angle = -1, angles[3];
+    V axis, translation, rotation;
+    F turned(frame), ownAxes(frame), fromIdentity, moved(frame), euler;
     // GetRotationTo then Rotate.
-    T angle = -1;
-    V axis;
     ASSERT_EQ(frame.GetRotationTo(other, angle, axis), 1);
     EXPECT_TRUE(angle >= T(0) && angle <= T(180)) << angle;
     EXPECT_NEAR(axis.length(), 1.0, 1e-6);
-    F turned(frame);
     turned.Rotate(axis, angle);
     EXPECT_TRUE(NearMatrix(turned.GetMatrix(), other.GetMatrix(), tol));
     // GetRotationAngles then RotateAroundAxes, from this frame and from the identity (the
     // Euler frame's matrix).
-    T angles[3];
     ASSERT_EQ(frame.GetRotationAngles(other, angles), 1);
     EXPECT_LE(std::fabs(angles[1]), T(90) + T(1e-3));
-    F ownAxes(frame), fromIdentity;
     ownAxes.RotateAroundAxes(angles[0], angles[1], angles[2]);
     fromIdentity.RotateAroundAxes(angles[0], angles[1], angles[2]);
     EXPECT_TRUE(NearMatrix(ownAxes.GetMatrix(), other.GetMatrix(), tol));
     // GetGlobalTransformation then the three global turns and the translation.
-    V translation, rotation;
     ASSERT_EQ(frame.GetGlobalTransformation(other, translation, rotation), 1);
-    F moved(frame);
     moved.Rotate(V::UNIT_X, rotation.x);
     moved.Rotate(V::UNIT_Y, rotation.y);
     moved.Rotate(V::UNIT_Z, rotation.z);
@@ -144,7 +139,6 @@ FRAME_TWIN_TEST(FrameMotionTwins, RelationsUndoneByTheMatchingMoves) {
     EXPECT_TRUE(NearMatrix(moved.GetMatrix(), other.GetMatrix(), tol));
     EXPECT_TRUE(Near(moved.GetOrigin(), other.GetOrigin(), tol * 100));
     // The Euler frame put back into this frame's parent is other; it is right-handed.
-    F euler;
     ASSERT_EQ(frame.GetEulerFrame(other, euler), 1);
     EXPECT_EQ(euler.GetType(), ZmFrameCylindrical);
     EXPECT_NEAR(euler.GetMatrix().Determinant(), 1.0, tol * 10);
