@@ -103,3 +103,21 @@ double Scale(const P&... points) {
   template <class T>                      \
   class Name : public ::testing::Test {}; \
   TYPED_TEST_SUITE(Name, ::frame_test::Scalars)
+
+// FRAME_TWIN_TEST(Suite, Name) { body } runs the body for each twin of the suite, with T its
+// scalar, P, V, M and F its point, vector, matrix and frame, nan, inf and the invalid point.
+#define FRAME_TWIN_TEST(Suite, Name)                                   \
+  template <class T>                                                   \
+  struct Suite##_##Name##_Twin {                                       \
+    using P = ZmPoint3T<T>;                                            \
+    using V = ZmVector3T<T>;                                           \
+    using M = ZmMatrix3T<T>;                                           \
+    using F = ZmFrameT<T>;                                             \
+    static constexpr T nan = std::numeric_limits<T>::quiet_NaN();      \
+    static constexpr T inf = std::numeric_limits<T>::infinity();       \
+    static inline const P invalid = P(WbCoord3DT<T>::INVALID);         \
+    static void Run();                                                 \
+  };                                                                   \
+  TYPED_TEST(Suite, Name) { Suite##_##Name##_Twin<TypeParam>::Run(); } \
+  template <class T>                                                   \
+  void Suite##_##Name##_Twin<T>::Run()

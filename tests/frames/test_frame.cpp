@@ -19,27 +19,7 @@ ZmFramed RodriguesFrame(ZmFrameType type) {
                   type);
 }
 
-TEST(Frame, DefaultCopyAndTwinConversion) {
-  const ZmFramed frame;
-  EXPECT_EQ(frame, ZmFramed(ZmVector3d(1, 0, 0), ZmVector3d(0, 1, 0), ZmVector3d(0, 0, 1), ZmPoint3d(0, 0, 0),
-                            ZmFrameCartesian));
-  const ZmFramed rotated = RodriguesFrame(ZmFrameSpherical);
-  ZmFramed copy;
-  copy = rotated;
-  EXPECT_EQ(copy, rotated);
-  EXPECT_NE(copy, frame);
-  // The float twin rounds each field; converting back widens them exactly.
-  const ZmFramef narrowed = rotated;
-  EXPECT_EQ(narrowed.GetType(), ZmFrameSpherical);
-  EXPECT_EQ(ZmFramed(narrowed).GetOrigin(), ZmPoint3d(1, -2, 0.5));
-  ExpectRows<double>({{narrowed.GetMatrix()[0][0], double(0.7920395049946471f)},
-                      {ZmFramed(narrowed).GetMatrix()[1][2], double(-0.11028228905950332f)}});
-}
-
-TYPED_TEST(FrameTwins, ConstructionsGiveTheseAxes) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+FRAME_TWIN_TEST(FrameTwins, ConstructionsGiveTheseAxes) {
   const double s = std::sqrt(0.5);
   const V x(1, 0, 0), y(0, 1, 0), z(0, 0, 1), zero(0, 0, 0), reference(1, 1, 0);
   // Three points: e = p1 - p0 = (2, 0, 0), b = p2 - p0 = (0, 3, 0):
@@ -55,39 +35,37 @@ TYPED_TEST(FrameTwins, ConstructionsGiveTheseAxes) {
   // zero direction is replaced by Z.
   const P p0(1, 1, 1), p1(3, 1, 1), p2(1, 4, 1);
   const struct {
-    ZmFrameT<T> frame;
+    F frame;
     V x, y, z;
     double tol;
   } rows[] = {
-      {ZmFrameT<T>(p0, p1, p2, 0, ZmFrameCylindrical), y, z, x, 0},
-      {ZmFrameT<T>(p0, p1, p2, 1, ZmFrameCartesian), x, -z, y, 0},
-      {ZmFrameT<T>(p0, p1, p2, 2, ZmFrameCartesian), x, y, z, 0},
-      {ZmFrameT<T>(p0, p1, p2, 3, ZmFrameSpherical), x, y, z, 0},
-      {ZmFrameT<T>(P(0, 0, 0), P(1, 2, 2), P(-1, 1, 4), 2, ZmFrameCartesian), V(1.0 / 3, 2.0 / 3, 2.0 / 3),
+      {F(p0, p1, p2, 0, ZmFrameCylindrical), y, z, x, 0},
+      {F(p0, p1, p2, 1, ZmFrameCartesian), x, -z, y, 0},
+      {F(p0, p1, p2, 2, ZmFrameCartesian), x, y, z, 0},
+      {F(p0, p1, p2, 3, ZmFrameSpherical), x, y, z, 0},
+      {F(P(0, 0, 0), P(1, 2, 2), P(-1, 1, 4), 2, ZmFrameCartesian), V(1.0 / 3, 2.0 / 3, 2.0 / 3),
        V(-2.0 / 3, -1.0 / 3, 2.0 / 3), V(2.0 / 3, -2.0 / 3, 1.0 / 3), 1e-6},
-      {ZmFrameT<T>(P(0, 0, 0), P(1, 0, 0), P(2, 0, 0), 2, ZmFrameCartesian), x, zero, zero, 0},
-      {ZmFrameT<T>(P(1, 2, 3), V(0, 0, 2), ZmFrameCylindrical), x, y, z, 0},
-      {ZmFrameT<T>(P(0, 0, 0), V(0, 0, 2), ZmFrameCartesian, &reference), V(s, s, 0), V(-s, s, 0), z, 1e-7},
-      {ZmFrameT<T>(P(0, 0, 0), zero, ZmFrameCartesian), x, y, z, 0},
+      {F(P(0, 0, 0), P(1, 0, 0), P(2, 0, 0), 2, ZmFrameCartesian), x, zero, zero, 0},
+      {F(P(1, 2, 3), V(0, 0, 2), ZmFrameCylindrical), x, y, z, 0},
+      {F(P(0, 0, 0), V(0, 0, 2), ZmFrameCartesian, &reference), V(s, s, 0), V(-s, s, 0), z, 1e-7},
+      {F(P(0, 0, 0), zero, ZmFrameCartesian), x, y, z, 0},
   };
   for (const auto& r : rows) EXPECT_TRUE(HasAxes(r.frame, r.x, r.y, r.z, r.tol)) << &r - rows;
   ExpectRows<P>(
       {{rows[0].frame.GetOrigin(), p0}, {rows[3].frame.GetOrigin(), p0}, {rows[6].frame.GetOrigin(), P(1, 2, 3)}});
   ExpectAll<ZmFrameType>({rows[0].frame.GetType(), rows[6].frame.GetType()}, ZmFrameCylindrical);
   // The other precision's points give the same frame.
-  const ZmFrameT<T> fromDouble(ZmPoint3d(0, 0, 0), ZmPoint3d(1, 2, 2), ZmPoint3d(-1, 1, 4), 2, ZmFrameCartesian);
+  const F fromDouble(ZmPoint3d(0, 0, 0), ZmPoint3d(1, 2, 2), ZmPoint3d(-1, 1, 4), 2, ZmFrameCartesian);
   EXPECT_TRUE(Near(fromDouble.GetVector(2), ZmVector3d(2.0 / 3, -2.0 / 3, 1.0 / 3), 1e-7));
   // A general direction keeps right-handed unit axes.
-  const ZmFrameT<T> general(P(0, 0, 0), V(1, -2, 0.5), ZmFrameCartesian);
+  const F general(P(0, 0, 0), V(1, -2, 0.5), ZmFrameCartesian);
   EXPECT_NEAR(general.GetMatrix().Determinant(), 1.0, 1e-6);
   EXPECT_TRUE(Near(general.GetVector(2), V(1, -2, 0.5) / std::sqrt(5.25), 1e-7));
 }
 
-TYPED_TEST(FrameTwins, AccessorsRowsColumnsAndIdentity) {
-  using T = TypeParam;
-  using V = ZmVector3T<T>;
+FRAME_TWIN_TEST(FrameTwins, AccessorsIdentityValidityAndText) {
   // A rotation whose matrix is not symmetric: 90 degrees about Z, X = (0, 1, 0).
-  ZmFrameT<T> frame(ZmPoint3T<T>(1, 2, 3), V(1, 1, 1), ZmFrameSpherical);
+  F frame(P(1, 2, 3), V(1, 1, 1), ZmFrameSpherical);
   frame.SetMatrix(V(0, 1, 0), V(-1, 0, 0), V(0, 0, 1));
   ZmVector3d row(7, 7, 7);
   ZmVector3f column(7, 7, 7);
@@ -103,21 +81,31 @@ TYPED_TEST(FrameTwins, AccessorsRowsColumnsAndIdentity) {
   frame.GetVectors(x, y, z);
   ExpectRows<V>({{x, V(0, 1, 0)}, {y, V(-1, 0, 0)}, {z, V(0, 0, 1)}});
   // SetIdentity keeps the origin or resets it; never the type.
-  ZmFrameT<T> reset(frame);
+  F reset(frame);
   frame.SetIdentity(0);
   reset.SetIdentity(1);
-  EXPECT_EQ(frame.GetMatrix(), ZmMatrix3T<T>::IDENTITY);
-  ExpectRows<ZmPoint3T<T>>({{frame.GetOrigin(), ZmPoint3T<T>(1, 2, 3)}, {reset.GetOrigin(), ZmPoint3T<T>(0, 0, 0)}});
+  EXPECT_EQ(frame.GetMatrix(), M::IDENTITY);
+  ExpectRows<P>({{frame.GetOrigin(), P(1, 2, 3)}, {reset.GetOrigin(), P(0, 0, 0)}});
   EXPECT_EQ(reset.GetType(), ZmFrameSpherical);
   // SetMatrix with the other precision's vectors.
   reset.SetMatrix(ZmVector3d(0, 1, 0), ZmVector3d(-1, 0, 0), ZmVector3d(0, 0, 1));
   EXPECT_TRUE(HasAxes(reset, V(0, 1, 0), V(-1, 0, 0), V(0, 0, 1), 0));
+  // Validity and the text form.
+  F text(V(0, 1, 0), V(-1, 0, 0), V(0, 0, 1), P(1.25, -2, 30.04), ZmFrameCartesian);
+  EXPECT_EQ(text.IsValid(), 1);
+  EXPECT_STREQ(text.DumpOneLine().GetString(),
+               L"v1=0.000, 1.000, 0.000, v2=-1.000, 0.000, 0.000, v3=0.000, 0.000, 1.000, pt=1.2, -2.0, 30.0");
+  text.WriteDebug(L"ignored");
+  // Orthonormality is not checked; the marker in an axis or the origin is.
+  F skewed(text), marked(text), noOrigin;
+  skewed.SetMatrix(V(5, 5, 5), V(0, 0, 0), V(0, 0, 1));
+  marked.SetMatrix(V(1, 0, 0), V(0, T(kMarker), 0), V(0, 0, 1));
+  noOrigin.SetOrigin(invalid);
+  ExpectRows<int>({{skewed.IsValid(), 1}, {marked.IsValid(), 0}, {noOrigin.IsValid(), 0}});
 }
 
-TYPED_TEST(FrameTwins, AxesFromTwoVectors) {
-  using T = TypeParam;
-  using V = ZmVector3T<T>;
-  const ZmFrameT<T> start(ZmPoint3T<T>(0, 0, 0), V(1, 2, 3), ZmFrameCartesian);
+FRAME_TWIN_TEST(FrameTwins, AxesFromTwoVectors) {
+  const F start(P(0, 0, 0), V(1, 2, 3), ZmFrameCartesian);
   const double s = std::sqrt(0.5), nan = std::numeric_limits<double>::quiet_NaN();
   // X and Z: x and z at 45 degrees (|z x x| = 0.7071) or 0.1 degree off orthogonal (|y| =
   // cos(0.1 deg) = 0.9999984769 < 0.999999) are refused; 0.05 degree (0.9999996192) is taken
@@ -141,22 +129,20 @@ TYPED_TEST(FrameTwins, AxesFromTwoVectors) {
       {true, V(0, 0, 1), V(T(nan), 0, 0)},
   };
   for (const auto& r : rows) {
-    ZmFrameT<T> frame(start);
+    F frame(start);
     const bool taken = r.zFirst ? frame.SetMatrixByZAndX(r.a, r.b) : frame.SetMatrixByXAndZ(r.a, r.b);
     EXPECT_EQ(taken, r.x != ZmVector3d()) << &r - rows;
     EXPECT_TRUE(taken ? HasAxes(frame, V(r.x), V(r.y), V(r.z), 1e-7) : ::testing::AssertionResult(frame == start))
         << &r - rows;
   }
   // The other precision's vectors.
-  ZmFrameT<T> frame(start);
+  F frame(start);
   EXPECT_EQ(frame.SetMatrixByZAndX(ZmVector3d(1, 0, 0), ZmVector3d(0, 1, 1)), 1);
   EXPECT_TRUE(Near(frame.GetVector(0), V(0, s, s), 1e-7));
 }
 
-TYPED_TEST(FrameTwins, NearestAxis) {
-  using T = TypeParam;
-  using V = ZmVector3T<T>;
-  const T nan = std::numeric_limits<T>::quiet_NaN(), unwritten = 7;
+FRAME_TWIN_TEST(FrameTwins, NearestAxis) {
+  const T unwritten = 7;
   // AngleDeg((0,0,-1), Z) = pi * 57.2957763671875 = 179.99999011687993: folded 9.9e-6, so Z
   // within 10 degrees but not within 0. (sqrt 3, 1, 0) is 30 degrees from X, 60 from Y: X
   // within 45, nothing within 29. Exactly between X and Y: the tie keeps the lower index.
@@ -168,65 +154,60 @@ TYPED_TEST(FrameTwins, NearestAxis) {
     T sign;
   } rows[] = {
       {V(0, 0, -1), 10, 2, -1},
-      {V(0, 0, -1), 0, ZmFrameT<T>::kNoAxis, unwritten},
+      {V(0, 0, -1), 0, F::kNoAxis, unwritten},
       {V(std::sqrt(3.0), 1, 0), 45, 0, 1},
-      {V(std::sqrt(3.0), 1, 0), 29, ZmFrameT<T>::kNoAxis, unwritten},
+      {V(std::sqrt(3.0), 1, 0), 29, F::kNoAxis, unwritten},
       {V(-1, -1, 0), 50, 0, -1},
-      {V(0, 0, 0), 1000, ZmFrameT<T>::kNoAxis, unwritten},
-      {V(nan, 0, 1), 1000, ZmFrameT<T>::kNoAxis, unwritten},
+      {V(0, 0, 0), 1000, F::kNoAxis, unwritten},
+      {V(nan, 0, 1), 1000, F::kNoAxis, unwritten},
   };
   for (const auto& r : rows) {
     T sign = unwritten;
-    EXPECT_EQ(ZmFrameT<T>().GetDirectionAxis(r.direction, r.maxAngle, sign), r.axis) << &r - rows;
+    EXPECT_EQ(F().GetDirectionAxis(r.direction, r.maxAngle, sign), r.axis) << &r - rows;
     EXPECT_EQ(sign, r.sign) << &r - rows;
   }
-  EXPECT_EQ(ZmFrameT<T>::kNoAxis, -1234567890);
+  EXPECT_EQ(F::kNoAxis, -1234567890);
 }
 
-TYPED_TEST(FrameTwins, ValidityAndText) {
-  using T = TypeParam;
-  using V = ZmVector3T<T>;
-  ZmFrameT<T> frame(V(0, 1, 0), V(-1, 0, 0), V(0, 0, 1), ZmPoint3T<T>(1.25, -2, 30.04), ZmFrameCartesian);
-  EXPECT_EQ(frame.IsValid(), 1);
-  EXPECT_STREQ(frame.DumpOneLine().GetString(),
-               L"v1=0.000, 1.000, 0.000, v2=-1.000, 0.000, 0.000, v3=0.000, 0.000, 1.000, pt=1.2, -2.0, 30.0");
-  frame.WriteDebug(L"ignored");
-  // Orthonormality is not checked; the marker in an axis or the origin is.
-  ZmFrameT<T> skewed(frame), marked(frame), noOrigin;
-  skewed.SetMatrix(V(5, 5, 5), V(0, 0, 0), V(0, 0, 1));
-  marked.SetMatrix(V(1, 0, 0), V(0, T(kMarker), 0), V(0, 0, 1));
-  noOrigin.SetOrigin(ZmPoint3T<T>(WbCoord3DT<T>::INVALID));
-  ExpectRows<int>({{skewed.IsValid(), 1}, {marked.IsValid(), 0}, {noOrigin.IsValid(), 0}});
-}
-
-TEST(Frame, ConversionsAgainstAnIndependentCalculation) {
+TEST(Frame, CopiesTwinsAndConversionsAgainstAnIndependentCalculation) {
+  const ZmFramed frame;
+  EXPECT_EQ(frame, ZmFramed(ZmVector3d(1, 0, 0), ZmVector3d(0, 1, 0), ZmVector3d(0, 0, 1), ZmPoint3d(0, 0, 0),
+                            ZmFrameCartesian));
+  const ZmFramed rotated = RodriguesFrame(ZmFrameSpherical);
+  ZmFramed copy;
+  copy = rotated;
+  EXPECT_EQ(copy, rotated);
+  EXPECT_NE(copy, frame);
+  // The float twin rounds each field; converting back widens them exactly.
+  const ZmFramef narrowed = rotated;
+  EXPECT_EQ(narrowed.GetType(), ZmFrameSpherical);
+  EXPECT_EQ(ZmFramed(narrowed).GetOrigin(), ZmPoint3d(1, -2, 0.5));
+  ExpectRows<double>({{narrowed.GetMatrix()[0][0], double(0.7920395049946471f)},
+                      {ZmFramed(narrowed).GetMatrix()[1][2], double(-0.11028228905950332f)}});
   // numpy: l = R^T (p - o) for p = (3, 1, -2); cylindrical (hypot, degrees(arctan2), z) and
   // spherical (norm, degrees(arctan2), degrees(arcsin(z / norm))).
   const ZmPoint3d p(3, 1, -2);
-  EXPECT_TRUE(Near(RodriguesFrame(ZmFrameCartesian).GlobalToLocal(p),
-                   ZmPoint3d(3.9669619740489406, 1.0613972129567804, -1.5448781999812509), 1e-14));
-  EXPECT_TRUE(Near(RodriguesFrame(ZmFrameCylindrical).GlobalToLocal(p),
-                   ZmPoint3d(4.106501107661203, 14.979150422807864, -1.5448781999812509), 1e-13));
-  EXPECT_TRUE(Near(RodriguesFrame(ZmFrameSpherical).GlobalToLocal(p),
-                   ZmPoint3d(4.387482193696061, 14.979150422807864, -20.61645230362957), 1e-13));
+  const ZmFramed cart = RodriguesFrame(ZmFrameCartesian), cyl = RodriguesFrame(ZmFrameCylindrical);
+  EXPECT_TRUE(
+      Near(cart.GlobalToLocal(p), ZmPoint3d(3.9669619740489406, 1.0613972129567804, -1.5448781999812509), 1e-14));
+  EXPECT_TRUE(Near(cyl.GlobalToLocal(p), ZmPoint3d(4.106501107661203, 14.979150422807864, -1.5448781999812509), 1e-13));
+  EXPECT_TRUE(
+      Near(rotated.GlobalToLocal(p), ZmPoint3d(4.387482193696061, 14.979150422807864, -20.61645230362957), 1e-13));
   // numpy: R (2 cos a cos b, 2 sin a cos b, 2 sin b) + o for (rho, theta, phi) = (2, 135, -30).
-  EXPECT_TRUE(Near(RodriguesFrame(ZmFrameSpherical).LocalToGlobal(ZmPoint3d(2, 135, -30)),
+  EXPECT_TRUE(Near(rotated.LocalToGlobal(ZmPoint3d(2, 135, -30)),
                    ZmPoint3d(-0.9117207667017242, -1.4126679561168016, 0.48090077516345864), 1e-14));
   // A vector ignores the origin: R^T (0.5, -1, 2).
-  EXPECT_TRUE(Near(RodriguesFrame(ZmFrameCartesian).GlobalToLocal(ZmVector3d(0.5, -1, 2)),
+  EXPECT_TRUE(Near(cart.GlobalToLocal(ZmVector3d(0.5, -1, 2)),
                    ZmVector3d(-0.8375653431244168, -0.4218065971784528, 2.0905892687406613), 1e-14));
   // The float twin of the same frame agrees within float precision.
-  const ZmFramef narrowed = RodriguesFrame(ZmFrameSpherical);
   EXPECT_TRUE(Near(narrowed.GlobalToLocal(ZmPoint3f(3, 1, -2)),
                    ZmPoint3d(4.387482193696061, 14.979150422807864, -20.61645230362957), 1e-4));
 }
 
-TYPED_TEST(FrameTwins, CylindricalAndSphericalEdges) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  const ZmFrameT<T> cylinder(P(1, 2, 3), ZmVector3T<T>(0, 0, 1), ZmFrameCylindrical);
-  const ZmFrameT<T> sphere(P(0, 0, 0), ZmVector3T<T>(0, 0, 1), ZmFrameSpherical);
-  const ZmFrameT<T> axis(P(0, 0, 0), ZmVector3T<T>(0, 0, 1), ZmFrameCylindrical);
+FRAME_TWIN_TEST(FrameTwins, CylindricalAndSphericalEdges) {
+  const F cylinder(P(1, 2, 3), V(0, 0, 1), ZmFrameCylindrical);
+  const F sphere(P(0, 0, 0), V(0, 0, 1), ZmFrameSpherical);
+  const F axis(P(0, 0, 0), V(0, 0, 1), ZmFrameCylindrical);
   const T tiny = T(5e-7), small = T(1e-6f);
   // Cylinder, relative (0, -1, 5): r = 1, theta = -acos(0) * 57.29577951308232 = -90 exactly.
   // On the axis, and within 1e-6 of it, theta is 0. The negative X side with y = +0 is +180
@@ -234,7 +215,7 @@ TYPED_TEST(FrameTwins, CylindricalAndSphericalEdges) {
   // rounding residue there); below 1e-6 both angles are 0; (0, -3, 0): rho 3, theta -90. A
   // radius of exactly 1e-6f (sqrt(y * y) = |y|) still has its direction.
   const struct {
-    const ZmFrameT<T>& frame;
+    const F& frame;
     P global, local;
     double tol;
   } rows[] = {
@@ -267,10 +248,7 @@ class ProbeFrame : public ZmFrameT<T> {
   using ZmFrameT<T>::GetCartesianCoord;
 };
 
-TYPED_TEST(FrameTwins, ProtectedTypeConversions) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
+FRAME_TWIN_TEST(FrameTwins, ProtectedTypeConversions) {
   const ProbeFrame<T> cylinder(P(9, 9, 9), V(0, 0, 1), ZmFrameCylindrical);
   P point;
   V vector;

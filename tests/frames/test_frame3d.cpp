@@ -35,11 +35,11 @@ ZmFrame3D QuarterTurn(const ZmVector3d& origin) {
   return ZmFrame3D(ZmMatrix4d(ZmMatrix3d(0, -1, 0, 1, 0, 0, 0, 0, 1), origin));
 }
 
-TEST(Frame3D, DefaultAndThreePoints) {
+TEST(Frame3D, DefaultThreePointsAndHomogeneousMatrix) {
   static_assert(std::is_polymorphic<ZmFrame3D>::value && std::has_virtual_destructor<ZmFrame3D>::value, "");
-  double m[4][4];
-  ZmFrame3D().GetMatrix(m);
-  for (int i = 0; i < 16; ++i) EXPECT_EQ(m[i / 4][i % 4], i % 5 == 0 ? 1.0 : 0.0) << i;
+  double identity[4][4];
+  ZmFrame3D().GetMatrix(identity);
+  for (int i = 0; i < 16; ++i) EXPECT_EQ(identity[i / 4][i % 4], i % 5 == 0 ? 1.0 : 0.0) << i;
   const ZmVector3d x(1, 0, 0), y(0, 1, 0), z(0, 0, 1), zero(0, 0, 0);
   double p0[3] = {0, 0, 0}, p1[3] = {2, 0, 0}, p2[3] = {0, 3, 0};
   EXPECT_TRUE(Is(ZmFrame3D(p0, p1, p2), ZmPoint3d(0, 0, 0), x, y, z, 0));
@@ -52,9 +52,6 @@ TEST(Frame3D, DefaultAndThreePoints) {
   ProbeFrame3D probe;
   probe.CreateFrom3Point(ZmPoint3d(5, 5, 5), ZmPoint3d(6, 5, 5), ZmPoint3d(7, 5, 5));
   EXPECT_TRUE(Is(probe, ZmPoint3d(0, 0, 0), x, zero, zero, 0));
-}
-
-TEST(Frame3D, HomogeneousMatrix) {
   // Translation (1, 2, 3) and a quarter turn about Z.
   const ZmMatrix4d m(0, -1, 0, 1,  //
                      1, 0, 0, 2,   //
