@@ -21,21 +21,16 @@ namespace {
 // long double.
 std::vector<double> PlainFiltfilt(const std::vector<double>& y, const ZmCFCCoefficients& c, ZmFilterEnds ends,
                                   std::int64_t padLength, double automaticPad) {
-  const std::size_t n = y.size();
-  std::size_t pad = 0;
-  if (ends != ZmFilterEndsNone) {
-    pad = padLength >= 0 ? static_cast<std::size_t>(padLength) : static_cast<std::size_t>(automaticPad);
-    pad = std::min(pad, n - 1);
-  }
+  const std::int64_t n = static_cast<std::int64_t>(y.size());
+  const std::int64_t pad =
+      ends == ZmFilterEndsNone ? 0 : std::min<std::int64_t>(padLength >= 0 ? padLength : automaticPad, n - 1);
   std::vector<long double> v;
-  for (std::size_t k = pad; k >= 1; --k) {  // x[-k]
-    v.push_back(ends == ZmFilterEndsReflection ? 2 * y[0] - y[k] : ends == ZmFilterEndsMirror ? y[k] : y[0]);
-  }
-  v.insert(v.end(), y.begin(), y.end());
-  for (std::size_t k = 1; k <= pad; ++k) {  // x[n-1+k]
-    v.push_back(ends == ZmFilterEndsReflection ? 2 * y[n - 1] - y[n - 1 - k]
-                : ends == ZmFilterEndsMirror   ? y[n - 1 - k]
-                                               : y[n - 1]);
+  for (std::int64_t k = -pad; k < n + pad; ++k) {  // x[k]; past an end e, m is k mirrored through e
+    const std::int64_t e = k < 0 ? 0 : n - 1, m = 2 * e - k;
+    v.push_back(k >= 0 && k < n                  ? y[k]
+                : ends == ZmFilterEndsReflection ? 2 * y[e] - y[m]
+                : ends == ZmFilterEndsMirror     ? y[m]
+                                                 : y[e]);
   }
   for (int pass = 0; pass < 2; ++pass) {
     const long double start = ends == ZmFilterEndsNone ? 0.0L : v[0];
@@ -47,8 +42,7 @@ std::vector<double> PlainFiltfilt(const std::vector<double>& y, const ZmCFCCoeff
     }
     std::reverse(v.begin(), v.end());
   }
-  return std::vector<double>(v.begin() + static_cast<std::ptrdiff_t>(pad),
-                             v.begin() + static_cast<std::ptrdiff_t>(pad + n));
+  return std::vector<double>(v.begin() + pad, v.begin() + pad + n);
 }
 
 template <class Filter>
@@ -127,8 +121,8 @@ void CheckLateUnevenStep(int at) {
   WbArrayTempl<P> same = curve;
   std::vector<P> span(10001);
   Filter filter(60);
-  for (const WbErrObj* error :
-       {filter.Compute(curve, out), filter.Compute(same, same), filter.ComputeSpan(curve.GetData(), 10001, span.data())}) {
+  for (const WbErrObj* error : {filter.Compute(curve, out), filter.Compute(same, same),
+                                filter.ComputeSpan(curve.GetData(), 10001, span.data())}) {
     ASSERT_NE(error, nullptr);
     EXPECT_NE(std::wstring(error->GetMessage()).find(L"interval " + std::to_wstring(at) + L" "), std::wstring::npos)
         << error->GetMessage();
@@ -136,7 +130,8 @@ void CheckLateUnevenStep(int at) {
   for (int i = 0; i < 10001; ++i) {
     const P& p = curve[i];
     ASSERT_TRUE(out[i].x == p.x && out[i].y == p.y && same[i].x == p.x && same[i].y == p.y && span[i].x == p.x &&
-                span[i].y == p.y) << i;
+                span[i].y == p.y)
+        << i;
   }
 }
 
