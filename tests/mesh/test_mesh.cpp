@@ -322,7 +322,7 @@ TEST(NaturalCoordinates, OutsidePointsFindTheBoundaryAndBadInputIsStated) {
 // Both twins run one double implementation: on coordinates exact in float, float results are double ones rounded.
 TEST(NaturalCoordinates, FloatTwinIsTheDoubleResultRounded) {
   const P wide = {{0, 0, 0},   {2.5, 0.25, 0}, {2.75, 2, 0.5}, {0.25, 1.75, 0},
-                                {0, 0.5, 2}, {2, 0, 2.25},   {2.5, 2.5, 2},  {0.5, 2, 1.75}};
+                  {0, 0.5, 2}, {2, 0, 2.25},   {2.5, 2.5, 2},  {0.5, 2, 1.75}};
   const std::vector<ZmPoint3f> narrow = Nodes<float>(wide);
   const auto d = M::ComputeNaturalCoordinates(ZmElementHex8, wide.data(), Pd(1.25, 0.75, 1.5));
   const auto f = ZmMeshf::ComputeNaturalCoordinates(ZmElementHex8, narrow.data(), ZmPoint3f(1.25f, 0.75f, 1.5f));
