@@ -288,12 +288,10 @@ TEST(NaturalCoordinates, OutsidePointsFindTheBoundaryAndBadInputIsStated) {
     double distance;
     int inside, status;
   } rows[] = {
-      // Reference elements map natural coordinates to themselves (the foot's on a shell), out of range
-      // for an outside point.
+      // Reference elements map natural coordinates to themselves (the foot's on a shell, out of range outside).
       {ZmElementHex8, &kRefCube, Pd(3, 0.5, 0.5), Pd(1, 0.5, 0.5), Pd(3, 0.5, 0.5), 2.0, 0, ok},
       {ZmElementHex8, &kRefCube, Pd(2, 2, 0), Pd(1, 1, 0), Pd(2, 2, 0), std::sqrt(2.0), 0, ok},
       {ZmElementHex8, &kRefCube, Pd(0.2, 0.3, -0.4), Pd(0.2, 0.3, -0.4), Pd(0.2, 0.3, -0.4), 0.0, 1, ok},
-      // shells: the foot on the sheet inside, the nearest edge point outside
       {ZmElementQuad4, &square, Pd(0.5, 0.5, 3), Pd(0.5, 0.5, 0), Pd(0.5, 0.5, 0), 3.0, 1, ok},
       {ZmElementQuad4, &square, Pd(2, 0.5, 1), Pd(1, 0.5, 0), Pd(2, 0.5, 0), std::sqrt(2.0), 0, ok},
       {ZmElementTri3, &tri, Pd(1, 1, 0), Pd(0.5, 0.5, 0), Pd(1, 1, 0), std::sqrt(0.5), 0, ok},
