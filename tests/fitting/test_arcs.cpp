@@ -1,19 +1,15 @@
-// Circles through three points, arcs from centre, tangent and fillet, and tessellation with
-// the fewest chords, in both twins.
+// Circles through three points, arcs from centre, tangent and fillet, fewest-chord tessellation.
 #include "fitting/fitting_test_support.h"
 
 TYPED_TEST(FittingTwins, CircleThroughThreePoints) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using M = ZmMathT<T>;
+  TWIN_NAMES;
   struct Row {
     P p0, p1, p2;
     ZmArcStatus status;
     P center;
     double radius, normalZ, sweep;
   };
-  // (4, 6), (6, 2), (1, -3) lie at 5 from (1, 2), clockwise: from angle atan2(4, 3) down to
-  // -pi/2. In the tilted plane of (3/5, 4/5, 0) and Z about (10, -20, 30): a half turn.
+  // At 5 from (1, 2), clockwise from atan2(4, 3) to -pi/2; tilted about (10, -20, 30): a half turn.
   const double sweep = std::atan2(4.0, 3.0) + kPi / 2, e6 = 1e6;
   const Row rows[] = {
       {P(4, 6, 0), P(6, 2, 0), P(1, -3, 0), ZmArcOk, P(1, 2, 0), 5, -1, sweep},
@@ -23,8 +19,7 @@ TYPED_TEST(FittingTwins, CircleThroughThreePoints) {
       {P(e6 + 1, e6, 0), P(e6, e6 + 1, 0), P(e6 - 1, e6, 0), kIsDouble<T> ? ZmArcOk : ZmArcCoincident, P(e6, e6, 0), 1,
        1, kPi},
       {P(0, 0, 0), P(1, 1, 1), P(3, 3, 3), ZmArcCollinear, P(), 0, 0, 0},
-      // Within rounding: two points 1e-9 apart beside a far third coincide (the size is the
-      // largest coordinate of all three); a bend whose sine is below 16 eps is none.
+      // 1e-9 apart beside a far third: coincident (size: largest coordinate); sine < 16 eps: none.
       {P(e6, e6, 0), P(0, 0, 0), P(1e-9, 0, 0), ZmArcCoincident, P(), 0, 0, 0},
       {P(0, 0, 0), P(1e3, 0, 0), P(2e3, kIsDouble<T> ? 1e-14 : 1e-5, 0), ZmArcCollinear, P(), 0, 0, 0},
       {P(0, 0, 0), P(zm::Invalid<T>(), 1, 1), P(1, 0, 1), ZmArcBadInput, P(), 0, 0, 0},  // a marker in x only
@@ -45,15 +40,11 @@ TYPED_TEST(FittingTwins, CircleThroughThreePoints) {
     EXPECT_NEAR(arc.normal.z, r.normalZ, r.normalZ == 0 ? 1e-6 : 0) << i;  // exactly +-1 in the XY plane
   }
   // The 2D form: the counter-clockwise triple has the normal +Z.
-  using P2 = ZmPoint2T<T>;
   EXPECT_EQ(M::ArcThroughPoints(P2(1, -3), P2(6, 2), P2(4, 6)).normal.z, T(1));
 }
 
 TYPED_TEST(FittingTwins, ArcsFromCenterTangentAndFillet) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
-  using M = ZmMathT<T>;
+  TWIN_NAMES;
   const double s3 = std::sqrt(3.0);
   const P o(0, 0, 0);
   const struct {
@@ -107,13 +98,8 @@ double WorstDeviation(Curve curve, long n) {
 }
 
 TYPED_TEST(FittingTwins, TessellationHasTheFewestChords) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
-  using M = ZmMathT<T>;
-  // r = 10, tol 0.1: step 2 acos(0.99) = 0.28308, 2 pi / 0.28308 = 22.2 -> 23 chords.
-  // r = 1, a quarter, tol 0.5 and 20 degrees: the angle decides, 90 / 20 = 4.5 -> 5 chords.
-  // chords 0: checked by the property alone.
+  TWIN_NAMES;
+  // 2 acos(0.99) = 0.28308, 2 pi / 0.28308 = 22.2 -> 23; 90 / 20 = 4.5 -> 5; 0: the property alone.
   const struct {
     double radius, sweep, tol, maxAngle;
     long chords;
@@ -140,10 +126,8 @@ TYPED_TEST(FittingTwins, TessellationHasTheFewestChords) {
   ASSERT_EQ(M::TessellateEllipse(e, 0, T(2 * kPi), T(0.01), 0, points), ZmArcOk);
   const long n = long(points.GetSize()) - 1;
   const auto curveWith = [](long chords) {
-    return [chords](double t) {
-      const double angle = 2 * kPi * t / double(chords);
-      return P(1, 2 + 4 * std::cos(angle), 3 + std::sin(angle));  // v = n x u = (0, 0, 1)
-    };
+    const double w = 2 * kPi / double(chords);  // v = n x u = (0, 0, 1)
+    return [w](double t) { return P(1, 2 + 4 * std::cos(w * t), 3 + std::sin(w * t)); };
   };
   EXPECT_LE(WorstDeviation(curveWith(n), n), 0.01 * (1 + 1e-5));
   EXPECT_GT(WorstDeviation(curveWith(n - 1), n - 1), 0.01);

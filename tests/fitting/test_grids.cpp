@@ -1,15 +1,9 @@
-// Grids over a rectangle (whole spacings despite rounding), over polygons with holes, and
-// evenly spaced abscissae.
+// Grids over a rectangle, over polygons with holes, and evenly spaced abscissae.
 #include "fitting/fitting_test_support.h"
 
 TYPED_TEST(FittingTwins, RectangleAndPolygonGrids) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
-  using L = WbArrayTempl<P>;
-  using M = ZmMathT<T>;
-  // X = (0, 1, 0), Y = (-1, 0, 0): 1.0 / 0.1 gives 11 columns and 0.3 / 0.1 (2.9999999999999996
-  // in double) 4 rows.
+  TWIN_NAMES;
+  // X = (0, 1, 0), Y = (-1, 0, 0): 11 columns; 0.3 / 0.1 = 2.9999999999999996 -> 4 rows.
   const ZmFrameT<T> frame(V(0, 1, 0), V(-1, 0, 0), V(0, 0, 1), P(1, 2, 3), ZmFrameCartesian);
   L points;
   ASSERT_EQ(M::RectangleGrid(frame, T(1.0), T(0.3), T(0.1), T(0.1), points), 44);
@@ -46,7 +40,7 @@ TYPED_TEST(FittingTwins, RectangleAndPolygonGrids) {
 }
 
 TYPED_TEST(FittingTwins, RangeGrid) {
-  using T = TypeParam;
+  TWIN_NAMES;
   const struct {
     T from, to, spacing;
     std::vector<double> expected;  // empty: -1
