@@ -78,10 +78,9 @@ TYPED_TEST(FittingTwins, ArcsFromCenterTangentAndFillet) {
       {M::Fillet(o, V(1, 0, 0), P(0, 1, 0), V(-1, 0, 0), 1), ZmArcCollinear},
       {M::Fillet(o, V(1, 0, 0), P(0, 0, 1), V(0, 1, 0), 1), ZmArcBadInput},  // skew legs
       {M::Fillet(o, V(1, 0, 0), o, V(0, 1, 0), 0), ZmArcBadInput}};
-  for (const auto& f : failures) {
-    EXPECT_EQ(f.first.status, f.second);
-    EXPECT_EQ(M::PointAtParameter(f.first, 0).x, zm::Invalid<T>());
-  }
+  for (const auto& f : failures)
+    EXPECT_EQ(std::make_pair(f.first.status, M::PointAtParameter(f.first, 0).x),
+              std::make_pair(f.second, zm::Invalid<T>()));
 }
 
 // The largest distance of a curve (t in [0, n] -> point) to its n chords, by dense sampling.
@@ -110,7 +109,7 @@ TYPED_TEST(FittingTwins, TessellationHasTheFewestChords) {
               {0.5, 0.3, 1.0, 0, 1}};
   for (const auto& r : rows) {
     const auto arc = M::ArcFromCenter(P(r.radius, 0, 0), P(std::cos(r.sweep), std::sin(r.sweep), 0), P(), V(0, 0, 1));
-    WbArrayTempl<P> points;
+    L points;
     ASSERT_EQ(M::TessellateArc(arc, T(r.tol), T(r.maxAngle), points), ZmArcOk);
     const long n = long(points.GetSize()) - 1;
     EXPECT_EQ(r.chords ? n : 0, r.chords) << r.radius;
@@ -122,7 +121,7 @@ TYPED_TEST(FittingTwins, TessellationHasTheFewestChords) {
   // An ellipse 4 x 1, its full turn within 0.01: every chord within, one chord fewer breaks it.
   ZmEllipseT<T> e;
   e.center = P(1, 2, 3), e.majorAxis = V(0, 1, 0), e.normal = V(1, 0, 0), e.a = 4, e.b = 1;
-  WbArrayTempl<P> points;
+  L points;
   ASSERT_EQ(M::TessellateEllipse(e, 0, T(2 * kPi), T(0.01), 0, points), ZmArcOk);
   const long n = long(points.GetSize()) - 1;
   const auto curveWith = [](long chords) {

@@ -43,15 +43,15 @@ TYPED_TEST(FittingTwins, PolygonProperties) {
 
 TYPED_TEST(FittingTwins, PolygonSignedAreaAndFrames) {
   TWIN_NAMES;
-  const WbArrayTempl<P2> ccw{P2(0, 0), P2(2, 0), P2(2, 3), P2(0, 3)}, cw{P2(0, 0), P2(0, 3), P2(2, 3), P2(2, 0)};
-  WbArrayTempl<P> lifted;
+  const L2 ccw{P2(0, 0), P2(2, 0), P2(2, 3), P2(0, 3)}, cw{P2(0, 0), P2(0, 3), P2(2, 3), P2(2, 0)};
+  L lifted;
   for (const P2& p : ccw) lifted.Add(P(p));
   ExpectNear({M::SignedArea(ccw), M::SignedArea(cw), M::SignedArea(lifted, V(0, 0, -2))}, {6, -6, -6}, 1e-6, "area");
-  ExpectNear({M::SignedArea(WbArrayTempl<P2>{P2(0, 0), P2(1, 1)}), M::SignedArea(lifted, V(0, 0, 0))},
-             {0, zm::Invalid<T>()}, 0, "area");
+  ExpectNear({M::SignedArea(L2{P2(0, 0), P2(1, 1)}), M::SignedArea(lifted, V(0, 0, 0))}, {0, zm::Invalid<T>()}, 0,
+             "area");
   // The parallelogram (0,0) (2,0) (3,1) (1,1): first edge along X; mid-lines a = (2, 0) and
   // b = (1, 1), so X = unit(a/|a| + b x n/|b|) = unit((1, 0) + (1, -1)/sqrt 2): -22.5 degrees.
-  const WbArrayTempl<P> quad{P(0, 0, 7), P(2, 0, 7), P(3, 1, 7), P(1, 1, 7)};
+  const L quad{P(0, 0, 7), P(2, 0, 7), P(3, 1, 7), P(1, 1, 7)};
   const V x[] = {V(1, 0, 0), V(std::cos(-kPi / 8), std::sin(-kPi / 8), 0)};
   for (ZmPolygonAxis axis : {ZmPolygonAxisFirstEdge, ZmPolygonAxisMidLines}) {
     ZmFrameT<T> frame;
@@ -61,7 +61,7 @@ TYPED_TEST(FittingTwins, PolygonSignedAreaAndFrames) {
                {0, 0, 0, 0}, 1e-6, axis);
   }
   ZmFrameT<T> untouched;
-  EXPECT_EQ(M::PolygonFrame(WbArrayTempl<P>{P(0, 0, 0), P(1, 0, 0), P(2, 0, 0)}, ZmPolygonAxisFirstEdge, untouched),
+  EXPECT_EQ(M::PolygonFrame(L{P(0, 0, 0), P(1, 0, 0), P(2, 0, 0)}, ZmPolygonAxisFirstEdge, untouched),
             ZmPolygonDegenerate);
   EXPECT_EQ(untouched.GetOrigin(), P(0, 0, 0));
 }
