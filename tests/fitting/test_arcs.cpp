@@ -39,8 +39,7 @@ TYPED_TEST(FittingTwins, CircleThroughThreePoints) {
     ExpectNear({arc.sweep, Gap(M::PointAtParameter(arc, 1), r.p2) / size}, {r.sweep, 0}, 1e-6, i);
     EXPECT_NEAR(arc.normal.z, r.normalZ, r.normalZ == 0 ? 1e-6 : 0) << i;  // exactly +-1 in the XY plane
   }
-  // The 2D form: the counter-clockwise triple has the normal +Z.
-  EXPECT_EQ(M::ArcThroughPoints(P2(1, -3), P2(6, 2), P2(4, 6)).normal.z, T(1));
+  EXPECT_EQ(M::ArcThroughPoints(P2(1, -3), P2(6, 2), P2(4, 6)).normal.z, T(1));  // 2D counter-clockwise: +Z
 }
 
 TYPED_TEST(FittingTwins, ArcsFromCenterTangentAndFillet) {
@@ -118,8 +117,7 @@ TYPED_TEST(FittingTwins, TessellationHasTheFewestChords) {
     const auto curve = [&arc, n](double t) { return M::PointAtParameter(arc, T(t / n)); };
     EXPECT_LE(WorstDeviation(curve, n), r.tol * (1 + 1e-5) + 1e-6) << r.radius;
   }
-  // An ellipse 4 x 1, its full turn within 0.01: every chord within, one chord fewer breaks it.
-  ZmEllipseT<T> e;
+  ZmEllipseT<T> e;  // 4 x 1, a full turn within 0.01: every chord within, one chord fewer breaks it
   e.center = P(1, 2, 3), e.majorAxis = V(0, 1, 0), e.normal = V(1, 0, 0), e.a = 4, e.b = 1;
   L points;
   ASSERT_EQ(M::TessellateEllipse(e, 0, T(2 * kPi), T(0.01), 0, points), ZmArcOk);

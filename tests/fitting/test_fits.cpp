@@ -113,21 +113,18 @@ TYPED_TEST(FittingTwins, ExactShapeFits) {
     EXPECT_EQ(fit.quality.count, 4) << m;
     ExpectNear({fit.center.x, fit.center.y, fit.radius, fit.quality.maxResidual}, {1, 2, 5, 0}, 1e-5, kMethods[m]);
   }
-  // The same circle stood up in the plane x = 7, (y, z) = (1, 2) + ...: normal along X.
-  L standing;
+  L standing;  // the same circle stood up in the plane x = 7, (y, z) = (1, 2) + ...: normal along X
   for (const P2& p : circle) standing.Add(P(7, p.x, p.y));
   const auto c3 = M::FitCircle(standing, ZmCircleFitHyper);
-  // The ellipse x^2 / 9 + y^2 / 4 = 1 about (1, -1), turned a quarter: major axis along Y.
-  L2 ellipse;
+  L2 ellipse;  // x^2 / 9 + y^2 / 4 = 1 about (1, -1), turned a quarter: major axis along Y
   for (int k = 0; k < 8; ++k) ellipse.Add(P2(1 - 2 * std::sin(k * kPi / 4), -1 + 3 * std::cos(k * kPi / 4)));
   const auto e = M::FitEllipse(ellipse);
   // (0, 1), (2, 5) on y = 2x + 1 moved +-1 along (-2, 1)/sqrt(5): that line through (1, 3),
   // residuals 1; covariance eigenvalues 4 (+-sqrt 5)^2 = 20 along, 4 across.
   const T s = T(1 / std::sqrt(5.0));
   const auto line = M::FitLine(L2{P2(-2 * s, 1 + s), P2(2 * s, 1 - s), P2(2 - 2 * s, 5 + s), P2(2 + 2 * s, 5 - s)});
-  // A quarter turn about Z then a shift (10, 20, 30): (x, y, z) -> (10 - y, 20 + x, 30 + z).
   const L moving{P(0, 0, 0), P(1, 0, 0), P(0, 2, 0), P(0, 0, 3), P(1, 1, 1)};
-  L fixed;
+  L fixed;  // a quarter turn about Z, then (10, 20, 30): (x, y, z) -> (10 - y, 20 + x, 30 + z)
   for (const P& p : moving) fixed.Add(P(10 - p.y, 20 + p.x, 30 + p.z));
   const auto rigid = M::FitRigid(moving, fixed);
   EXPECT_EQ(std::vector<int>({c3.quality.status, e.quality.status, line.quality.status, rigid.quality.status}),

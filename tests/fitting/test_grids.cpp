@@ -10,8 +10,7 @@ TYPED_TEST(FittingTwins, RectangleAndPolygonGrids) {
   ExpectNear({Gap(points[1], P(1, 2.1, 3)), Gap(points[43], P(1 - 0.3, 3, 3))}, {0, 0}, 1e-6, "rectangle");
   EXPECT_EQ(M::RectangleGrid(frame, T(1), T(1), T(0), T(1), points), -1);
   EXPECT_EQ(points.GetSize(), 0u);
-  // Lattice through (0.5, 0.5) with spacing 1 in the plane z = 2 (the origin is projected).
-  const L square{P(0, 0, 2), P(4, 0, 2), P(4, 4, 2), P(0, 4, 2)};
+  const L square{P(0, 0, 2), P(4, 0, 2), P(4, 4, 2), P(0, 4, 2)};  // lattice (0.5, 0.5) + k, z = 2 (projected)
   const L ell{P(0, 0, 2), P(4, 0, 2), P(4, 2, 2), P(2, 2, 2), P(2, 4, 2), P(0, 4, 2)};
   const L ellFromCorner{P(2, 2, 2), P(2, 4, 2), P(0, 4, 2), P(0, 0, 2), P(4, 0, 2), P(4, 2, 2)};
   const WbArrayTempl<L> hole{L{P(1, 1, 2), P(3, 1, 2), P(3, 3, 2), P(1, 3, 2)}};
@@ -53,10 +52,8 @@ TYPED_TEST(FittingTwins, RangeGrid) {
   };
   for (const auto& r : rows) {
     WbArrayTempl<T> x;
-    EXPECT_EQ(ZmMathT<T>::RangeGrid(r.from, r.to, r.spacing, x),
-              r.expected.empty() ? -1 : std::int64_t(r.expected.size()));
-    ASSERT_EQ(x.GetSize(), r.expected.size());
-    for (std::size_t i = 0; i < r.expected.size(); ++i) EXPECT_NEAR(x[i], r.expected[i], 1e-6);
+    EXPECT_EQ(M::RangeGrid(r.from, r.to, r.spacing, x), r.expected.empty() ? -1 : std::int64_t(r.expected.size()));
+    ExpectNear(std::vector<double>(x.begin(), x.end()), r.expected, 1e-6, r.to);
     EXPECT_TRUE(x.GetSize() == 0 || x[x.GetSize() - 1] == r.to);  // the end exactly
   }
 }
