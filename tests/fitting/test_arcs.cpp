@@ -46,12 +46,8 @@ TYPED_TEST(FittingTwins, ArcsFromCenterTangentAndFillet) {
   TWIN_NAMES;
   const double s3 = std::sqrt(3.0);
   const P o(0, 0, 0);
-  const struct {
-    ZmArcT<T> arc;
-    P center, start;
-    double radius, sweep;
-    V startTangent;
-  } rows[] = {
+  const std::tuple<ZmArcT<T>, P, P, double, double, V> rows[] = {
+      // centre, start, radius, sweep, tangent
       // The end only gives the direction: a quarter turn about +Z, three about -Z, a full turn.
       {M::ArcFromCenter(P(1, 0, 5), P(0, 2, 0), o, V(0, 0, 3)), o, P(1, 0, 0), 1, kPi / 2, V(0, 1, 0)},
       {M::ArcFromCenter(P(1, 0, 0), P(0, 2, 0), o, V(0, 0, -1)), o, P(1, 0, 0), 1, 3 * kPi / 2, V(0, -1, 0)},
@@ -65,11 +61,11 @@ TYPED_TEST(FittingTwins, ArcsFromCenterTangentAndFillet) {
       {M::Fillet(o, V(1, 0, 0), o, V(0.5, s3 / 2, 0), 1), P(s3, 1, 0), P(s3, 0, 0), 1, 2 * kPi / 3, V(-1, 0, 0)},
   };
   for (std::size_t i = 0; i < sizeof(rows) / sizeof(rows[0]); ++i) {
-    const auto& r = rows[i];
-    ASSERT_EQ(r.arc.status, ZmArcOk) << i;
-    ExpectNear({Gap(r.arc.center, r.center), r.arc.radius, r.arc.sweep, Gap(M::PointAtParameter(r.arc, 0), r.start),
-                Gap(M::TangentAtParameter(r.arc, 0), r.startTangent), M::ArcLength(r.arc) / 10},
-               {0, r.radius, r.sweep, 0, 0, r.radius * r.sweep / 10}, 1e-6, i);
+    const auto& [arc, center, start, radius, sweep, tangent] = rows[i];
+    ASSERT_EQ(arc.status, ZmArcOk) << i;
+    ExpectNear({Gap(arc.center, center), arc.radius, arc.sweep, Gap(M::PointAtParameter(arc, 0), start),
+                Gap(M::TangentAtParameter(arc, 0), tangent), M::ArcLength(arc) / 10},
+               {0, radius, sweep, 0, 0, radius * sweep / 10}, 1e-6, i);
   }
   const std::pair<ZmArcT<T>, ZmArcStatus> failures[] = {
       {M::ArcFromCenter(P(0, 0, 1), P(1, 0, 0), o, V(0, 0, 1)), ZmArcCoincident},

@@ -184,18 +184,15 @@ TYPED_TEST(FittingTwins, FitsOfDegenerateInput) {
     if (r.direction != none) ExpectNear({std::fabs(lf.direction.dot(V(r.direction)))}, {1}, 1e-6, i);
   }
   // Circles: no such method, too few, on a line, two points twice; radius and rms marked.
-  const struct {
-    L2 points;
-    int method;
-    ZmFitStatus status;
-  } circles[] = {{L2{P2(4, 6), P2(6, 2), P2(1, -3), P2(-3, 5)}, 7, ZmFitBadInput},
-                 {L2{P2(0, 0), P2(1, 1)}, ZmCircleFitTaubin, ZmFitTooFewPoints},
-                 {L2{P2(0, 0), P2(1, 1), P2(2, 2), P2(-3, -3)}, ZmCircleFitGeometric, ZmFitDegenerate},
-                 {L2{P2(0, 0), P2(1, 0), P2(1, 0), P2(0, 0)}, ZmCircleFitKasa, ZmFitDegenerate}};
-  for (const auto& c : circles) {
-    const auto fit = M::FitCircle(c.points, ZmCircleFitMethod(c.method));
-    EXPECT_EQ(fit.quality.status, c.status) << c.method;
-    ExpectNear({fit.radius, fit.quality.rms}, {zm::Invalid<T>(), zm::Invalid<T>()}, 0, c.method);
+  const std::tuple<L2, int, ZmFitStatus> circles[] = {
+      {L2{P2(4, 6), P2(6, 2), P2(1, -3), P2(-3, 5)}, 7, ZmFitBadInput},
+      {L2{P2(0, 0), P2(1, 1)}, ZmCircleFitTaubin, ZmFitTooFewPoints},
+      {L2{P2(0, 0), P2(1, 1), P2(2, 2), P2(-3, -3)}, ZmCircleFitGeometric, ZmFitDegenerate},
+      {L2{P2(0, 0), P2(1, 0), P2(1, 0), P2(0, 0)}, ZmCircleFitKasa, ZmFitDegenerate}};
+  for (const auto& [points, method, status] : circles) {
+    const auto fit = M::FitCircle(points, ZmCircleFitMethod(method));
+    EXPECT_EQ(fit.quality.status, status) << method;
+    ExpectNear({fit.radius, fit.quality.rms}, {zm::Invalid<T>(), zm::Invalid<T>()}, 0, method);
   }
   // Rigid moves need as many moving as fixed points; one pair or pairs on a line: degenerate, exact.
   const L square{P(0, 0, 0), P(1, 0, 0), P(1, 1, 0), P(0, 1, 0)}, one{P(1, 2, 3)}, pair{P(0, 0, 0), P(1, 0, 0)};
