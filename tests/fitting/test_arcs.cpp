@@ -3,15 +3,9 @@
 
 TYPED_TEST(FittingTwins, CircleThroughThreePoints) {
   TWIN_NAMES;
-  struct Row {
-    P p0, p1, p2;
-    ZmArcStatus status;
-    P center;
-    double radius, normalZ, sweep;
-  };
   // At 5 from (1, 2), clockwise from atan2(4, 3) to -pi/2; tilted about (10, -20, 30): a half turn.
   const double sweep = std::atan2(4.0, 3.0) + kPi / 2, e6 = 1e6;
-  const Row rows[] = {
+  const std::tuple<P, P, P, ZmArcStatus, P, double, double, double> rows[] = {
       {P(4, 6, 0), P(6, 2, 0), P(1, -3, 0), ZmArcOk, P(1, 2, 0), 5, -1, sweep},
       {P(1, -3, 0), P(6, 2, 0), P(4, 6, 0), ZmArcOk, P(1, 2, 0), 5, 1, sweep},
       {P(13, -16, 30), P(10, -20, 35), P(7, -24, 30), ZmArcOk, P(10, -20, 30), 5, 0, kPi},
@@ -27,17 +21,17 @@ TYPED_TEST(FittingTwins, CircleThroughThreePoints) {
       {P(0, 0, 0), P(1, NAN, 1), P(1, 0, 1), ZmArcBadInput, P(), 0, 0, 0},
   };
   for (std::size_t i = 0; i < sizeof(rows) / sizeof(rows[0]); ++i) {
-    const Row& r = rows[i];
-    const auto arc = M::ArcThroughPoints(r.p0, r.p1, r.p2);
-    ASSERT_EQ(arc.status, r.status) << i;
-    if (r.status != ZmArcOk) {
+    const auto& [p0, p1, p2, status, center, radius, normalZ, turn] = rows[i];
+    const auto arc = M::ArcThroughPoints(p0, p1, p2);
+    ASSERT_EQ(arc.status, status) << i;
+    if (status != ZmArcOk) {
       ExpectNear({arc.radius, M::ArcLength(arc)}, {zm::Invalid<T>(), zm::Invalid<T>()}, 0, i);
       continue;
     }
-    const double size = std::fabs(r.center.x) + r.radius;
-    ExpectNear({Gap(arc.center, r.center), arc.radius}, {0, r.radius}, 4 * size * (kIsDouble<T> ? 1e-14 : 1e-6), i);
-    ExpectNear({arc.sweep, Gap(M::PointAtParameter(arc, 1), r.p2) / size}, {r.sweep, 0}, 1e-6, i);
-    EXPECT_NEAR(arc.normal.z, r.normalZ, r.normalZ == 0 ? 1e-6 : 0) << i;  // exactly +-1 in the XY plane
+    const double size = std::fabs(center.x) + radius;
+    ExpectNear({Gap(arc.center, center), arc.radius}, {0, radius}, 4 * size * (kIsDouble<T> ? 1e-14 : 1e-6), i);
+    ExpectNear({arc.sweep, Gap(M::PointAtParameter(arc, 1), p2) / size}, {turn, 0}, 1e-6, i);
+    EXPECT_NEAR(arc.normal.z, normalZ, normalZ == 0 ? 1e-6 : 0) << i;  // exactly +-1 in the XY plane
   }
   EXPECT_EQ(M::ArcThroughPoints(P2(1, -3), P2(6, 2), P2(4, 6)).normal.z, T(1));  // 2D counter-clockwise: +Z
 }

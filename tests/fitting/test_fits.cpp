@@ -157,12 +157,7 @@ TYPED_TEST(FittingTwins, FitsOfDegenerateInput) {
   TWIN_NAMES;
   const P invalid(WbCoord3DT<T>::INVALID), none(0, 0, 0);
   const T s = T(1 / std::sqrt(2.0));
-  struct Row {
-    L points;
-    ZmFitStatus plane, line;
-    P normal, direction;  // expected up to sign; none when not checked
-  };
-  const Row rows[] = {
+  const std::tuple<L, ZmFitStatus, ZmFitStatus, P, P> rows[] = {
       {L{}, ZmFitTooFewPoints, ZmFitTooFewPoints, none, none},
       {L{P(1, 2, 3), P(4, 5, 6)}, ZmFitTooFewPoints, ZmFitOk, none, P(1, 1, 1) * T(1 / std::sqrt(3.0))},
       // Normal = direction x least aligned axis: X x Y = Z; (1, 1, 0) x Z = (1, -1, 0).
@@ -174,14 +169,14 @@ TYPED_TEST(FittingTwins, FitsOfDegenerateInput) {
       {L{P(0, 0, 0), P(1, 0, 0), P(INFINITY, 1, 0)}, ZmFitBadInput, ZmFitBadInput, none, none},
   };
   for (std::size_t i = 0; i < sizeof(rows) / sizeof(rows[0]); ++i) {
-    const Row& r = rows[i];
-    const auto pf = M::FitPlane(r.points);
-    const auto lf = M::FitLine(r.points);
-    EXPECT_EQ(std::make_pair(pf.quality.status, lf.quality.status), std::make_pair(r.plane, r.line)) << i;
+    const auto& [points, plane, line, normal, direction] = rows[i];  // up to sign; none: not checked
+    const auto pf = M::FitPlane(points);
+    const auto lf = M::FitLine(points);
+    EXPECT_EQ(std::make_pair(pf.quality.status, lf.quality.status), std::make_pair(plane, line)) << i;
     EXPECT_FALSE(std::isnan(pf.quality.rms) || std::isnan(lf.quality.rms) || std::isnan(pf.fitQuality)) << i;
-    EXPECT_EQ(pf.normal.x == zm::Invalid<T>(), r.plane != ZmFitOk && r.plane != ZmFitDegenerate) << i;
-    if (r.normal != none) ExpectNear({std::fabs(pf.normal.dot(V(r.normal))), pf.quality.rms}, {1, 0}, 1e-6, i);
-    if (r.direction != none) ExpectNear({std::fabs(lf.direction.dot(V(r.direction)))}, {1}, 1e-6, i);
+    EXPECT_EQ(pf.normal.x == zm::Invalid<T>(), plane != ZmFitOk && plane != ZmFitDegenerate) << i;
+    if (normal != none) ExpectNear({std::fabs(pf.normal.dot(V(normal))), pf.quality.rms}, {1, 0}, 1e-6, i);
+    if (direction != none) ExpectNear({std::fabs(lf.direction.dot(V(direction)))}, {1}, 1e-6, i);
   }
   // Circles: no such method, too few, on a line, two points twice; radius and rms marked.
   const std::tuple<L2, int, ZmFitStatus> circles[] = {

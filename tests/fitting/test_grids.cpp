@@ -14,7 +14,6 @@ TYPED_TEST(FittingTwins, RectangleAndPolygonGrids) {
   const L ell{P(0, 0, 2), P(4, 0, 2), P(4, 2, 2), P(2, 2, 2), P(2, 4, 2), P(0, 4, 2)};
   const L ellFromCorner{P(2, 2, 2), P(2, 4, 2), P(0, 4, 2), P(0, 0, 2), P(4, 0, 2), P(4, 2, 2)};
   const WbArrayTempl<L> hole{L{P(1, 1, 2), P(3, 1, 2), P(3, 3, 2), P(1, 3, 2)}};
-  // Polygon, holes, spacing, origin x and the number of points.
   const std::tuple<const L*, const WbArrayTempl<L>*, T, T, std::int64_t> rows[] = {
       {&square, nullptr, 1, T(0.5), 16},         // 4 x 4
       {&square, &hole, 1, T(0.5), 12},           // less the 2 x 2 inside the hole
