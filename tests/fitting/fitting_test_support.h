@@ -20,7 +20,8 @@ class FittingTwins : public ::testing::Test {};
 using Scalars = ::testing::Types<double, float>;
 TYPED_TEST_SUITE(FittingTwins, Scalars);
 constexpr double kPi = 3.141592653589793;
-// The names a twin test body opens with, said once here for its TypeParam.
+
+// `TWIN_NAMES;` opens a twin test: T is its TypeParam, the rest its point, list and math types.
 #define TWIN_NAMES                            \
   using T = TypeParam;                        \
   using P [[maybe_unused]] = ZmPoint3T<T>;    \
