@@ -1,7 +1,6 @@
 #pragma once
 
-// What the fitting suites share: the twin list, point lists, and the reader of the committed
-// tables of independent reference values (tests/reference/fitting).
+// The twin list, aliases, and the reader of the committed tables (tests/reference/fitting).
 #include <gtest/gtest.h>
 #include <zemcalc/zemcalc.h>
 
@@ -9,10 +8,10 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <limits>
 #include <map>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 // Every fitting test runs once per twin.
@@ -21,6 +20,16 @@ class FittingTwins : public ::testing::Test {};
 using Scalars = ::testing::Types<double, float>;
 TYPED_TEST_SUITE(FittingTwins, Scalars);
 constexpr double kPi = 3.141592653589793;
+
+// `TWIN_NAMES;` opens a twin test: T is its TypeParam, the rest its point, list and math types.
+#define TWIN_NAMES                            \
+  using T = TypeParam;                        \
+  using P [[maybe_unused]] = ZmPoint3T<T>;    \
+  using P2 [[maybe_unused]] = ZmPoint2T<T>;   \
+  using V [[maybe_unused]] = ZmVector3T<T>;   \
+  using M [[maybe_unused]] = ZmMathT<T>;      \
+  using L [[maybe_unused]] = WbArrayTempl<P>; \
+  using L2 [[maybe_unused]] = WbArrayTempl<P2>
 
 template <class T>
 constexpr bool kIsDouble = std::is_same<T, double>::value;
@@ -31,8 +40,7 @@ double Gap(const P& a, const P& b) {
   return double((a - b).length());
 }
 
-// Each computed value within tol of the expected value beside it; `where` and the index name
-// a failure.
+// Each computed value within tol of the expected one beside it; `where` and index name a failure.
 template <class Where>
 void ExpectNear(const std::vector<double>& got, const std::vector<double>& want, double tol, const Where& where) {
   ASSERT_EQ(got.size(), want.size()) << where;

@@ -1,21 +1,11 @@
-// Circles through three points, arcs from centre, tangent and fillet, and tessellation with
-// the fewest chords, in both twins.
+// Circles through three points, arcs from centre, tangent and fillet, fewest-chord tessellation.
 #include "fitting/fitting_test_support.h"
 
 TYPED_TEST(FittingTwins, CircleThroughThreePoints) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using M = ZmMathT<T>;
-  struct Row {
-    P p0, p1, p2;
-    ZmArcStatus status;
-    P center;
-    double radius, normalZ, sweep;
-  };
-  // (4, 6), (6, 2), (1, -3) lie at 5 from (1, 2), clockwise: from angle atan2(4, 3) down to
-  // -pi/2. In the tilted plane of (3/5, 4/5, 0) and Z about (10, -20, 30): a half turn.
+  TWIN_NAMES;
+  // At 5 from (1, 2), clockwise from atan2(4, 3) to -pi/2; tilted about (10, -20, 30): a half turn.
   const double sweep = std::atan2(4.0, 3.0) + kPi / 2, e6 = 1e6;
-  const Row rows[] = {
+  const std::tuple<P, P, P, ZmArcStatus, P, double, double, double> rows[] = {
       {P(4, 6, 0), P(6, 2, 0), P(1, -3, 0), ZmArcOk, P(1, 2, 0), 5, -1, sweep},
       {P(1, -3, 0), P(6, 2, 0), P(4, 6, 0), ZmArcOk, P(1, 2, 0), 5, 1, sweep},
       {P(13, -16, 30), P(10, -20, 35), P(7, -24, 30), ZmArcOk, P(10, -20, 30), 5, 0, kPi},
@@ -23,8 +13,7 @@ TYPED_TEST(FittingTwins, CircleThroughThreePoints) {
       {P(e6 + 1, e6, 0), P(e6, e6 + 1, 0), P(e6 - 1, e6, 0), kIsDouble<T> ? ZmArcOk : ZmArcCoincident, P(e6, e6, 0), 1,
        1, kPi},
       {P(0, 0, 0), P(1, 1, 1), P(3, 3, 3), ZmArcCollinear, P(), 0, 0, 0},
-      // Within rounding: two points 1e-9 apart beside a far third coincide (the size is the
-      // largest coordinate of all three); a bend whose sine is below 16 eps is none.
+      // 1e-9 apart beside a far third: coincident (size: largest coordinate); sine < 16 eps: none.
       {P(e6, e6, 0), P(0, 0, 0), P(1e-9, 0, 0), ZmArcCoincident, P(), 0, 0, 0},
       {P(0, 0, 0), P(1e3, 0, 0), P(2e3, kIsDouble<T> ? 1e-14 : 1e-5, 0), ZmArcCollinear, P(), 0, 0, 0},
       {P(0, 0, 0), P(zm::Invalid<T>(), 1, 1), P(1, 0, 1), ZmArcBadInput, P(), 0, 0, 0},  // a marker in x only
@@ -32,36 +21,27 @@ TYPED_TEST(FittingTwins, CircleThroughThreePoints) {
       {P(0, 0, 0), P(1, NAN, 1), P(1, 0, 1), ZmArcBadInput, P(), 0, 0, 0},
   };
   for (std::size_t i = 0; i < sizeof(rows) / sizeof(rows[0]); ++i) {
-    const Row& r = rows[i];
-    const auto arc = M::ArcThroughPoints(r.p0, r.p1, r.p2);
-    ASSERT_EQ(arc.status, r.status) << i;
-    if (r.status != ZmArcOk) {
+    const auto& [p0, p1, p2, status, center, radius, normalZ, turn] = rows[i];
+    const auto arc = M::ArcThroughPoints(p0, p1, p2);
+    ASSERT_EQ(arc.status, status) << i;
+    if (status != ZmArcOk) {
       ExpectNear({arc.radius, M::ArcLength(arc)}, {zm::Invalid<T>(), zm::Invalid<T>()}, 0, i);
       continue;
     }
-    const double size = std::fabs(r.center.x) + r.radius;
-    ExpectNear({Gap(arc.center, r.center), arc.radius}, {0, r.radius}, 4 * size * (kIsDouble<T> ? 1e-14 : 1e-6), i);
-    ExpectNear({arc.sweep, Gap(M::PointAtParameter(arc, 1), r.p2) / size}, {r.sweep, 0}, 1e-6, i);
-    EXPECT_NEAR(arc.normal.z, r.normalZ, r.normalZ == 0 ? 1e-6 : 0) << i;  // exactly +-1 in the XY plane
+    const double size = std::fabs(center.x) + radius;
+    ExpectNear({Gap(arc.center, center), arc.radius}, {0, radius}, 4 * size * (kIsDouble<T> ? 1e-14 : 1e-6), i);
+    ExpectNear({arc.sweep, Gap(M::PointAtParameter(arc, 1), p2) / size}, {turn, 0}, 1e-6, i);
+    EXPECT_NEAR(arc.normal.z, normalZ, normalZ == 0 ? 1e-6 : 0) << i;  // exactly +-1 in the XY plane
   }
-  // The 2D form: the counter-clockwise triple has the normal +Z.
-  using P2 = ZmPoint2T<T>;
-  EXPECT_EQ(M::ArcThroughPoints(P2(1, -3), P2(6, 2), P2(4, 6)).normal.z, T(1));
+  EXPECT_EQ(M::ArcThroughPoints(P2(1, -3), P2(6, 2), P2(4, 6)).normal.z, T(1));  // 2D counter-clockwise: +Z
 }
 
 TYPED_TEST(FittingTwins, ArcsFromCenterTangentAndFillet) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
-  using M = ZmMathT<T>;
+  TWIN_NAMES;
   const double s3 = std::sqrt(3.0);
   const P o(0, 0, 0);
-  const struct {
-    ZmArcT<T> arc;
-    P center, start;
-    double radius, sweep;
-    V startTangent;
-  } rows[] = {
+  const std::tuple<ZmArcT<T>, P, P, double, double, V> rows[] = {
+      // centre, start, radius, sweep, tangent
       // The end only gives the direction: a quarter turn about +Z, three about -Z, a full turn.
       {M::ArcFromCenter(P(1, 0, 5), P(0, 2, 0), o, V(0, 0, 3)), o, P(1, 0, 0), 1, kPi / 2, V(0, 1, 0)},
       {M::ArcFromCenter(P(1, 0, 0), P(0, 2, 0), o, V(0, 0, -1)), o, P(1, 0, 0), 1, 3 * kPi / 2, V(0, -1, 0)},
@@ -75,11 +55,11 @@ TYPED_TEST(FittingTwins, ArcsFromCenterTangentAndFillet) {
       {M::Fillet(o, V(1, 0, 0), o, V(0.5, s3 / 2, 0), 1), P(s3, 1, 0), P(s3, 0, 0), 1, 2 * kPi / 3, V(-1, 0, 0)},
   };
   for (std::size_t i = 0; i < sizeof(rows) / sizeof(rows[0]); ++i) {
-    const auto& r = rows[i];
-    ASSERT_EQ(r.arc.status, ZmArcOk) << i;
-    ExpectNear({Gap(r.arc.center, r.center), r.arc.radius, r.arc.sweep, Gap(M::PointAtParameter(r.arc, 0), r.start),
-                Gap(M::TangentAtParameter(r.arc, 0), r.startTangent), M::ArcLength(r.arc) / 10},
-               {0, r.radius, r.sweep, 0, 0, r.radius * r.sweep / 10}, 1e-6, i);
+    const auto& [arc, center, start, radius, sweep, tangent] = rows[i];
+    ASSERT_EQ(arc.status, ZmArcOk) << i;
+    ExpectNear({Gap(arc.center, center), arc.radius, arc.sweep, Gap(M::PointAtParameter(arc, 0), start),
+                Gap(M::TangentAtParameter(arc, 0), tangent), M::ArcLength(arc) / 10},
+               {0, radius, sweep, 0, 0, radius * sweep / 10}, 1e-6, i);
   }
   const std::pair<ZmArcT<T>, ZmArcStatus> failures[] = {
       {M::ArcFromCenter(P(0, 0, 1), P(1, 0, 0), o, V(0, 0, 1)), ZmArcCoincident},
@@ -87,10 +67,9 @@ TYPED_TEST(FittingTwins, ArcsFromCenterTangentAndFillet) {
       {M::Fillet(o, V(1, 0, 0), P(0, 1, 0), V(-1, 0, 0), 1), ZmArcCollinear},
       {M::Fillet(o, V(1, 0, 0), P(0, 0, 1), V(0, 1, 0), 1), ZmArcBadInput},  // skew legs
       {M::Fillet(o, V(1, 0, 0), o, V(0, 1, 0), 0), ZmArcBadInput}};
-  for (const auto& f : failures) {
-    EXPECT_EQ(f.first.status, f.second);
-    EXPECT_EQ(M::PointAtParameter(f.first, 0).x, zm::Invalid<T>());
-  }
+  for (const auto& f : failures)
+    EXPECT_EQ(std::make_pair(f.first.status, M::PointAtParameter(f.first, 0).x),
+              std::make_pair(f.second, zm::Invalid<T>()));
 }
 
 // The largest distance of a curve (t in [0, n] -> point) to its n chords, by dense sampling.
@@ -107,13 +86,8 @@ double WorstDeviation(Curve curve, long n) {
 }
 
 TYPED_TEST(FittingTwins, TessellationHasTheFewestChords) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
-  using M = ZmMathT<T>;
-  // r = 10, tol 0.1: step 2 acos(0.99) = 0.28308, 2 pi / 0.28308 = 22.2 -> 23 chords.
-  // r = 1, a quarter, tol 0.5 and 20 degrees: the angle decides, 90 / 20 = 4.5 -> 5 chords.
-  // chords 0: checked by the property alone.
+  TWIN_NAMES;
+  // 2 acos(0.99) = 0.28308, 2 pi / 0.28308 = 22.2 -> 23; 90 / 20 = 4.5 -> 5; 0: the property alone.
   const struct {
     double radius, sweep, tol, maxAngle;
     long chords;
@@ -124,7 +98,7 @@ TYPED_TEST(FittingTwins, TessellationHasTheFewestChords) {
               {0.5, 0.3, 1.0, 0, 1}};
   for (const auto& r : rows) {
     const auto arc = M::ArcFromCenter(P(r.radius, 0, 0), P(std::cos(r.sweep), std::sin(r.sweep), 0), P(), V(0, 0, 1));
-    WbArrayTempl<P> points;
+    L points;
     ASSERT_EQ(M::TessellateArc(arc, T(r.tol), T(r.maxAngle), points), ZmArcOk);
     const long n = long(points.GetSize()) - 1;
     EXPECT_EQ(r.chords ? n : 0, r.chords) << r.radius;
@@ -133,17 +107,14 @@ TYPED_TEST(FittingTwins, TessellationHasTheFewestChords) {
     const auto curve = [&arc, n](double t) { return M::PointAtParameter(arc, T(t / n)); };
     EXPECT_LE(WorstDeviation(curve, n), r.tol * (1 + 1e-5) + 1e-6) << r.radius;
   }
-  // An ellipse 4 x 1, its full turn within 0.01: every chord within, one chord fewer breaks it.
-  ZmEllipseT<T> e;
+  ZmEllipseT<T> e;  // 4 x 1, a full turn within 0.01: every chord within, one chord fewer breaks it
   e.center = P(1, 2, 3), e.majorAxis = V(0, 1, 0), e.normal = V(1, 0, 0), e.a = 4, e.b = 1;
-  WbArrayTempl<P> points;
+  L points;
   ASSERT_EQ(M::TessellateEllipse(e, 0, T(2 * kPi), T(0.01), 0, points), ZmArcOk);
   const long n = long(points.GetSize()) - 1;
   const auto curveWith = [](long chords) {
-    return [chords](double t) {
-      const double angle = 2 * kPi * t / double(chords);
-      return P(1, 2 + 4 * std::cos(angle), 3 + std::sin(angle));  // v = n x u = (0, 0, 1)
-    };
+    const double w = 2 * kPi / double(chords);  // v = n x u = (0, 0, 1)
+    return [w](double t) { return P(1, 2 + 4 * std::cos(w * t), 3 + std::sin(w * t)); };
   };
   EXPECT_LE(WorstDeviation(curveWith(n), n), 0.01 * (1 + 1e-5));
   EXPECT_GT(WorstDeviation(curveWith(n - 1), n - 1), 0.01);

@@ -1,12 +1,8 @@
-// Polygon properties and frames: area, centroid, Newell normal far from the origin, flatness,
-// convexity, orientation, the two first-axis choices and the degenerate polygons.
+// Polygon properties, signed areas and frames, far from the origin and degenerate.
 #include "fitting/fitting_test_support.h"
 
 TYPED_TEST(FittingTwins, PolygonProperties) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using V = ZmVector3T<T>;
-  using L = WbArrayTempl<P>;
+  TWIN_NAMES;
   const double big = kIsDouble<T> ? 1e6 : 1e3, h = 0.125, bad = zm::Invalid<T>();
   const P badP(WbCoord3DT<T>::INVALID);
   struct Row {
@@ -21,8 +17,7 @@ TYPED_TEST(FittingTwins, PolygonProperties) {
       // A unit square far away (closed by a repeat of its first vertex).
       {L{P(big, big, 5), P(big + 1, big, 5), P(big + 1, big + 1, 5), P(big, big + 1, 5), P(big, big, 5)}, ZmPolygonOk,
        1, 0, P(big + 0.5, big + 0.5, 5), V(0, 0, 1), 1},
-      // An L: squares of area 2 at (1, 0.5) and 1 at (0.5, 1.5) -> (2.5 / 3, 2.5 / 3); its
-      // vertex average is (1, 1).
+      // An L: area 2 at (1, 0.5) + 1 at (0.5, 1.5) -> 2.5 / 3 each (vertex average: 1).
       {L{P(0, 0, 0), P(2, 0, 0), P(2, 1, 0), P(1, 1, 0), P(1, 2, 0), P(0, 2, 0)}, ZmPolygonOk, 3, 0,
        P(2.5 / 3, 2.5 / 3, 0), V(0, 0, 1), 0},
       {L{P(0, 0, 0), P(0, 3, 0), P(4, 0, 0)}, ZmPolygonOk, 6, 0, P(4.0 / 3, 1, 0), V(0, 0, -1), 1},
@@ -47,20 +42,16 @@ TYPED_TEST(FittingTwins, PolygonProperties) {
 }
 
 TYPED_TEST(FittingTwins, PolygonSignedAreaAndFrames) {
-  using T = TypeParam;
-  using P = ZmPoint3T<T>;
-  using P2 = ZmPoint2T<T>;
-  using V = ZmVector3T<T>;
-  using M = ZmMathT<T>;
-  const WbArrayTempl<P2> ccw{P2(0, 0), P2(2, 0), P2(2, 3), P2(0, 3)}, cw{P2(0, 0), P2(0, 3), P2(2, 3), P2(2, 0)};
-  WbArrayTempl<P> lifted;
+  TWIN_NAMES;
+  const L2 ccw{P2(0, 0), P2(2, 0), P2(2, 3), P2(0, 3)}, cw{P2(0, 0), P2(0, 3), P2(2, 3), P2(2, 0)};
+  L lifted;
   for (const P2& p : ccw) lifted.Add(P(p));
   ExpectNear({M::SignedArea(ccw), M::SignedArea(cw), M::SignedArea(lifted, V(0, 0, -2))}, {6, -6, -6}, 1e-6, "area");
-  ExpectNear({M::SignedArea(WbArrayTempl<P2>{P2(0, 0), P2(1, 1)}), M::SignedArea(lifted, V(0, 0, 0))},
-             {0, zm::Invalid<T>()}, 0, "area");
+  ExpectNear({M::SignedArea(L2{P2(0, 0), P2(1, 1)}), M::SignedArea(lifted, V(0, 0, 0))}, {0, zm::Invalid<T>()}, 0,
+             "area");
   // The parallelogram (0,0) (2,0) (3,1) (1,1): first edge along X; mid-lines a = (2, 0) and
   // b = (1, 1), so X = unit(a/|a| + b x n/|b|) = unit((1, 0) + (1, -1)/sqrt 2): -22.5 degrees.
-  const WbArrayTempl<P> quad{P(0, 0, 7), P(2, 0, 7), P(3, 1, 7), P(1, 1, 7)};
+  const L quad{P(0, 0, 7), P(2, 0, 7), P(3, 1, 7), P(1, 1, 7)};
   const V x[] = {V(1, 0, 0), V(std::cos(-kPi / 8), std::sin(-kPi / 8), 0)};
   for (ZmPolygonAxis axis : {ZmPolygonAxisFirstEdge, ZmPolygonAxisMidLines}) {
     ZmFrameT<T> frame;
@@ -70,7 +61,7 @@ TYPED_TEST(FittingTwins, PolygonSignedAreaAndFrames) {
                {0, 0, 0, 0}, 1e-6, axis);
   }
   ZmFrameT<T> untouched;
-  EXPECT_EQ(M::PolygonFrame(WbArrayTempl<P>{P(0, 0, 0), P(1, 0, 0), P(2, 0, 0)}, ZmPolygonAxisFirstEdge, untouched),
+  EXPECT_EQ(M::PolygonFrame(L{P(0, 0, 0), P(1, 0, 0), P(2, 0, 0)}, ZmPolygonAxisFirstEdge, untouched),
             ZmPolygonDegenerate);
   EXPECT_EQ(untouched.GetOrigin(), P(0, 0, 0));
 }
