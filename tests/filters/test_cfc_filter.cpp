@@ -161,6 +161,10 @@ TEST(CFCFilter, RefusalsKeepTheInputAndNameTheCause) {
     filter.SetAllowLowRate(t.allowLow);
     EXPECT_EQ(filter_test::Refusal(filter, t.in), t.message) << t.cfc;
   }
+  // Steps exactly at the tolerance pass: 1.5 and 0.5 ms against a mean of 1 ms at 50 % (exact).
+  ZmFilterCFCd edge(60, ZmUnitMillisecond);
+  edge.SetStepTolerance(0.5);
+  EXPECT_EQ(filter_test::Refusal(edge, WbArrayTempl<ZmPoint2d>{{0, 1}, {1.5, 1}, {2, 1}}), ok);
 }
 
 TEST(CFCFilter, StepsInMillisecondsFilterAsInSeconds) {
